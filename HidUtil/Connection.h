@@ -1,0 +1,72 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "HidUtil/EventLoop.h"
+#include "HidUtil/LineSplitter.h"
+#include "ZephlinCore/FileDescriptor.h"
+
+namespace zephlin {
+
+class Connection;
+
+/// What a connection needs of the server that owns it.
+class ConnectionOwner {
+ public:
+  ConnectionOwner() = default;
+  ConnectionOwner(const ConnectionOwner&) = delete;
+  ConnectionOwner& operator=(const ConnectionOwner&) = delete;
+  virtual ~ConnectionOwner() = default;
+
+  /// The response line, without line feed, to a request line of the user.
+  virtual std::string respond(std::string_view line, uid_t user) = 0;
+
+  /// The connection has nothing more to do and is to be destroyed, at best within this call.
+  virtual void connectionEnded(Connection& connection) = 0;
+};
+
+/// One client. It answers one request line per turn of the loop, so that no client keeps the
+/// others waiting, and reads no further while a response is not sent, so that it holds at most one
+/// request and one response in memory. It ends when the client has closed its side, after a line
+/// that is too long, and when the client has neither sent the rest of a request nor taken more of
+/// a response for `patience`.
+class Connection {
+ public:
+  /// `socket` is a connected stream socket that does not block.
+  Connection(EventLoop& loop, FileDescriptor socket, uid_t user, std::chrono::microseconds patience,
+             ConnectionOwner& owner);
+
+  [[nodiscard]] uid_t user() const { return user_; }
+
+ private:
+  void onSocket(std::uint32_t events);
+  void receive();
+  void send();
+  void proceed();
+  [[nodiscard]] bool isOver() const;
+  void takeRequest();
+  void waitForClient(std::uint32_t events, bool midway);
+  void end();
+
+  uid_t user_;
+  std::chrono::microseconds patience_;
+  ConnectionOwner& owner_;
+  LineSplitter input_;
+  std::string output_;
+  bool inputEnded_ = false;
+  bool lastResponse_ = false;
+  bool broken_ = false;
+  bool progressed_ = false;
+  FileDescriptor socket_;
+  EventSource watch_;
+  EventSource nextRequest_;
+  EventSource stalled_;
+};
+
+}  // namespace zephlin

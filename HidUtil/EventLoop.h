@@ -1,0 +1,74 @@
+#pragma once
+
+#include <systemd/sd-event.h>
+
+#include <chrono>
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <memory>
+
+namespace zephlin {
+
+/// Something that an EventLoop calls back for. Dropping it, even within its own callback, ends the
+/// calls. It must not outlive the loop.
+class EventSource {
+ public:
+  EventSource() = default;
+  explicit EventSource(sd_event_source* source) : source_(source) {}
+
+  void enable();
+  void disable();
+  [[nodiscard]] bool isEnabled() const;
+
+  /// Only for a descriptor: which of EPOLLIN, EPOLLOUT to call back for. EPOLLHUP and EPOLLERR are
+  /// always among them.
+  void setEvents(std::uint32_t events);
+
+  /// Only for a timer: calls back once, after `delay` from now.
+  void setDelay(std::chrono::microseconds delay);
+
+ private:
+  struct Release {
+    void operator()(sd_event_source* source) const { sd_event_source_disable_unref(source); }
+  };
+  std::unique_ptr<sd_event_source, Release> source_;
+};
+
+/// The one loop of the service's one thread. Operations throw std::system_error if the system
+/// refuses. An exception that leaves a callback ends `run`, which throws it.
+class EventLoop {
+ public:
+  EventLoop();
+
+  /// For what else lives in this loop; owned by it.
+  [[nodiscard]] sd_event* native() const { return event_.get(); }
+
+  /// Calls back while any of `events` holds for the descriptor, which outlives the source.
+  EventSource watch(int descriptor, std::uint32_t events,
+                    std::function<void(std::uint32_t events)> callback);
+
+  /// A timer that does nothing until it is given a delay.
+  EventSource timer(std::function<void()> callback);
+
+  /// Calls back in every turn of the loop while it is enabled, which at first it is not.
+  EventSource deferred(std::function<void()> callback);
+
+  /// Ends `run` with success when the signal arrives. Blocks the signal for the calling thread.
+  void stopOnSignal(int signalNumber);
+
+  /// Returns when the loop is asked to stop.
+  void run();
+
+ private:
+  struct Callback;
+  struct Trampoline;
+  struct Unreference {
+    void operator()(sd_event* event) const { sd_event_unref(event); }
+  };
+
+  std::unique_ptr<sd_event, Unreference> event_;
+  std::exception_ptr failure_;
+};
+
+}  // namespace zephlin

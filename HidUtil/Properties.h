@@ -1,0 +1,29 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace zephlin {
+
+/// Properties of one keyboard, or to be set on several. What a number means is between whoever
+/// sets it and the bus.
+using PropertySet = std::map<std::string, std::int64_t, std::less<>>;
+
+constexpr std::size_t maximumPropertiesOfAKeyboard = 64;
+constexpr std::size_t maximumPropertyKeyBytes = 128;
+
+/// Throws RequestError unless `key` is 1 to 128 printable ASCII characters without spaces.
+void requirePropertyKey(std::string_view key);
+
+/// Reads the argument of --set. Throws RequestError.
+PropertySet parseProperties(std::string_view text);
+
+/// Throws RequestError unless `value` is an object of 1 to 64 valid keys with whole numbers.
+PropertySet propertiesFromJson(const nlohmann::json& value);
+
+}  // namespace zephlin

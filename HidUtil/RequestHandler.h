@@ -1,0 +1,40 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <string_view>
+
+#include "HidUtil/KeyboardRegistry.h"
+#include "HidUtil/Permissions.h"
+#include "HidUtil/Request.h"
+#include "HidUtil/Response.h"
+#include "HidUtil/VirtualKeyboardBus.h"
+
+namespace zephlin {
+
+/// Turns request lines into response lines, both without line feed. It knows no descriptors. What
+/// it is made with outlives it.
+class RequestHandler {
+ public:
+  RequestHandler(KeyboardRegistry& registry, VirtualKeyboardBus& virtualKeyboards,
+                 const Permissions& permissions, Log log);
+
+  /// `user` is who asks, as the system vouches for it. A request that fails has changed nothing.
+  std::string respond(std::string_view line, uid_t user);
+
+ private:
+  Response perform(const ListRequest& request, uid_t user);
+  Response perform(const GetRequest& request, uid_t user);
+  Response perform(const SetRequest& request, uid_t user);
+  Response perform(const PlugRequest& request, uid_t user);
+  Response perform(const PullRequest& request, uid_t user);
+  Response answer(std::string_view line, uid_t user);
+
+  KeyboardRegistry& registry_;
+  VirtualKeyboardBus& virtualKeyboards_;
+  const Permissions& permissions_;
+  Log log_;
+};
+
+}  // namespace zephlin

@@ -1,0 +1,111 @@
+#include "HidUtil/Server.h"
+
+#include <sys/epoll.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <optional>
+#include <system_error>
+
+#include "HidUtil/Response.h"
+
+namespace zephlin {
+namespace {
+
+std::optional<uid_t> peerOf(const FileDescriptor& socket) {
+  ucred credentials{};
+  socklen_t size = sizeof credentials;
+  if (::getsockopt(socket.get(), SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0) {
+    return std::nullopt;
+  }
+  return credentials.uid;
+}
+
+/// Says why there is no connection, if the client's socket takes it at once.
+void turnAway(const FileDescriptor& socket, std::size_t limit) {
+  const std::string line =
+      encode(ErrorResponse{
+          "you have " + std::to_string(limit) +
+          " connections to the keyboard service, which is the most; close some of them"}) +
+      '\n';
+  ::send(socket.get(), line.data(), line.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+}
+
+/// Whether a failed accept says nothing about the next one.
+bool concernsOneClient(int errorNumber) {
+  return errorNumber == EAGAIN || errorNumber == EINTR || errorNumber == ECONNABORTED;
+}
+
+}  // namespace
+
+Server::Server(EventLoop& loop, FileDescriptor listening, RequestHandler& handler,
+               ServerLimits limits)
+    : loop_(loop),
+      handler_(handler),
+      limits_(limits),
+      listening_(std::move(listening)),
+      accepting_(loop.watch(listening_.get(), EPOLLIN, [this](std::uint32_t) { acceptOne(); })),
+      retry_(loop.timer([this] { resumeAccepting(); })) {}
+
+std::string Server::respond(std::string_view line, uid_t user) {
+  return handler_.respond(line, user);
+}
+
+void Server::connectionEnded(Connection& connection) {
+  const auto count = connectionsOfUsers_.find(connection.user());
+  if (--count->second == 0) {
+    connectionsOfUsers_.erase(count);
+  }
+  connections_.erase(&connection);
+  resumeAccepting();
+}
+
+void Server::acceptOne() {
+  FileDescriptor socket(
+      ::accept4(listening_.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+  if (socket.isOpen()) {
+    welcome(std::move(socket));
+  } else if (!concernsOneClient(errno)) {
+    pauseAccepting();
+  }
+}
+
+void Server::welcome(FileDescriptor socket) {
+  const auto user = peerOf(socket);
+  if (!user) {
+    return;
+  }
+  if (!hasRoomFor(*user)) {
+    turnAway(socket, limits_.connectionsOfAUser);
+    return;
+  }
+  ConnectionOwner& owner = *this;
+  try {
+    auto connection =
+        std::make_unique<Connection>(loop_, std::move(socket), *user, limits_.patience, owner);
+    const Connection* const key = connection.get();
+    connections_.emplace(key, std::move(connection));
+    ++connectionsOfUsers_[*user];
+  } catch (const std::system_error&) {
+    // The system cannot watch one more socket; the client sees its connection closed.
+    pauseAccepting();
+  }
+}
+
+bool Server::hasRoomFor(uid_t user) const {
+  const auto count = connectionsOfUsers_.find(user);
+  return user == 0 || count == connectionsOfUsers_.end() ||
+         count->second < limits_.connectionsOfAUser;
+}
+
+void Server::pauseAccepting() {
+  accepting_.disable();
+  retry_.setDelay(std::chrono::seconds(1));
+}
+
+void Server::resumeAccepting() {
+  retry_.disable();
+  accepting_.enable();
+}
+
+}  // namespace zephlin

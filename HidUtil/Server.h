@@ -1,0 +1,54 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "HidUtil/Connection.h"
+#include "HidUtil/EventLoop.h"
+#include "HidUtil/RequestHandler.h"
+#include "ZephlinCore/FileDescriptor.h"
+
+namespace zephlin {
+
+struct ServerLimits {
+  /// How long a client may leave a request unfinished or a response untaken.
+  std::chrono::microseconds patience = std::chrono::seconds(30);
+
+  /// How many connections each user other than root may have.
+  std::size_t connectionsOfAUser = 512;
+};
+
+/// Accepts clients and has their requests handled, on the thread of the loop. When the system has
+/// no descriptor for one more client, it accepts no more until one leaves or a second has passed.
+class Server final : private ConnectionOwner {
+ public:
+  /// `listening` does not block. The loop and the handler outlive the server.
+  Server(EventLoop& loop, FileDescriptor listening, RequestHandler& handler, ServerLimits limits);
+
+ private:
+  std::string respond(std::string_view line, uid_t user) override;
+  void connectionEnded(Connection& connection) override;
+
+  void acceptOne();
+  void welcome(FileDescriptor socket);
+  [[nodiscard]] bool hasRoomFor(uid_t user) const;
+  void pauseAccepting();
+  void resumeAccepting();
+
+  EventLoop& loop_;
+  RequestHandler& handler_;
+  ServerLimits limits_;
+  FileDescriptor listening_;
+  EventSource accepting_;
+  EventSource retry_;
+  std::map<const Connection*, std::unique_ptr<Connection>> connections_;
+  std::map<uid_t, std::size_t> connectionsOfUsers_;
+};
+
+}  // namespace zephlin

@@ -1,0 +1,108 @@
+#include <sys/resource.h>
+#include <systemd/sd-daemon.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "HidUtil/Errors.h"
+#include "HidUtil/EventLoop.h"
+#include "HidUtil/KeyboardRegistry.h"
+#include "HidUtil/ListeningSocket.h"
+#include "HidUtil/LoginSessions.h"
+#include "HidUtil/Permissions.h"
+#include "HidUtil/RequestHandler.h"
+#include "HidUtil/Server.h"
+#include "HidUtil/ServiceCommandLine.h"
+#include "HidUtil/StandardDescriptors.h"
+#include "HidUtil/VirtualKeyboardBus.h"
+#include "ZephlinCore/FileDescriptor.h"
+
+namespace zephlin {
+namespace {
+
+enum ExitStatus : int { Done = 0, Failed = 1, WrongUsage = 64 };
+
+void log(const std::string& text) {
+  // One write for the whole line, so that it stays whole among other programs' lines.
+  const std::string line = "zephlin-hidd: " + text + '\n';
+  std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+/// Every client takes a descriptor, and the usual soft limit is low for the sake of select().
+void raiseDescriptorLimit() {
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_NOFILE, &limit) == 0) {
+    limit.rlim_cur = limit.rlim_max;
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+  }
+}
+
+void serve(const ServiceOptions& options) {
+  raiseDescriptorLimit();
+  EventLoop loop;
+  loop.stopOnSignal(SIGTERM);
+  loop.stopOnSignal(SIGINT);
+
+  auto listening = takeActivationSocket();
+  std::optional<BoundSocket> bound;
+  if (!listening) {
+    listening = bound.emplace(options.socketPath).takeDescriptor();
+  }
+  const std::string ready = "ready on " + boundPath(*listening) + " with ";
+
+  KeyboardRegistry registry(log);
+  VirtualKeyboardBus virtualKeyboards(options.virtualKeyboards);
+  virtualKeyboards.start(registry);
+
+  const Permissions permissions(::geteuid(), hasActiveLocalLoginSession);
+  RequestHandler handler(registry, virtualKeyboards, permissions, log);
+  const Server server(loop, std::move(*listening), handler, ServerLimits{});
+
+  log(ready + countedKeyboards(registry.size()));
+  sd_notify(0, "READY=1");
+  loop.run();
+  sd_notify(0, "STOPPING=1");
+}
+
+int print(std::string_view text) {
+  const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+  if (!written || std::fflush(stdout) != 0) {
+    throw RequestError("cannot write to standard output");
+  }
+  return Done;
+}
+
+int runCommandLine(const std::vector<std::string>& arguments) {
+  try {
+    const ServiceOptions options = parseServiceCommandLine(arguments);
+    if (options.showHelp) {
+      return print(serviceHelp);
+    }
+    if (options.showVersion) {
+      return print("zephlin-hidd (Zephlin) " ZEPHLIN_VERSION "\n");
+    }
+    serve(options);
+    return Done;
+  } catch (const UsageError& error) {
+    log(error.what());
+    return WrongUsage;
+  } catch (const std::exception& error) {
+    log(error.what());
+    return Failed;
+  }
+}
+
+}  // namespace
+}  // namespace zephlin
+
+int main(int argumentCount, char** arguments) {
+  zephlin::openMissingStandardDescriptors();
+  std::signal(SIGPIPE, SIG_IGN);
+  return zephlin::runCommandLine(
+      {arguments + (argumentCount > 0 ? 1 : 0), arguments + argumentCount});
+}

@@ -1,0 +1,47 @@
+# shellcheck shell=bash
+# Sourced by ./run and ./test: what they need on the machine, and how it gets there.
+
+# What runs a command as root: "${as_root[@]}" COMMAND
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+    as_root=(sudo)
+    if ! command -v sudo >/dev/null; then
+        echo "This needs root: run it as root, or install sudo." >&2
+        exit 1
+    fi
+fi
+
+# Says which long step begins.
+step() {
+    printf '\n==> %s\n' "$*"
+}
+
+# Runs a command whose output matters only if it fails.
+quietly() {
+    local output status=0
+    output=$("$@" 2>&1) || status=$?
+    [ "$status" -eq 0 ] || printf '%s\n' "$output" >&2
+    return "$status"
+}
+
+is_installed() {
+    [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
+# Installs those of the packages that are missing.
+need_packages() {
+    local package missing=()
+    for package in "$@"; do
+        is_installed "$package" || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    step "Installing ${missing[*]}"
+    quietly "${as_root[@]}" apt-get update
+    quietly "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y --no-install-recommends "${missing[@]}"
+}
+
+# What building Zephlin takes.
+need_build_packages() {
+    need_packages g++ cmake ninja-build pkg-config nlohmann-json3-dev libsystemd-dev "$@"
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace zephlin::bench {
+
+/// A plain pass over the bytes, compiled with -O2: what reading each of them once costs.
+std::size_t countLineFeeds(std::string_view text);
+
+}  // namespace zephlin::bench

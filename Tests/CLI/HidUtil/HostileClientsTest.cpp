@@ -1,0 +1,142 @@
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <fstream>
+#include <memory>
+
+#include "Tests/CLI/HidUtil/RunningService.h"
+
+namespace zephlin {
+namespace {
+
+const std::string listRequest = R"({"request":"list","matching":{}})";
+const std::string listAnswerStart = R"({"keyboards":[)";
+
+bool isServed(RawClient& client) {
+  return client.ask(listRequest).starts_with(listAnswerStart);
+}
+
+TEST(HostileClients, AStalledOneDoesNotKeepOthersWaiting) {
+  const RunningService service;
+  const RawClient silent = service.connect();
+  const RawClient halfway = service.connect();
+  halfway.send(R"({"request":)");
+  const RawClient deaf = service.connect();
+  for (int count = 0; count < 1000; ++count) {
+    deaf.sendWithoutWaiting(listRequest + "\n");
+  }
+  EXPECT_EQ(service.hidutil({"list"}).status, 0);
+}
+
+TEST(HostileClients, FiveHundredAtOnceAreAllServed) {
+  const RunningService service;
+  constexpr std::size_t many = 500;
+  std::vector<RawClient> clients;
+  clients.reserve(many);
+  while (clients.size() < many) {
+    clients.push_back(service.connect());
+  }
+  for (const RawClient& each : clients) {
+    each.send(listRequest + "\n");
+  }
+  for (RawClient& each : clients) {
+    EXPECT_TRUE(each.receiveLine().starts_with(listAnswerStart));
+  }
+}
+
+TEST(HostileClients, HalfALineIsNoRequest) {
+  const RunningService service(1);
+  {
+    const RawClient client = service.connect();
+    client.send(R"({"request":"plug"})");
+  }
+  RawClient polite = service.connect();
+  polite.send(R"({"request":"plug"})");
+  polite.endSending();
+  polite.waitForClose();
+  EXPECT_EQ(service.hidutil({"plug"}).output, "100000002\n");
+}
+
+TEST(HostileClients, ALineThatIsTooLongIsAnsweredAndTheConnectionCloses) {
+  const RunningService service;
+  RawClient client = service.connect();
+  client.send(std::string(std::size_t{64} * 1024 + 1, 'x'));
+  EXPECT_EQ(
+      client.receiveLine(),
+      R"({"response":"error","text":"the request is longer than 65536 bytes; ask for less at )"
+      R"(once"})");
+  client.waitForClose();
+  EXPECT_EQ(service.hidutil({"list"}).status, 0);
+}
+
+TEST(HostileClients, NonsenseIsAnsweredAndTheConnectionStays) {
+  const RunningService service;
+  RawClient client = service.connect();
+  for (const char* const line : {"", "nonsense", "[]", "{\"request\":\"dance\"}", "\xff\xfe"}) {
+    EXPECT_TRUE(client.ask(line).starts_with(R"({"response":"error",)")) << line;
+  }
+  EXPECT_TRUE(isServed(client));
+}
+
+TEST(HostileClients, OneThatIsKilledInTheMiddleOfAnAnswerHarmsNoOther) {
+  const RunningService service(256);
+  test::TestProcess client([&] {
+    const RawClient connection = service.connect();
+    for (int count = 0; count < 100; ++count) {
+      connection.sendWithoutWaiting(listRequest + "\n");
+    }
+    std::fputs("asked\n", stderr);
+    ::pause();
+  });
+  client.waitForErrors("asked");
+  client.send(SIGKILL);
+  EXPECT_EQ(client.wait().status, -SIGKILL);
+  EXPECT_EQ(service.hidutil({"list"}).status, 0);
+}
+
+/// Processor time that the process has used, in clock ticks.
+long processorTime(pid_t process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+  std::string skipped;
+  std::getline(file, skipped, ')');
+  for (int field = 3; field < 14; ++field) {
+    file >> skipped;
+  }
+  long user = 0;
+  long system = 0;
+  file >> user >> system;
+  return user + system;
+}
+
+TEST(HostileClients, MoreThanThereAreDescriptorsForWaitTheirTurn) {
+  RunningService service(1, [] {
+    const rlimit few{32, 32};
+    ::setrlimit(RLIMIT_NOFILE, &few);
+  });
+  std::vector<std::unique_ptr<RawClient>> clients;
+  for (int count = 0; count < 64; ++count) {
+    clients.push_back(std::make_unique<RawClient>(service.connect()));
+    clients.back()->send(listRequest + "\n");
+  }
+  RawClient& first = *clients.front();
+  EXPECT_TRUE(first.receiveLine().starts_with(listAnswerStart));
+
+  // The service sits still while it can accept no one: of two seconds it uses less than one.
+  const long before = processorTime(service.process().id());
+  ::sleep(2);
+  EXPECT_LT(processorTime(service.process().id()) - before, ::sysconf(_SC_CLK_TCK));
+  EXPECT_TRUE(isServed(first));
+
+  // Each one that leaves makes room for the next, until the last one has been served.
+  while (clients.size() > 1) {
+    clients.erase(clients.begin());
+  }
+  EXPECT_TRUE(clients.front()->receiveLine().starts_with(listAnswerStart));
+  clients.clear();
+  EXPECT_EQ(service.hidutil({"list"}).status, 0);
+}
+
+}  // namespace
+}  // namespace zephlin

@@ -1,0 +1,96 @@
+#include <gtest/gtest.h>
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
+
+#include <csignal>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <system_error>
+
+#include "HidUtil/EventLoop.h"
+#include "ZephlinCore/FileDescriptor.h"
+
+namespace zephlin {
+namespace {
+
+using namespace std::chrono_literals;
+
+void stop(const EventLoop& loop) {
+  sd_event_exit(loop.native(), 0);
+}
+
+TEST(EventLoop, ATimerDoesNothingUntilItIsGivenADelay) {
+  EventLoop loop;
+  bool silentRan = false;
+  EventSource silent = loop.timer([&] { silentRan = true; });
+  EventSource timer = loop.timer([&] { stop(loop); });
+  const auto start = std::chrono::steady_clock::now();
+  timer.setDelay(20ms);
+  loop.run();
+  EXPECT_GE(std::chrono::steady_clock::now() - start, 20ms);
+  EXPECT_FALSE(silentRan);
+  EXPECT_FALSE(timer.isEnabled());
+}
+
+TEST(EventLoop, ADeferredCallComesInEveryTurnWhileItIsEnabled) {
+  EventLoop loop;
+  int calls = 0;
+  EventSource source = loop.deferred([&] {
+    if (++calls == 3) {
+      stop(loop);
+    }
+  });
+  source.enable();
+  loop.run();
+  EXPECT_EQ(calls, 3);
+}
+
+TEST(EventLoop, ADescriptorCallsBackWithWhatHolds) {
+  EventLoop loop;
+  const FileDescriptor event(::eventfd(1, EFD_CLOEXEC));
+  std::uint32_t seen = 0;
+  const EventSource source = loop.watch(event.get(), EPOLLIN, [&](std::uint32_t events) {
+    seen = events;
+    stop(loop);
+  });
+  loop.run();
+  EXPECT_EQ(seen, static_cast<std::uint32_t>(EPOLLIN));
+}
+
+TEST(EventLoop, ASourceMayEndItselfInItsOwnCallback) {
+  EventLoop loop;
+  const auto witness = std::make_shared<int>(0);
+  std::optional<EventSource> source;
+  source = loop.deferred([&source, &loop, witness] {
+    source.reset();
+    ++*witness;  // What the callback holds is still there.
+    stop(loop);
+  });
+  source->enable();
+  loop.run();
+  EXPECT_EQ(*witness, 1);
+  EXPECT_EQ(witness.use_count(), 1);
+}
+
+TEST(EventLoop, AnExceptionOfACallbackLeavesRun) {
+  EventLoop loop;
+  EventSource source = loop.deferred([] { throw std::runtime_error("oops"); });
+  source.enable();
+  EXPECT_THROW(loop.run(), std::runtime_error);
+}
+
+TEST(EventLoop, ARefusalOfTheSystemIsThrown) {
+  EventLoop loop;
+  EXPECT_THROW(loop.watch(-1, EPOLLIN, [](std::uint32_t) {}), std::system_error);
+}
+
+TEST(EventLoop, ASignalEndsTheLoop) {
+  EventLoop loop;
+  loop.stopOnSignal(SIGUSR1);
+  ::raise(SIGUSR1);
+  EXPECT_NO_THROW(loop.run());
+}
+
+}  // namespace
+}  // namespace zephlin

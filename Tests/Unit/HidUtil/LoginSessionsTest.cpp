@@ -1,0 +1,54 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+#include "HidUtil/LoginSessions.h"
+#include "Tests/Support/TestProcess.h"
+#include "Tests/Unit/HidUtil/Support/PrivateRunDirectory.h"
+
+namespace zephlin {
+namespace {
+
+constexpr uid_t user = 4242;
+
+/// What hasActiveLocalLoginSession says of the user on a machine with these logins.
+std::string answerWith(const std::vector<RecordedLogin>& logins) {
+  test::TestProcess child([&] {
+    enterPrivateRunDirectory(logins);
+    std::fputs(hasActiveLocalLoginSession(user) ? "yes" : "no", stdout);
+    std::fflush(stdout);
+  });
+  const test::Outcome outcome = child.wait();
+  return outcome.status == 0 ? outcome.output : outcome.errors;
+}
+
+TEST(LoginSessions, AnActiveLocalSessionCounts) {
+  EXPECT_EQ(answerWith({{user, true, false}}), "yes");
+}
+
+TEST(LoginSessions, ARemoteSessionDoesNotCount) {
+  EXPECT_EQ(answerWith({{user, true, true}}), "no");
+}
+
+TEST(LoginSessions, AnInactiveSessionDoesNotCount) {
+  EXPECT_EQ(answerWith({{user, false, false}}), "no");
+}
+
+TEST(LoginSessions, OneThatCountsAmongSeveralIsEnough) {
+  EXPECT_EQ(answerWith({{user, true, true}, {user, false, false}, {user, true, false}}), "yes");
+}
+
+TEST(LoginSessions, BeingActiveRemotelyAndLocalElsewhereDoesNotAddUp) {
+  EXPECT_EQ(answerWith({{user, true, true}, {user, false, false}}), "no");
+}
+
+TEST(LoginSessions, AnotherUsersSessionDoesNotCount) {
+  EXPECT_EQ(answerWith({{user + 1, true, false}}), "no");
+}
+
+TEST(LoginSessions, WithoutAnyRecordThereIsNone) {
+  EXPECT_EQ(answerWith({}), "no");
+}
+
+}  // namespace
+}  // namespace zephlin

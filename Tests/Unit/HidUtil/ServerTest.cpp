@@ -1,0 +1,206 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <functional>
+#include <stdexcept>
+
+#include "HidUtil/ListeningSocket.h"
+#include "HidUtil/Request.h"
+#include "HidUtil/Server.h"
+#include "HidUtil/VirtualKeyboardBus.h"
+#include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Unit/HidUtil/Support/RawClient.h"
+
+namespace zephlin {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::steady_clock;
+
+constexpr auto patience = 500ms;
+const std::string listRequest = R"({"request":"list","matching":{}})";
+
+/// A server whose loop the test turns itself, in the same thread.
+class ServerTest : public testing::Test {
+ protected:
+  ServerTest()
+      : socket(directory.file("s")),
+        registry([](const std::string&) {}),
+        virtualKeyboards(256),
+        permissions(::geteuid(), [](uid_t) { return false; }),
+        handler(registry, virtualKeyboards, permissions, [](const std::string&) {}),
+        server(loop, socket.takeDescriptor(), handler, {patience, 3}) {
+    virtualKeyboards.start(registry);
+  }
+
+  RawClient connect() const { return RawClient(directory.file("s")); }
+
+  /// Turns the loop until the condition holds, a minute at most.
+  void turnUntil(const std::function<bool()>& condition) {
+    const auto deadline = steady_clock::now() + 1min;
+    while (!condition()) {
+      if (steady_clock::now() > deadline) {
+        throw std::runtime_error("it does not happen");
+      }
+      sd_event_run(loop.native(), 10'000);
+    }
+  }
+
+  /// Turns the loop for a while.
+  void turnFor(steady_clock::duration time) {
+    const auto deadline = steady_clock::now() + time;
+    turnUntil([&] { return steady_clock::now() >= deadline; });
+  }
+
+  std::string receive(RawClient& client) {
+    turnUntil([&] { return client.hasLine(); });
+    return client.receiveLine();
+  }
+
+  test::TemporaryDirectory directory;
+  EventLoop loop;
+  BoundSocket socket;
+  KeyboardRegistry registry;
+  VirtualKeyboardBus virtualKeyboards;
+  Permissions permissions;
+  RequestHandler handler;
+  Server server;
+};
+
+TEST_F(ServerTest, AnswersRequestsInTheirOrder) {
+  RawClient client = connect();
+  client.send("{\"request\":\"pull\",\"registryID\":\"100000001\"}\nnonsense\n" + listRequest +
+              "\n");
+  EXPECT_EQ(receive(client), R"({"response":"pull"})");
+  EXPECT_EQ(receive(client).find(R"({"response":"error")"), 0U);
+  EXPECT_EQ(receive(client).find(R"({"keyboards":[)"), 0U);
+}
+
+TEST_F(ServerTest, AnswersAClientThatSendsNoMore) {
+  RawClient client = connect();
+  client.send(listRequest + "\n" + listRequest + "\n");
+  client.endSending();
+  receive(client);
+  receive(client);
+  turnUntil([&] { return client.isClosed(); });
+}
+
+TEST_F(ServerTest, DropsAClientThatLeavesARequestUnfinished) {
+  const auto start = steady_clock::now();
+  RawClient client = connect();
+  client.send("{");
+  turnUntil([&] { return client.isClosed(); });
+  EXPECT_GE(steady_clock::now() - start, patience - 10ms);
+}
+
+TEST_F(ServerTest, EveryByteOfARequestRenewsThePatience) {
+  RawClient client = connect();
+  const auto start = steady_clock::now();
+  const auto deadline = start + 2 * patience;
+  while (steady_clock::now() < deadline) {
+    client.send(" ");
+    turnFor(20ms);
+  }
+  client.send(listRequest + "\n");
+  EXPECT_EQ(receive(client).find(R"({"keyboards":[)"), 0U);
+}
+
+TEST_F(ServerTest, DropsAClientThatTakesNoAnswers) {
+  RawClient client = connect();
+  std::string requests;
+  for (int count = 0; count < 100; ++count) {
+    requests += listRequest + "\n";
+  }
+  const auto start = steady_clock::now();
+  client.send(requests);
+  RawClient other = connect();
+  other.send(listRequest + "\n");
+  EXPECT_EQ(receive(other).find(R"({"keyboards":[)"), 0U);
+  turnUntil([&] { return client.isHungUp(); });
+  EXPECT_GE(steady_clock::now() - start, patience - 10ms);
+}
+
+TEST_F(ServerTest, KeepsAClientThatHasNothingToSay) {
+  RawClient client = connect();
+  client.send(listRequest + "\n");
+  receive(client);
+  turnFor(2 * patience);
+  client.send(listRequest + "\n");
+  EXPECT_EQ(receive(client).find(R"({"keyboards":[)"), 0U);
+}
+
+TEST_F(ServerTest, ReadsNoFurtherWhileAnAnswerIsNotTaken) {
+  const RawClient client = connect();
+  const std::string requests = listRequest + std::string(1000, ' ') + "\n";
+  constexpr std::size_t moreThanAllBuffersHold = 4'000'000;
+  std::size_t accepted = 0;
+  int turnsWithoutProgress = 0;
+  while (accepted < moreThanAllBuffersHold && turnsWithoutProgress < 20) {
+    const std::size_t sent = client.sendWithoutWaiting(requests);
+    accepted += sent;
+    turnsWithoutProgress = sent == 0 ? turnsWithoutProgress + 1 : 0;
+    sd_event_run(loop.native(), 1000);
+  }
+  EXPECT_LT(accepted, moreThanAllBuffersHold);
+}
+
+TEST_F(ServerTest, ALineOfTheLongestKindIsRead) {
+  RawClient client = connect();
+  client.send(listRequest + std::string(maximumRequestBytes - listRequest.size(), ' ') + "\n");
+  EXPECT_EQ(receive(client).find(R"({"keyboards":[)"), 0U);
+}
+
+TEST_F(ServerTest, ALineThatIsTooLongIsAnsweredAndEndsTheConnection) {
+  RawClient client = connect();
+  client.send(std::string(maximumRequestBytes + 1, 'x'));
+  EXPECT_EQ(
+      receive(client),
+      R"({"response":"error","text":"the request is longer than 65536 bytes; ask for less at once"})");
+  turnUntil([&] { return client.isClosed(); });
+}
+
+/// The effective user for the length of a scope, as root only.
+class EffectiveUser {
+ public:
+  explicit EffectiveUser(uid_t user) : former_(::geteuid()) {
+    if (former_ == 0 && ::seteuid(user) != 0) {
+      throw std::runtime_error("cannot change the effective user");
+    }
+  }
+  EffectiveUser(const EffectiveUser&) = delete;
+  EffectiveUser& operator=(const EffectiveUser&) = delete;
+  ~EffectiveUser() {
+    if (::seteuid(former_) != 0) {
+      std::terminate();
+    }
+  }
+
+ private:
+  uid_t former_;
+};
+
+TEST_F(ServerTest, AUserHasOnlySoManyConnections) {
+  const EffectiveUser user(4242);
+  std::vector<RawClient> clients;
+  for (int count = 0; count < 3; ++count) {
+    clients.push_back(connect());
+    clients.back().send(listRequest + "\n");
+    EXPECT_EQ(receive(clients.back()).find(R"({"keyboards":[)"), 0U);
+  }
+  RawClient oneMore = connect();
+  EXPECT_EQ(
+      receive(oneMore),
+      R"({"response":"error","text":"you have 3 connections to the keyboard service, which is )"
+      R"(the most; close some of them"})");
+  turnUntil([&] { return oneMore.isClosed(); });
+
+  clients.pop_back();
+  turnFor(50ms);
+  RawClient again = connect();
+  again.send(listRequest + "\n");
+  EXPECT_EQ(receive(again).find(R"({"keyboards":[)"), 0U);
+}
+
+}  // namespace
+}  // namespace zephlin

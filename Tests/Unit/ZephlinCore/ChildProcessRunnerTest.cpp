@@ -1,0 +1,341 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/time.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+#include <functional>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "Tests/Support/TestProcess.h"
+#include "ZephlinCore/ChildProcessRunner.h"
+
+namespace zephlin {
+namespace {
+
+using Seconds = std::chrono::duration<double>;
+using test::inNewProcess;
+
+/// For children that end by themselves.
+constexpr Seconds ample{60.0};
+/// For children that do not.
+constexpr Seconds brief{0.3};
+
+ChildProcessResult run(const std::vector<std::string>& arguments, Seconds timeLimit = ample) {
+  return runChildProcess(TEST_TOOL, arguments, timeLimit);
+}
+
+/// Runs a child that must not end by itself, and checks that it got all of its time.
+ChildProcessResult runPastItsTime(const std::vector<std::string>& arguments) {
+  const auto begin = std::chrono::steady_clock::now();
+  ChildProcessResult result = run(arguments, brief);
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, brief);
+  return result;
+}
+
+std::string describe(const ChildProcessResult& result) {
+  return (result.timedOut ? "timed out " : "ended ") + std::to_string(result.terminationStatus) +
+         " " + result.output;
+}
+
+std::string runExit3() {
+  return describe(run({"exit", "3", "text"}));
+}
+
+std::ptrdiff_t entriesOf(const char* directory) {
+  return std::distance(std::filesystem::directory_iterator(directory), {});
+}
+
+/// What a run could leave behind in this process.
+std::string leftovers() {
+  const bool hasChild = ::waitpid(-1, nullptr, WNOHANG) != -1 || errno != ECHILD;
+  return std::to_string(entriesOf("/proc/self/fd")) + " descriptors, " +
+         std::to_string(entriesOf("/proc/self/task")) + " threads" + (hasChild ? ", a child" : "");
+}
+
+/// Checks that its life leaves nothing behind.
+class NothingIsLeft {
+ public:
+  NothingIsLeft() {
+    static_cast<void>(run({"exit", "0"}));  // A sanitizer may start a thread of its own.
+    before_ = leftovers();
+  }
+  NothingIsLeft(const NothingIsLeft&) = delete;
+  NothingIsLeft& operator=(const NothingIsLeft&) = delete;
+  ~NothingIsLeft() {
+    // The kernel lists a joined thread for an instant more.
+    for (int attempt = 0; attempt < 1000 && leftovers() != before_; ++attempt) {
+      ::usleep(1000);
+    }
+    EXPECT_EQ(leftovers(), before_);
+  }
+
+ private:
+  std::string before_;
+};
+
+/// The process that a "leave-grandchild" run printed the identifier of.
+pid_t grandchildOf(const ChildProcessResult& result) {
+  return std::stoi(result.output);
+}
+
+TEST(ChildProcessRunner, ExitStatusAndTextAreReturned) {
+  EXPECT_EQ(describe(run({"exit", "0"})), "ended 0 ");
+  EXPECT_EQ(describe(run({"exit", "3", "one line\n"})), "ended 3 one line\n");
+  EXPECT_EQ(describe(run({"exit", "255"})), "ended 255 ");
+}
+
+TEST(ChildProcessRunner, StandardOutputAndStandardErrorArriveInOneStream) {
+  EXPECT_EQ(run({"merged"}).output, "first\nsecond\nthird\n");
+}
+
+TEST(ChildProcessRunner, ArgumentsArriveAsTheyAre) {
+  EXPECT_EQ(run({"echo-arguments", "", "a b", "\"'$HOME`*\\", "{\"a\":1}"}).output,
+            "echo-arguments\n\na b\n\"'$HOME`*\\\n{\"a\":1}\n");
+}
+
+TEST(ChildProcessRunner, ASignalReportsItsNumberAsTheStatus) {
+  for (const int signal : {SIGTERM, SIGKILL, SIGSEGV, SIGPIPE}) {
+    EXPECT_EQ(describe(run({"die-by", std::to_string(signal), "last words"})),
+              "ended " + std::to_string(signal) + " last words");
+  }
+}
+
+TEST(ChildProcessRunner, AChildThatIgnoresEverySignalIsKilledAtTheLimit) {
+  const ChildProcessResult result = runPastItsTime({"hang", "some text"});
+  EXPECT_TRUE(result.timedOut);
+  EXPECT_EQ(result.terminationStatus, SIGKILL);
+}
+
+TEST(ChildProcessRunner, AChildThatStoppedItselfIsKilledAtTheLimit) {
+  EXPECT_TRUE(runPastItsTime({"stop"}).timedOut);
+}
+
+TEST(ChildProcessRunner, AChildThatClosedItsOutputIsKilledAtTheLimit) {
+  EXPECT_TRUE(runPastItsTime({"close-output-and-hang"}).timedOut);
+}
+
+TEST(ChildProcessRunner, AChildThatPrintsForeverIsKilledAtTheLimit) {
+  const ChildProcessResult result = runPastItsTime({"flood"});
+  EXPECT_TRUE(result.timedOut);
+  EXPECT_LE(result.output.size(), maximumChildOutputBytes);
+}
+
+TEST(ChildProcessRunner, OfAGigabyteTheFirstPartIsKeptAndTheRestIsReadAll) {
+  const ChildProcessResult result = run({"flood", std::to_string(1U << 30U)});
+  EXPECT_FALSE(result.timedOut);
+  EXPECT_EQ(result.terminationStatus, 0);
+  EXPECT_EQ(result.output.size(), maximumChildOutputBytes);
+}
+
+TEST(ChildProcessRunner, OutputThatJustFitsIsKeptWhole) {
+  EXPECT_EQ(run({"flood", std::to_string(maximumChildOutputBytes)}).output.size(),
+            maximumChildOutputBytes);
+}
+
+TEST(ChildProcessRunner, ACutDoesNotLeaveHalfACharacter) {
+  // The lead byte of the last character that fits is the last byte but one.
+  const ChildProcessResult result =
+      run({"flood", std::to_string(maximumChildOutputBytes - 2), "\xE2\x87\xAA..."});
+  EXPECT_EQ(result.output.size(), maximumChildOutputBytes - 2);
+}
+
+TEST(ChildProcessRunner, AChildThatExitedIsReportedThoughItsOwnChildHoldsThePipe) {
+  const ChildProcessResult result = runPastItsTime({"leave-grandchild", "7"});
+  EXPECT_FALSE(result.timedOut);
+  EXPECT_EQ(result.terminationStatus, 7);
+  EXPECT_EQ(::kill(grandchildOf(result), SIGKILL), 0);
+}
+
+TEST(ChildProcessRunner, AKilledChildIsTimedOutThoughItsOwnChildHoldsThePipe) {
+  const ChildProcessResult result = runPastItsTime({"leave-grandchild", "hang"});
+  EXPECT_TRUE(result.timedOut);
+  EXPECT_EQ(::kill(grandchildOf(result), SIGKILL), 0);
+}
+
+TEST(ChildProcessRunner, AChildThatExitsAtTheDeadlineEitherEndedOrTimedOut) {
+  for (int milliseconds = 20; milliseconds < 60; ++milliseconds) {
+    const ChildProcessResult result =
+        run({"sleep", std::to_string(milliseconds), "5"}, Seconds(0.040));
+    if (!result.timedOut) {
+      EXPECT_EQ(result.terminationStatus, 5);
+    }
+  }
+}
+
+TEST(ChildProcessRunner, AnExecutableThatCannotBeLaunchedIsThePlatformsError) {
+  const auto codeOf = [](const std::string& path) {
+    try {
+      static_cast<void>(runChildProcess(path, {}, ample));
+    } catch (const std::system_error& error) {
+      EXPECT_TRUE(std::string(error.what()).starts_with(path + ": ")) << error.what();
+      return error.code();
+    }
+    return std::error_code();
+  };
+  const NothingIsLeft nothingIsLeft;
+  EXPECT_EQ(codeOf("/nonexistent/hidutil"), std::errc::no_such_file_or_directory);
+  EXPECT_EQ(codeOf("/"), std::errc::permission_denied);
+  EXPECT_EQ(codeOf(__FILE__), std::errc::permission_denied);
+}
+
+TEST(ChildProcessRunner, WithoutDescriptorsToSpareItFailsAndLeavesNothing) {
+  const NothingIsLeft nothingIsLeft;
+  const std::string text = inNewProcess([] {
+    // UndefinedBehaviorSanitizer needs a pipe to check a class the first time it is used.
+    static_cast<void>(std::system_error(EMFILE, std::generic_category(), ""));
+    rlimit usual{};
+    ::getrlimit(RLIMIT_NOFILE, &usual);
+    const rlimit none{4, usual.rlim_max};  // 0 to 2 are open, and 3 is the pipe to the test.
+    ::setrlimit(RLIMIT_NOFILE, &none);
+    try {
+      return runExit3();
+    } catch (const std::system_error& error) {
+      ::setrlimit(RLIMIT_NOFILE, &usual);
+      return std::string(error.what());
+    }
+  });
+  EXPECT_EQ(text, "pipe: Too many open files");
+}
+
+TEST(ChildProcessRunner, ManyRunsLeaveTheProcessAsItWas) {
+  const NothingIsLeft nothingIsLeft;
+  for (int count = 0; count < MANY_RUNS; ++count) {
+    ASSERT_EQ(run({"exit", "4"}).terminationStatus, 4);
+  }
+  for (int count = 0; count < 3; ++count) {
+    static_cast<void>(run({"hang"}, Seconds(0.01)));
+  }
+}
+
+TEST(ChildProcessRunner, WorksWithTheStandardDescriptorsClosed) {
+  // Every combination, for a pipe may come to stand on any of them.
+  for (unsigned closed = 0; closed < 8; ++closed) {
+    EXPECT_EQ(inNewProcess([closed] {
+                for (unsigned descriptor = 0; descriptor < 3; ++descriptor) {
+                  if ((closed >> descriptor & 1U) != 0) {
+                    ::close(static_cast<int>(descriptor));
+                  }
+                }
+                return runExit3();
+              }),
+              "ended 3 text");
+  }
+}
+
+TEST(ChildProcessRunner, WorksWhereSigchldIsIgnored) {
+  EXPECT_EQ(inNewProcess([] {
+              ::signal(SIGCHLD, SIG_IGN);
+              return runExit3();
+            }),
+            "ended 3 text");
+}
+
+TEST(ChildProcessRunner, WorksWhereChildrenLeaveNoZombies) {
+  EXPECT_EQ(inNewProcess([] {
+              struct sigaction action {};
+              action.sa_handler = [](int) {};
+              action.sa_flags = SA_NOCLDWAIT;
+              ::sigaction(SIGCHLD, &action, nullptr);
+              return runExit3();
+            }),
+            "ended 3 text");
+}
+
+TEST(ChildProcessRunner, WorksWithEverySignalBlockedAndWithSigpipeIgnored) {
+  EXPECT_EQ(inNewProcess([] {
+              sigset_t all;
+              ::sigfillset(&all);
+              ::sigprocmask(SIG_BLOCK, &all, nullptr);
+              ::signal(SIGPIPE, SIG_IGN);
+              return runExit3() + ", " + describe(run({"hang"}, brief));
+            }),
+            "ended 3 text, timed out 9 ");
+}
+
+TEST(ChildProcessRunner, WorksWhileSignalsInterruptTheCaller) {
+  EXPECT_EQ(inNewProcess([] {
+              struct sigaction action {};
+              action.sa_handler = [](int) {};  // Without SA_RESTART.
+              ::sigaction(SIGALRM, &action, nullptr);
+              const itimerval everyMillisecond{{0, 1000}, {0, 1000}};
+              ::setitimer(ITIMER_REAL, &everyMillisecond, nullptr);
+              return describe(run({"sleep", "100", "6"})) + describe(run({"hang"}, brief));
+            }),
+            "ended 6 timed out 9 ");
+}
+
+TEST(ChildProcessRunner, TheChildInheritsNoMoreThanItShould) {
+  const std::string text = inNewProcess([] {
+    for (const int signal : {SIGPIPE, SIGTERM, SIGUSR1, SIGRTMAX}) {
+      ::signal(signal, SIG_IGN);
+    }
+    sigset_t some;
+    ::sigemptyset(&some);
+    ::sigaddset(&some, SIGHUP);
+    ::sigaddset(&some, SIGRTMIN);
+    ::sigprocmask(SIG_BLOCK, &some, nullptr);
+    const int open = ::open("/dev/null", O_RDONLY);
+    ::dup2(open, 3);
+    ::dup2(open, 150);
+    ::dup2(open, 5000);
+    ::setenv("TEST_MARKER", "a value", 1);
+    if (::chdir("/usr") == -1) {
+      return std::string("no /usr");
+    }
+    return run({"describe"}).output;
+  });
+  EXPECT_EQ(text,
+            "descriptors: 0 1 2\n"
+            "SigBlk:\t0000000000000000\n"
+            "SigIgn:\t0000000000000000\n"
+            "directory: /usr\n"
+            "marker: a value\n"
+            "input: \n");
+}
+
+TEST(ChildProcessRunner, TheCallersOwnSignalMaskStays) {
+  sigset_t before;
+  ::pthread_sigmask(SIG_SETMASK, nullptr, &before);
+  static_cast<void>(run({"exit", "0"}));
+  sigset_t after;
+  ::pthread_sigmask(SIG_SETMASK, nullptr, &after);
+  for (int signal = 1; signal < NSIG; ++signal) {
+    EXPECT_EQ(::sigismember(&before, signal), ::sigismember(&after, signal));
+  }
+}
+
+TEST(ChildProcessRunner, SixtyFourThreadsDoNotDisturbOneAnother) {
+  constexpr int threadCount = 64;
+  const NothingIsLeft nothingIsLeft;
+  std::atomic<int> wrong = 0;
+  const auto work = [&wrong](int number) {
+    const std::string text = "thread " + std::to_string(number) + "\n";
+    for (int round = 0; round < 5; ++round) {
+      wrong += describe(run({"exit", std::to_string(number), text})) !=
+               "ended " + std::to_string(number) + " " + text;
+      // One that holds on to a descriptor of another would keep that one waiting.
+      wrong += number % 8 == 0 && !run({"hang"}, Seconds(0.05)).timedOut;
+      wrong += !run({"describe"}).output.starts_with("descriptors: 0 1 2\n");
+    }
+  };
+  std::vector<std::thread> threads;
+  for (int number = 0; number < threadCount; ++number) {
+    threads.emplace_back(work, number);
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(wrong, 0);
+}
+
+}  // namespace
+}  // namespace zephlin

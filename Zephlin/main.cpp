@@ -1,0 +1,27 @@
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "Zephlin/ZephlinCLI.h"
+
+namespace {
+
+int startApplication() {
+  std::fputs("Zephlin: this build has no menu bar app; run 'Zephlin help' for what it can do\n",
+             stderr);
+  return 1;
+}
+
+}  // namespace
+
+/// Chooses the face by the first argument: a command, or the application.
+int main(int argc, char* argv[]) {
+  const std::vector<std::string> cliArguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+  if (!cliArguments.empty()) {
+    const std::string& first = cliArguments.front();
+    if (zephlin::ZephlinCLI::knownCommands().contains(first) || !first.starts_with('-')) {
+      return zephlin::ZephlinCLI::run(first);
+    }
+  }
+  return startApplication();
+}
