@@ -24,7 +24,7 @@ namespace zephlin {
 namespace {
 
 /// Room for descriptors that other threads open between the count and the fork.
-constexpr int descriptorReserve = 256;
+constexpr int descriptorReserve = 128;
 /// Taken where the system does not list a process's descriptors (no /proc in a bare chroot).
 constexpr int assumedDescriptorLimit = 65536;
 

@@ -12,6 +12,7 @@
 //   leave-grandchild STATUS    leaves a process behind that holds the pipe; prints its identifier
 //   leave-grandchild hang      the same, and never ends
 //   describe [STATUS]          prints what it has inherited, and exits
+//   watch-parent               prints the blocked signals of the second thread that its parent has
 //   echo-arguments             prints its arguments, one a line
 //   replies DIRECTORY          prints DIRECTORY/set or DIRECTORY/get, as the arguments ask, to the
 //                              stream and with the status in its first line; keeps the arguments
@@ -26,6 +27,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -110,6 +112,29 @@ void describe() {
         "\n");
 }
 
+/// Waits until the parent has a second thread.
+std::string secondThreadOfParent() {
+  const std::filesystem::path tasks = "/proc/" + std::to_string(::getppid()) + "/task";
+  for (;;) {
+    for (const auto& task : std::filesystem::directory_iterator(tasks)) {
+      if (task.path().filename() != std::to_string(::getppid())) {
+        return task.path();
+      }
+    }
+  }
+}
+
+void watchParent() {
+  const std::string thread = secondThreadOfParent();
+  ::usleep(20000);  // A thread begins with every signal blocked.
+  std::ifstream status(thread + "/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with("SigBlk")) {
+      print(line + "\n");
+    }
+  }
+}
+
 int reply(const std::string& directory, const Words& arguments) {
   const bool sets = std::find(arguments.begin(), arguments.end(), "--set") != arguments.end();
   std::ofstream record(directory + "/arguments", std::ios::app);
@@ -192,6 +217,10 @@ int main(int argc, char* argv[]) {
   if (mode == "describe") {
     describe();
     return std::atoi(word(words, 1).c_str());
+  }
+  if (mode == "watch-parent") {
+    watchParent();
+    return 0;
   }
   if (mode == "echo-arguments") {
     for (const std::string& argument : arguments) {

@@ -302,6 +302,12 @@ TEST(ChildProcessRunner, TheChildInheritsNoMoreThanItShould) {
             "input: \n");
 }
 
+TEST(ChildProcessRunner, NoSignalOfTheProcessIsHandledOnTheWatchdogsThread) {
+  // All that can be blocked: not SIGKILL and SIGSTOP, nor the two that the C library keeps.
+  EXPECT_EQ(inNewProcess([] { return run({"watch-parent"}).output; }),
+            "SigBlk:\tfffffffe7ffbfeff\n");
+}
+
 TEST(ChildProcessRunner, TheCallersOwnSignalMaskStays) {
   sigset_t before;
   ::pthread_sigmask(SIG_SETMASK, nullptr, &before);
