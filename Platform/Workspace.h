@@ -1,9 +1,21 @@
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <string_view>
 #include <vector>
 
+#include "Platform/HidDevices.h"
+
 namespace zephlin {
+
+/// The desktop as a whole. Main thread; so are the callbacks.
+class Workspace {
+ public:
+  virtual ~Workspace() = default;
+  /// Calls back each time the machine has woken from sleep.
+  virtual std::unique_ptr<Observation> observeDidWake(std::function<void()> callback) = 0;
+};
 
 /// A running instance of an application.
 struct RunningApplication {

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Platform/Menu.h"
+
+namespace zephlin {
+
+class ApplicationDelegate {
+ public:
+  virtual ~ApplicationDelegate() = default;
+  /// Called once, on the main thread, when the event loop has begun.
+  virtual void applicationDidFinishLaunching() = 0;
+};
+
+/// With AppKit's values.
+enum class ActivationPolicy { Accessory = 1 };
+
+/// The one application of the process. Main thread.
+class Application {
+ public:
+  virtual ~Application() = default;
+  /// The delegate is not owned.
+  virtual void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) = 0;
+  virtual void setActivationPolicy(ActivationPolicy policy) = 0;
+  /// The menu is not shown by an accessory; its key equivalents work in the application's windows.
+  virtual void setMainMenu(std::shared_ptr<Menu> menu) = 0;
+  /// Comes to the front of all other applications.
+  virtual void activateIgnoringOtherApps() = 0;
+  /// Works off events until the application terminates.
+  virtual void run() = 0;
+  /// Ends the application; nothing of its own is called first. May not return.
+  virtual void terminate() = 0;
+};
+
+/// What the process was started with. Main thread.
+class ProcessInfo {
+ public:
+  virtual ~ProcessInfo() = default;
+  /// Absent where the variable is not set.
+  [[nodiscard]] virtual std::optional<std::string> environmentVariable(
+      const std::string& name) const = 0;
+  /// The path of the bundle that the program runs from, or of the folder of a bare executable.
+  [[nodiscard]] virtual std::string mainBundlePath() const = 0;
+};
+
+}  // namespace zephlin

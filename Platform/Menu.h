@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace zephlin {
+
+class Menu;
+
+/// Keys held down, as a mask of AppKit's values.
+using ModifierFlags = std::uint64_t;
+constexpr ModifierFlags modifierCapsLock = 1U << 16U;
+constexpr ModifierFlags modifierShift = 1U << 17U;
+constexpr ModifierFlags modifierCommand = 1U << 20U;
+
+/// An action that goes to the first object of the responder chain that knows it.
+enum class ResponderAction { Hide, Terminate, Undo, Redo, Cut, Copy, Paste, SelectAll };
+
+/// What a chosen item does: nothing, an action of its target, or a responder's action.
+using MenuAction = std::variant<std::monostate, std::function<void()>, ResponderAction>;
+
+/// One entry of a menu, as plain data. Main thread.
+class MenuItem {
+ public:
+  MenuItem(std::string title, MenuAction itemAction, std::string equivalent = "")
+      : action(std::move(itemAction)),
+        keyEquivalent(std::move(equivalent)),
+        title_(std::move(title)) {}
+  static std::shared_ptr<MenuItem> separator();
+
+  [[nodiscard]] const std::string& title() const { return title_; }
+  /// Shown at once where the menu is open.
+  void setTitle(std::string title);
+
+  MenuAction action;
+  /// Empty for none.
+  std::string keyEquivalent;
+  ModifierFlags keyEquivalentModifierMask = modifierCommand;
+  bool isSeparator = false;
+  bool isChecked = false;
+  bool isEnabled = true;
+  std::shared_ptr<Menu> submenu;
+  /// Set by the platform that shows the item; called after each change of the title.
+  std::function<void()> titleDidChange;
+
+ private:
+  std::string title_;
+};
+
+class MenuDelegate {
+ public:
+  virtual ~MenuDelegate() = default;
+  /// Called on the main thread each time the menu is about to open, before it is shown.
+  virtual void menuNeedsUpdate(Menu& menu) = 0;
+};
+
+/// A menu, as plain data. Main thread.
+class Menu {
+ public:
+  explicit Menu(std::string menuTitle = "") : title(std::move(menuTitle)) {}
+
+  /// Adds an item at the end and returns it.
+  std::shared_ptr<MenuItem> add(std::shared_ptr<MenuItem> item);
+  void removeAllItems() { items_.clear(); }
+  [[nodiscard]] const std::vector<std::shared_ptr<MenuItem>>& items() const { return items_; }
+
+  std::string title;
+  /// Whether the platform decides which items are enabled; otherwise each item's flag does.
+  bool autoenablesItems = true;
+  std::weak_ptr<MenuDelegate> delegate;
+
+ private:
+  std::vector<std::shared_ptr<MenuItem>> items_;
+};
+
+}  // namespace zephlin

@@ -1,0 +1,75 @@
+#include "Platform/Simulated/SimulatedApplication.h"
+
+namespace zephlin {
+
+namespace {
+
+/// Depth first, as a desktop searches.
+std::shared_ptr<MenuItem> itemWithKeyEquivalent(const Menu& menu, const std::string& key,
+                                                ModifierFlags flags) {
+  for (const auto& item : menu.items()) {
+    if (item->submenu) {
+      if (auto found = itemWithKeyEquivalent(*item->submenu, key, flags)) {
+        return found;
+      }
+    }
+    const bool matches = !key.empty() && item->keyEquivalent == key && item->isEnabled &&
+                         item->keyEquivalentModifierMask == flags;
+    if (matches) {
+      return item;
+    }
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+void SimulatedApplication::setDelegate(std::weak_ptr<ApplicationDelegate> delegate) {
+  delegate_ = std::move(delegate);
+}
+
+void SimulatedApplication::run() {
+  postLaunch();
+  stopped_ = false;
+  while (!stopped_ && !hasTerminated() && loop_.step()) {
+  }
+}
+
+void SimulatedApplication::launch() {
+  postLaunch();
+  loop_.runUntilIdleNow();
+}
+
+void SimulatedApplication::postLaunch() {
+  loop_.schedule(loop_.now(), VirtualLoop::Lane::Main, [this] {
+    if (const auto launched = delegate()) {
+      launched->applicationDidFinishLaunching();
+    }
+  });
+}
+
+std::optional<std::string> SimulatedApplication::pressKeyEquivalent(const std::string& key,
+                                                                    ModifierFlags flags) {
+  const auto item = mainMenu_ ? itemWithKeyEquivalent(*mainMenu_, key, flags) : nullptr;
+  if (!item) {
+    return std::nullopt;
+  }
+  perform(item->action);
+  return item->title();
+}
+
+void SimulatedApplication::perform(const MenuAction& action) {
+  if (const auto* own = std::get_if<std::function<void()>>(&action)) {
+    // A copy, since the action may rebuild the menu that holds it.
+    const std::function<void()> performed = *own;
+    performed();
+  } else if (const auto* responder = std::get_if<ResponderAction>(&action)) {
+    if (*responder == ResponderAction::Terminate) {
+      terminate();
+    } else {
+      responderActions_.push_back(*responder);
+    }
+  }
+}
+
+}  // namespace zephlin

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Platform/Application.h"
+#include "Platform/Simulated/VirtualLoop.h"
+
+namespace zephlin {
+
+class SimulatedApplication final : public Application {
+ public:
+  explicit SimulatedApplication(VirtualLoop& loop) : loop_(loop) {}
+
+  void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
+  void setActivationPolicy(ActivationPolicy policy) override { policy_ = policy; }
+  void setMainMenu(std::shared_ptr<Menu> menu) override { mainMenu_ = std::move(menu); }
+  void activateIgnoringOtherApps() override { ++activations_; }
+  /// Launches, then pumps the loop until the application has terminated, `stopRunning` was called
+  /// or no event is left.
+  void run() override;
+  /// Is recorded and ends `run`; returns.
+  void terminate() override { ++terminations_; }
+
+  /// Tells the delegate through the main queue that launching has finished, and works off what is
+  /// due.
+  void launch();
+  /// Ends `run`, as a test may wish.
+  void stopRunning() { stopped_ = true; }
+
+  /// Performs the item of the main menu that has this key equivalent and is enabled, and returns
+  /// its title. Absent where there is none.
+  std::optional<std::string> pressKeyEquivalent(const std::string& key,
+                                                ModifierFlags flags = modifierCommand);
+  /// Terminates, or records the action.
+  void perform(const MenuAction& action);
+
+  [[nodiscard]] std::shared_ptr<ApplicationDelegate> delegate() const { return delegate_.lock(); }
+  [[nodiscard]] std::optional<ActivationPolicy> activationPolicy() const { return policy_; }
+  [[nodiscard]] const std::shared_ptr<Menu>& mainMenu() const { return mainMenu_; }
+  [[nodiscard]] std::size_t activations() const { return activations_; }
+  [[nodiscard]] bool hasTerminated() const { return terminations_ > 0; }
+  [[nodiscard]] std::size_t terminations() const { return terminations_; }
+  /// All but Terminate.
+  [[nodiscard]] const std::vector<ResponderAction>& responderActions() const {
+    return responderActions_;
+  }
+
+ private:
+  void postLaunch();
+
+  VirtualLoop& loop_;
+  std::weak_ptr<ApplicationDelegate> delegate_;
+  std::optional<ActivationPolicy> policy_;
+  std::shared_ptr<Menu> mainMenu_;
+  std::size_t activations_ = 0;
+  std::size_t terminations_ = 0;
+  std::vector<ResponderAction> responderActions_;
+  bool stopped_ = false;
+};
+
+}  // namespace zephlin

@@ -1,0 +1,35 @@
+#include "Platform/Simulated/SimulatedCapsLockKey.h"
+
+namespace zephlin {
+
+void SimulatedCapsLockKey::press(bool registers) {
+  devices_.deliverCapsLockValue(1);
+  if (!registers) {
+    return;
+  }
+  if (latency_ == 0) {
+    toggle();
+  } else {
+    loop_.schedule(loop_.now() + latency_, VirtualLoop::Lane::Main, [this] { toggle(); });
+  }
+}
+
+void SimulatedCapsLockKey::release() {
+  devices_.deliverCapsLockValue(0);
+}
+
+void SimulatedCapsLockKey::tap(bool registers) {
+  press(registers);
+  release();
+}
+
+void SimulatedCapsLockKey::pressModifier(ModifierFlags flags) {
+  const ModifierFlags capsLock = taps_.currentModifierFlags() & modifierCapsLock;
+  taps_.setFlags((flags & ~modifierCapsLock) | capsLock);
+}
+
+void SimulatedCapsLockKey::toggle() {
+  taps_.setFlags(taps_.currentModifierFlags() ^ modifierCapsLock);
+}
+
+}  // namespace zephlin

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Platform/Simulated/SimulatedApplication.h"
+#include "Platform/Simulated/SimulatedTracking.h"
+#include "Platform/StatusBar.h"
+
+namespace zephlin {
+
+/// What a status item shows.
+struct SimulatedStatusItemState {
+  double length = 0;
+  bool hasButton = true;
+  std::optional<SymbolImage> image;
+  std::string toolTip;
+  std::shared_ptr<Menu> menu;
+  /// How often the image was set.
+  std::size_t imageSettings = 0;
+};
+
+/// The bar, and a user who opens the newest item's menu.
+class SimulatedStatusBar final : public StatusBar {
+ public:
+  SimulatedStatusBar(SimulatedApplication& application, SimulatedTracking& tracking)
+      : application_(application), tracking_(tracking) {}
+
+  std::unique_ptr<StatusItem> makeStatusItem(double length) override;
+  std::optional<SymbolImage> systemSymbol(const std::string& name,
+                                          const std::string& accessibilityDescription) override;
+
+  /// Items made from now on have a button, or have none.
+  void setButtonsAvailable(bool available) { buttonsAvailable_ = available; }
+  /// No symbol is found any more, or all are again.
+  void setSymbolsAvailable(bool available) { symbolsAvailable_ = available; }
+  void removeSymbol(const std::string& name) { missingSymbols_.insert(name); }
+
+  /// The items that are shown, in the order in which they were made.
+  [[nodiscard]] std::vector<std::shared_ptr<const SimulatedStatusItemState>> items() const;
+  /// The newest item; std::logic_error where there is none.
+  [[nodiscard]] const SimulatedStatusItemState& item() const;
+
+  /// Asks the menu's delegate for the items and opens it. False where there is no item or menu, or
+  /// a menu is open already or an alert is modal.
+  bool openMenu();
+  /// Leaves without a choice.
+  void closeMenu() { tracking_.menuIsOpen = false; }
+  [[nodiscard]] bool isMenuOpen() const { return tracking_.menuIsOpen; }
+  /// Chooses the entry of the open menu that has this title: closes the menu, then performs the
+  /// action. False, with the menu still open, where the entry is missing or not enabled.
+  bool click(const std::string& title);
+  /// The items of the newest item's menu, open or not; empty where there is none.
+  [[nodiscard]] std::vector<std::shared_ptr<MenuItem>> menuItems() const;
+  /// The entry with this title, or null.
+  [[nodiscard]] std::shared_ptr<MenuItem> menuItem(const std::string& title) const;
+  /// The title of the second entry; empty where there is none.
+  [[nodiscard]] std::string statusLine() const;
+  [[nodiscard]] std::size_t menuOpenings() const { return menuOpenings_; }
+
+ private:
+  SimulatedApplication& application_;
+  SimulatedTracking& tracking_;
+  bool buttonsAvailable_ = true;
+  bool symbolsAvailable_ = true;
+  std::set<std::string> missingSymbols_;
+  std::vector<std::weak_ptr<const SimulatedStatusItemState>> items_;
+  std::size_t menuOpenings_ = 0;
+};
+
+}  // namespace zephlin

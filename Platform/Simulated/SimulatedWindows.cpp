@@ -1,0 +1,158 @@
+#include "Platform/Simulated/SimulatedWindows.h"
+
+#include <stdexcept>
+#include <utility>
+
+namespace zephlin {
+
+namespace {
+
+/// The window as the program holds it.
+class WindowHandle final : public Window {
+ public:
+  WindowHandle(std::shared_ptr<SimulatedWindow> window, std::shared_ptr<const bool> drawable)
+      : window_(std::move(window)), drawable_(std::move(drawable)) {}
+  WindowHandle(const WindowHandle&) = delete;
+  WindowHandle& operator=(const WindowHandle&) = delete;
+  ~WindowHandle() override { window_->isShown = false; }
+
+  void setDelegate(std::weak_ptr<WindowDelegate> delegate) override {
+    window_->delegate = std::move(delegate);
+  }
+  void setContentSizeToFit() override { ++window_->fittings; }
+  void center() override { ++window_->centerings; }
+  void makeKeyAndOrderFront() override {
+    ++window_->orderFronts;
+    window_->isShown = true;
+  }
+  std::optional<std::string> contentAsPng() override;
+
+ private:
+  std::shared_ptr<SimulatedWindow> window_;
+  std::shared_ptr<const bool> drawable_;
+};
+
+/// The signature of a PNG file, and then the texts, so that a test sees when it was taken.
+std::optional<std::string> WindowHandle::contentAsPng() {
+  if (!*drawable_) {
+    return std::nullopt;
+  }
+  window_->display();
+  std::string png = "\x89PNG\r\n\x1a\n";
+  for (const std::string& text : window_->labelTexts()) {
+    png += text + "\n";
+  }
+  return png;
+}
+
+}  // namespace
+
+void forEachView(View& view, const std::function<void(View&)>& visit) {
+  visit(view);
+  for (const View::Subview& subview : view.subviews()) {
+    forEachView(*subview.view, visit);
+  }
+  if (const auto* stack = dynamic_cast<const StackView*>(&view)) {
+    for (const auto& arranged : stack->arrangedSubviews()) {
+      forEachView(*arranged, visit);
+    }
+  }
+}
+
+SimulatedWindow::SimulatedWindow(WindowDescription windowDescription, std::shared_ptr<View> content)
+    : description(std::move(windowDescription)), contentView(std::move(content)) {
+  forEachView(*contentView,
+              [this](View& view) { view.onNeedsDisplay = [this] { needsDisplay_ = true; }; });
+}
+
+SimulatedWindow::~SimulatedWindow() {
+  forEachView(*contentView, [](View& view) { view.onNeedsDisplay = nullptr; });
+}
+
+void SimulatedWindow::close() {
+  if (!isShown) {
+    return;
+  }
+  isShown = false;
+  if (const auto told = delegate.lock()) {
+    told->windowWillClose();
+  }
+}
+
+std::vector<std::string> SimulatedWindow::labelTexts() const {
+  std::vector<std::string> texts;
+  forEachView(*contentView, [&texts](View& view) {
+    if (const auto* label = dynamic_cast<const Label*>(&view)) {
+      texts.push_back(label->text());
+    }
+  });
+  return texts;
+}
+
+bool SimulatedWindow::pressButton(const std::string& title) {
+  const Button* found = nullptr;
+  forEachView(*contentView, [&](View& view) {
+    const auto* button = dynamic_cast<const Button*>(&view);
+    if (button != nullptr && button->title == title && found == nullptr) {
+      found = button;
+    }
+  });
+  if (found == nullptr || !isShown) {
+    return false;
+  }
+  const std::function<void()> action = found->action;
+  action();
+  return true;
+}
+
+void SimulatedWindow::displayIfNeeded() {
+  if (isShown && needsDisplay_) {
+    display();
+  }
+}
+
+void SimulatedWindow::display() {
+  needsDisplay_ = false;
+  forEachView(*contentView, [](View& view) {
+    if (std::exchange(view.needsDisplay, false) && view.layer) {
+      view.updateLayer();
+    }
+  });
+}
+
+std::unique_ptr<Window> SimulatedWindows::makeWindow(const WindowDescription& description,
+                                                     std::shared_ptr<View> contentView) {
+  auto window = std::make_shared<SimulatedWindow>(description, std::move(contentView));
+  std::erase_if(windows_, [](const auto& weak) { return weak.expired(); });
+  windows_.push_back(window);
+  ++made_;
+  return std::make_unique<WindowHandle>(std::move(window), drawable_);
+}
+
+std::vector<std::shared_ptr<SimulatedWindow>> SimulatedWindows::windows() const {
+  std::vector<std::shared_ptr<SimulatedWindow>> live;
+  for (const auto& weak : windows_) {
+    if (auto window = weak.lock()) {
+      live.push_back(std::move(window));
+    }
+  }
+  return live;
+}
+
+std::shared_ptr<SimulatedWindow> SimulatedWindows::window() const {
+  const auto live = windows();
+  if (live.empty()) {
+    throw std::logic_error("there is no window");
+  }
+  return live.back();
+}
+
+void SimulatedWindows::displayIfNeeded() {
+  for (const auto& weak : windows_) {
+    if (const auto window = weak.lock()) {
+      window->displayIfNeeded();
+    }
+  }
+}
+
+}  // namespace zephlin

@@ -1,0 +1,15 @@
+#include "Platform/Simulated/SimulatedWorkspace.h"
+
+#include <utility>
+
+namespace zephlin {
+
+std::unique_ptr<Observation> SimulatedWorkspace::observeDidWake(std::function<void()> callback) {
+  return didWake_.add(NoRecord{}, std::move(callback));
+}
+
+void SimulatedWorkspace::announceDidWake() {
+  mainQueue_.post(didWake_.notificationIf([](const NoRecord&) { return true; }));
+}
+
+}  // namespace zephlin

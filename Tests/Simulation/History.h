@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zephlin {
+
+/// Something that happens to the desktop, as `@SECONDS ACTION`: `@12.500 plug`.
+struct HistoryEvent {
+  /// Since the history's beginning.
+  std::int64_t milliseconds = 0;
+  std::string action;
+
+  bool operator==(const HistoryEvent&) const = default;
+};
+
+/// In the order of time.
+using History = std::vector<HistoryEvent>;
+
+/// One event a line.
+std::string textOf(const History& history);
+/// Reads that form; empty lines and those that begin with # are skipped. The events may be in any
+/// order. Throws std::invalid_argument with the offending line.
+History parseHistory(std::string_view text);
+
+}  // namespace zephlin

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+
+#include "Platform/Simulated/SimulatedDesktop.h"
+
+namespace zephlin {
+
+/// A simulated desktop of which a test replaces parts.
+class DelegatingPlatform : public Platform {
+ public:
+  Dispatch& dispatch() override { return desktop_.dispatch(); }
+  Clock& clock() override { return desktop_.clock(); }
+  Application& application() override { return desktop_.application(); }
+  ProcessInfo& processInfo() override { return desktop_.processInfo(); }
+  Workspace& workspace() override { return desktop_.workspace(); }
+  UserDefaults& standardUserDefaults() override { return desktop_.standardUserDefaults(); }
+  SystemLog& systemLog() override { return desktop_.systemLog(); }
+  StatusBar& systemStatusBar() override { return desktop_.systemStatusBar(); }
+  AlertPresenter& alerts() override { return desktop_.alerts(); }
+  WindowServer& windows() override { return desktop_.windows(); }
+  HidDevices& hidDevices() override { return desktop_.hidDevices(); }
+  EventTaps& eventTaps() override { return desktop_.eventTaps(); }
+  LoginService& loginService() override { return desktop_.loginService(); }
+  std::unique_ptr<Updater> makeStartedUpdater() override { return desktop_.makeStartedUpdater(); }
+
+ protected:
+  SimulatedDesktop desktop_;
+};
+
+}  // namespace zephlin

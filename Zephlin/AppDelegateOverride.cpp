@@ -1,0 +1,155 @@
+// AppDelegate's second face: when the override is applied, verified, retried and restored.
+
+#include <utility>
+
+#include "Zephlin/AppDelegate.h"
+
+namespace zephlin {
+
+namespace {
+
+using Status = CapsLockEngine::Status;
+
+constexpr const char* enabledKey = "instantCapsLockEnabled";
+constexpr const char* lastApplyOKKey = "lastApplyOK";
+constexpr const char* lastApplyDateKey = "lastApplyDate";
+
+constexpr std::int64_t maximumRetries = 3;
+constexpr Delay retryDelay{3.0};
+
+/// A read that fails is an absent status, and is not reported.
+std::optional<Status> readStatus(const CapsLockEngine& engine) {
+  try {
+    return engine.status();
+  } catch (const std::exception&) {
+    return std::nullopt;
+  }
+}
+
+}  // namespace
+
+bool AppDelegate::isEnabled() const {
+  return defaults_.boolean(enabledKey).value_or(true);
+}
+
+void AppDelegate::setEnabled(bool enabled) {
+  defaults_.setBoolean(enabledKey, enabled);
+  refreshUI();
+  if (enabled) {
+    applyIfEnabled(false);
+  } else {
+    queueEngineCall(&CapsLockEngine::restoreDefault,
+                    "Zephlin: failed to restore default: ", &AppDelegate::finishRestore);
+  }
+}
+
+void AppDelegate::applyIfEnabled(bool isRetry) {
+  if (!isEnabled()) {
+    return;
+  }
+  if (!isRetry) {
+    retryAttempts_ = 0;
+  }
+  queueEngineCall(&CapsLockEngine::applyInstant,
+                  "Zephlin: failed to apply override: ", &AppDelegate::finishApply);
+}
+
+// On the work queue the delegate is only asked whether it is still there: it is never owned there,
+// so it is never destroyed there.
+void AppDelegate::queueEngineCall(void (CapsLockEngine::*call)() const, const char* failureMessage,
+                                  Finish finish) {
+  workQueue_->post([weak = weak_from_this(), &platform = platform_, engine = engine_, call,
+                    failureMessage, finish] {
+    if (weak.expired()) {
+      return;
+    }
+    EngineResult result;
+    try {
+      (engine.*call)();
+    } catch (const std::exception& error) {
+      platform.systemLog().log(failureMessage + localizedDescription(error));
+      result.failed = true;
+    }
+    result.status = readStatus(engine);
+    platform.dispatch().mainQueue().post([weak, finish, result] {
+      if (const auto self = weak.lock()) {
+        ((*self).*finish)(result);
+      }
+    });
+  });
+}
+
+void AppDelegate::finishApply(const EngineResult& result) {
+  // Switched off meanwhile: the restore behind this in the queue reports for itself.
+  if (!isEnabled()) {
+    return;
+  }
+  const bool isConfirmed = result.status && result.status->isInstant();
+  recordResult(result, !result.failed && isConfirmed);
+  if (!isConfirmed && retryAttempts_ < maximumRetries) {
+    ++retryAttempts_;
+    scheduleRetry();
+  }
+  refreshUI();
+}
+
+void AppDelegate::finishRestore(const EngineResult& result) {
+  // A status that could not be read speaks for a restore, other than for an apply.
+  const bool isStillInstant = result.status && result.status->instantServices != 0;
+  recordResult(result, !result.failed && !isStillInstant);
+  refreshUI();
+}
+
+void AppDelegate::recordResult(const EngineResult& result, bool isOK) {
+  lastApplyFailed_ = result.failed;
+  cachedStatus_ = result.status;
+  defaults_.setBoolean(lastApplyOKKey, isOK);
+  defaults_.setDouble(lastApplyDateKey, platform_.clock().now().secondsSince1970);
+}
+
+void AppDelegate::scheduleRetry() {
+  platform_.dispatch().mainQueue().postAfter(retryDelay, [weak = weak_from_this()] {
+    if (const auto self = weak.lock()) {
+      self->applyIfEnabled(true);
+    }
+  });
+}
+
+void AppDelegate::refreshStatusAsync(std::function<void()> completion) {
+  workQueue_->post([weak = weak_from_this(), &platform = platform_, engine = engine_,
+                    completion = std::move(completion)] {
+    if (weak.expired()) {
+      return;
+    }
+    platform.dispatch().mainQueue().post([weak, completion, status = readStatus(engine)] {
+      if (const auto self = weak.lock()) {
+        self->cachedStatus_ = status;
+        self->refreshUI();
+        if (completion) {
+          completion();
+        }
+      }
+    });
+  });
+}
+
+std::string AppDelegate::statusDescription() const {
+  if (!isEnabled()) {
+    return "Off, using your Mac's normal delay";
+  }
+  if (lastApplyFailed_) {
+    return "Couldn't turn on. Check Input Monitoring permission";
+  }
+  if (!cachedStatus_) {
+    return "Checking…";
+  }
+  if (cachedStatus_->isPartial()) {
+    return "Turning on…";
+  }
+  if (cachedStatus_->instantServices >= 1) {
+    return "On. Every tap registers instantly";
+  }
+  return "Couldn't confirm. Try Re-apply Now";
+}
+
+}  // namespace zephlin

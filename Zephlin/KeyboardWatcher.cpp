@@ -1,0 +1,84 @@
+#include "Zephlin/KeyboardWatcher.h"
+
+#include <utility>
+
+namespace zephlin {
+
+namespace {
+
+/// Every HID device, not only keyboards.
+constexpr const char* hidDeviceClass = "IOHIDDevice";
+constexpr Delay deviceAttachDelay{1.0};
+constexpr Delay wakeDelay{2.0};
+/// A keyboard may come back well after the wake, without appearing anew.
+constexpr Delay wakeFollowUpDelay{10.0};
+constexpr Interval reconcileInterval{300.0};
+constexpr Tolerance reconcileTolerance{30.0};
+
+}  // namespace
+
+KeyboardWatcher::KeyboardWatcher(Platform& platform, std::function<void()> onNeedsReapply)
+    : platform_(platform), onNeedsReapply_(std::move(onNeedsReapply)) {}
+
+KeyboardWatcher::~KeyboardWatcher() {
+  stop();
+}
+
+void KeyboardWatcher::start() {
+  startDeviceMatchingNotification();
+  startWakeObserver();
+  startReconcileTimer();
+}
+
+void KeyboardWatcher::stop() {
+  wakeObserver_.reset();
+  reconcileTimer_.reset();
+  if (debounceWorkItem_) {
+    debounceWorkItem_->cancel();
+  }
+  deviceObservation_.reset();
+}
+
+void KeyboardWatcher::startDeviceMatchingNotification() {
+  // The observation ends with the watcher, so it may hold a plain pointer.
+  deviceObservation_ = platform_.hidDevices().observeAppeared(
+      hidDeviceClass, [this] { scheduleReapply(deviceAttachDelay); });
+}
+
+void KeyboardWatcher::startWakeObserver() {
+  wakeObserver_ = platform_.workspace().observeDidWake([weak = weak_from_this()] {
+    if (const auto self = weak.lock()) {
+      self->didWake();
+    }
+  });
+}
+
+void KeyboardWatcher::startReconcileTimer() {
+  reconcileTimer_ =
+      platform_.dispatch().scheduleTimer(reconcileInterval, reconcileTolerance, weakReapply());
+}
+
+void KeyboardWatcher::didWake() {
+  scheduleReapply(wakeDelay);
+  platform_.dispatch().mainQueue().postAfter(wakeFollowUpDelay, weakReapply());
+}
+
+// A burst of triggers gives one call, `delay` after the last of them.
+void KeyboardWatcher::scheduleReapply(Delay delay) {
+  if (debounceWorkItem_) {
+    debounceWorkItem_->cancel();
+  }
+  debounceWorkItem_ = std::make_shared<WorkItem>(weakReapply());
+  platform_.dispatch().mainQueue().postAfter(delay,
+                                             [item = debounceWorkItem_] { item->perform(); });
+}
+
+std::function<void()> KeyboardWatcher::weakReapply() {
+  return [weak = weak_from_this()] {
+    if (const auto self = weak.lock()) {
+      self->onNeedsReapply_();
+    }
+  };
+}
+
+}  // namespace zephlin

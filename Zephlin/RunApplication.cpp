@@ -1,0 +1,20 @@
+#include "Zephlin/RunApplication.h"
+
+#include <memory>
+
+#include "Zephlin/AppDelegate.h"
+#include "Zephlin/MainMenu.h"
+
+namespace zephlin {
+
+int runApplication(Platform& platform) {
+  Application& app = platform.application();
+  const auto delegate = std::make_shared<AppDelegate>(platform);
+  app.setDelegate(delegate);
+  app.setActivationPolicy(ActivationPolicy::Accessory);
+  MainMenu::install(app);
+  app.run();
+  return 0;
+}
+
+}  // namespace zephlin

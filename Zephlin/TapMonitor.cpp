@@ -1,0 +1,172 @@
+// The counting half of TapTestController: from a tap to the verdict.
+
+#include <cmath>
+#include <cstdio>
+#include <utility>
+
+#include "Zephlin/TapTestController.h"
+#include "ZephlinCore/CheckedArithmetic.h"
+
+namespace zephlin {
+
+namespace {
+
+/// The Caps Lock key (usage 0x39 of the Keyboard page) of every keyboard (usage 6 of Generic
+/// Desktop), and nothing else: the window promises so.
+constexpr HidInputMatching capsLockKey{
+    .deviceUsagePage = 1, .deviceUsage = 6, .usagePage = 7, .usage = 0x39};
+
+constexpr Interval pollInterval{0.01};
+/// A toggle that comes later than this after a press was not made by it.
+constexpr double longestLatencyMS = 1000;
+
+constexpr Color separatorColor{ColorRole::Separator};
+constexpr double verdictFillAlpha = 0.14;
+
+bool hasCapsLock(ModifierFlags flags) {
+  return (flags & modifierCapsLock) != 0;
+}
+
+std::string openFailure(std::int32_t code) {
+  char text[80];
+  std::snprintf(text, sizeof text,
+                "Zephlin: IOHIDManagerOpen failed (0x%x), press channel disabled",
+                static_cast<unsigned>(code));
+  return text;
+}
+
+std::string missingTaps(std::int64_t count) {
+  return std::to_string(count) + (count == 1 ? " tap" : " taps") + " went missing. The delay is on";
+}
+
+}  // namespace
+
+void TapTestController::startMonitoring() {
+  startPressMonitor();
+  if (!startToggleTap()) {
+    startTogglePolling();
+  }
+}
+
+void TapTestController::startPressMonitor() {
+  auto opened = platform_.hidDevices().openInput(capsLockKey, [this](std::int64_t value) {
+    if (value != 0) {
+      registerPress();
+    }
+  });
+  if (const auto* code = std::get_if<std::int32_t>(&opened)) {
+    platform_.systemLog().log(openFailure(*code));
+    return;
+  }
+  hidManager_ = std::move(std::get<std::unique_ptr<Observation>>(opened));
+}
+
+bool TapTestController::startToggleTap() {
+  auto tap = platform_.eventTaps().listen(eventMask(EventType::FlagsChanged),
+                                          [this](EventType type, ModifierFlags flags) {
+                                            if (type == EventType::FlagsChanged) {
+                                              registerCapsState(hasCapsLock(flags), tapCapsState_);
+                                            }
+                                          });
+  if (!tap) {
+    platform_.systemLog().log(
+        "Zephlin: could not create flagsChanged event tap, falling back to polling");
+    return false;
+  }
+  eventTap_ = std::move(tap);
+  return true;
+}
+
+void TapTestController::startTogglePolling() {
+  pollTimer_ =
+      platform_.dispatch().scheduleTimer(pollInterval, Tolerance{}, [weak = weak_from_this()] {
+        if (const auto self = weak.lock()) {
+          self->registerCapsState(hasCapsLock(self->platform_.eventTaps().currentModifierFlags()),
+                                  self->polledCapsState_);
+        }
+      });
+}
+
+void TapTestController::stopMonitoring() {
+  hidManager_.reset();
+  eventTap_.reset();
+  pollTimer_.reset();
+  polledCapsState_.reset();
+  tapCapsState_.reset();
+}
+
+void TapTestController::registerPress() {
+  pressCount_ = checkedSum(pressCount_, 1);
+  lastPressTime_ = platform_.clock().now();
+  refreshLabels();
+}
+
+void TapTestController::registerCapsState(bool isOn, RememberedState& channel) {
+  // The first observation is where counting starts from.
+  if (!channel || *channel == isOn) {
+    channel = isOn;
+    return;
+  }
+  toggleCount_ = checkedSum(toggleCount_, 1);
+  if (lastPressTime_) {
+    const double elapsedMS =
+        (platform_.clock().now().secondsSince1970 - lastPressTime_->secondsSince1970) * 1000;
+    if (elapsedMS < longestLatencyMS) {
+      lastLatencyMS_ = std::llround(elapsedMS);
+    }
+  }
+  refreshLabels();
+  channel = isOn;
+}
+
+void TapTestController::clearCounts() {
+  pressCount_ = 0;
+  toggleCount_ = 0;
+  lastPressTime_.reset();
+  lastLatencyMS_.reset();
+}
+
+void TapTestController::resetPressed() {
+  clearCounts();
+  refreshLabels();
+}
+
+void TapTestController::refreshLabels() {
+  pressCountLabel_->setText(std::to_string(pressCount_));
+  toggleCountLabel_->setText(std::to_string(toggleCount_));
+  // A space keeps the label's height.
+  latencyLabel_->setText(
+      lastLatencyMS_ ? "Last tap registered in " + std::to_string(*lastLatencyMS_) + " ms" : " ");
+  refreshVerdict();
+}
+
+void TapTestController::refreshVerdict() {
+  if (pressCount_ == 0) {
+    verdictLabel_->setText("Waiting for taps…");
+    verdictLabel_->setTextColor({ColorRole::SecondaryLabel});
+    verdictPill_->fill = separatorColor;
+  } else {
+    const bool allRegistered = toggleCount_ >= pressCount_;
+    const ColorRole role = allRegistered ? ColorRole::SystemGreen : ColorRole::SystemRed;
+    verdictLabel_->setText(allRegistered ? "Every tap registered. Instant"
+                                         : missingTaps(pressCount_ - toggleCount_));
+    verdictLabel_->setTextColor({role});
+    verdictPill_->fill = {role, verdictFillAlpha};
+  }
+  verdictPill_->setNeedsDisplay();
+}
+
+void TapTestController::refreshChannelNote() {
+  if (hidManager_) {
+    channelNoteLabel_->setText(
+        "Zephlin only watches the Caps Lock key here, nothing else you type.");
+    channelNoteLabel_->setTextColor({ColorRole::TertiaryLabel});
+  } else {
+    channelNoteLabel_->setText(
+        "To count taps, allow Zephlin under System Settings › Privacy & Security › Input "
+        "Monitoring.");
+    channelNoteLabel_->setTextColor({ColorRole::SystemOrange});
+  }
+}
+
+}  // namespace zephlin
