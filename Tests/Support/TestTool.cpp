@@ -12,7 +12,7 @@
 //   leave-grandchild STATUS    leaves a process behind that holds the pipe; prints its identifier
 //   leave-grandchild hang      the same, and never ends
 //   describe [STATUS]          prints what it has inherited, and exits
-//   watch-parent               prints the blocked signals of the second thread that its parent has
+//   watch-parent               prints the signals that its parent's newest thread blocks
 //   echo-arguments             prints its arguments, one a line
 //   replies DIRECTORY          prints DIRECTORY/set or DIRECTORY/get, as the arguments ask, to the
 //                              stream and with the status in its first line; keeps the arguments
@@ -112,22 +112,20 @@ void describe() {
         "\n");
 }
 
-/// Waits until the parent has a second thread.
-std::string secondThreadOfParent() {
-  const std::filesystem::path tasks = "/proc/" + std::to_string(::getppid()) + "/task";
-  for (;;) {
-    for (const auto& task : std::filesystem::directory_iterator(tasks)) {
-      if (task.path().filename() != std::to_string(::getppid())) {
-        return task.path();
-      }
-    }
-  }
-}
-
+/// Waits for the parent's second thread and prints the signals that its newest one blocks.
 void watchParent() {
-  const std::string thread = secondThreadOfParent();
-  ::usleep(20000);  // A thread begins with every signal blocked.
-  std::ifstream status(thread + "/status");
+  const std::filesystem::path tasks = "/proc/" + std::to_string(::getppid()) + "/task";
+  const auto newestThread = [&tasks] {
+    int newest = 0;
+    for (const auto& task : std::filesystem::directory_iterator(tasks)) {
+      newest = std::max(newest, std::stoi(task.path().filename()));
+    }
+    return newest;
+  };
+  while (newestThread() == ::getppid()) {
+  }
+  ::usleep(50000);  // A thread begins with every signal blocked.
+  std::ifstream status(tasks / std::to_string(newestThread()) / "status");
   for (std::string line; std::getline(status, line);) {
     if (line.starts_with("SigBlk")) {
       print(line + "\n");
