@@ -51,7 +51,6 @@ class WorkItem {
 
   /// An item that was cancelled before never runs.
   void cancel() { cancelled_ = true; }
-  [[nodiscard]] bool isCancelled() const { return cancelled_; }
   void perform() const {
     if (!cancelled_) {
       work_();
