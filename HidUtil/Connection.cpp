@@ -14,9 +14,17 @@ namespace {
 
 constexpr std::size_t bytesPerTurn = std::size_t{16} * 1024;
 
+/// What a subscriber may leave untaken besides what its socket holds.
+constexpr std::size_t maximumUntakenBytes = std::size_t{16} * 1024;
+
 std::string requestTooLong() {
   return encode(ErrorResponse{"the request is longer than " + std::to_string(maximumRequestBytes) +
                               " bytes; ask for less at once"});
+}
+
+std::string alreadySubscribed() {
+  return encode(
+      ErrorResponse{"a subscribed connection takes no more requests; make another connection"});
 }
 
 bool meansLater(int errorNumber) {
@@ -40,10 +48,21 @@ Connection::Connection(EventLoop& loop, FileDescriptor socket, uid_t user,
 void Connection::onSocket(std::uint32_t events) {
   if ((events & EPOLLIN) != 0) {
     receive();
-  } else if ((events & EPOLLOUT) != 0) {
+  }
+  if ((events & EPOLLOUT) != 0) {
     send();
-  } else {
+  }
+  if ((events & (EPOLLIN | EPOLLOUT)) == 0) {
     broken_ = true;  // The client is gone for good, so no answer can reach it.
+  }
+  proceed();
+}
+
+void Connection::tell(std::string_view line) {
+  output_ += std::string(line) + '\n';
+  send();
+  if (output_.size() > maximumUntakenBytes) {
+    broken_ = true;
   }
   proceed();
 }
@@ -76,10 +95,10 @@ void Connection::send() {
 void Connection::proceed() {
   if (isOver()) {
     end();
-  } else if (!output_.empty()) {
+  } else if (!output_.empty() && !subscribed_) {
     waitForClient(EPOLLOUT, true);
   } else if (input_.state() == LineSplitter::State::NeedsBytes) {
-    waitForClient(EPOLLIN, input_.hasPartialLine());
+    waitForClient(output_.empty() ? EPOLLIN : EPOLLIN | EPOLLOUT, input_.hasPartialLine());
   } else {
     watch_.setEvents(0);
     stalled_.disable();
@@ -90,13 +109,17 @@ void Connection::proceed() {
 bool Connection::isOver() const {
   const bool noMoreRequests =
       lastResponse_ || (inputEnded_ && input_.state() == LineSplitter::State::NeedsBytes);
-  return broken_ || (output_.empty() && noMoreRequests);
+  return broken_ || (noMoreRequests && (output_.empty() || subscribed_));
 }
 
 void Connection::takeRequest() {
   nextRequest_.disable();
-  if (input_.state() == LineSplitter::State::HasLine) {
-    output_ = owner_.respond(input_.takeLine(), user_) + '\n';
+  if (subscribed_) {
+    output_ += alreadySubscribed() + '\n';
+    subscribed_ = false;
+    lastResponse_ = true;
+  } else if (input_.state() == LineSplitter::State::HasLine) {
+    output_ = owner_.respond(input_.takeLine(), *this) + '\n';
   } else {
     output_ = requestTooLong() + '\n';
     lastResponse_ = true;

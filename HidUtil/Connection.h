@@ -24,8 +24,8 @@ class ConnectionOwner {
   ConnectionOwner& operator=(const ConnectionOwner&) = delete;
   virtual ~ConnectionOwner() = default;
 
-  /// The response line, without line feed, to a request line of the user.
-  virtual std::string respond(std::string_view line, uid_t user) = 0;
+  /// The response line, without line feed, to a request line of the connection.
+  virtual std::string respond(std::string_view line, Connection& connection) = 0;
 
   /// The connection has nothing more to do and is to be destroyed, at best within this call.
   virtual void connectionEnded(Connection& connection) = 0;
@@ -36,6 +36,10 @@ class ConnectionOwner {
 /// request and one response in memory. It ends when the client has closed its side, after a line
 /// that is too long, and when the client has neither sent the rest of a request nor taken more of
 /// a response for `patience`.
+///
+/// Once subscribed, it may be silent for ever, and its client may leave lines untaken up to a bound
+/// in bytes; beyond it the connection ends. Another request is refused, and ends the subscription
+/// and the connection.
 class Connection {
  public:
   /// `socket` is a connected stream socket that does not block.
@@ -43,6 +47,13 @@ class Connection {
              ConnectionOwner& owner);
 
   [[nodiscard]] uid_t user() const { return user_; }
+  [[nodiscard]] bool isSubscribed() const { return subscribed_; }
+
+  /// Only while the owner is asked for a response, which is the last one.
+  void subscribe() { subscribed_ = true; }
+
+  /// Sends a line, given without line feed, to a subscribed connection. May end it.
+  void tell(std::string_view line);
 
  private:
   void onSocket(std::uint32_t events);
@@ -59,6 +70,7 @@ class Connection {
   ConnectionOwner& owner_;
   LineSplitter input_;
   std::string output_;
+  bool subscribed_ = false;
   bool inputEnded_ = false;
   bool lastResponse_ = false;
   bool broken_ = false;

@@ -103,8 +103,10 @@ EventSource EventLoop::timer(std::function<void()> function) {
   auto callback = std::make_unique<Callback>(
       Callback{*this, [run = std::move(function)](std::uint32_t) { run(); }});
   sd_event_source* source = nullptr;
-  checked(sd_event_add_time(native(), &source, CLOCK_MONOTONIC, UINT64_MAX, 0, Trampoline::time,
-                            callback.get()),
+  // Left to itself, sd-event may be late by a quarter of a second.
+  constexpr std::uint64_t latenessInMicroseconds = 1;
+  checked(sd_event_add_time(native(), &source, CLOCK_MONOTONIC, UINT64_MAX, latenessInMicroseconds,
+                            Trampoline::time, callback.get()),
           "making a timer");
   return Trampoline::adopt(source, std::move(callback));
 }

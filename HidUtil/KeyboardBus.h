@@ -25,6 +25,9 @@ class KeyboardBusObserver {
   virtual void keyboardAppeared(KeyboardBus& bus, BusHandle handle,
                                 const KeyboardDescription& description) = 0;
   virtual void keyboardDisappeared(KeyboardBus& bus, BusHandle handle) = 0;
+
+  /// The keyboard, which stays, carries none of its properties any more.
+  virtual void propertiesDropped(KeyboardBus& bus, BusHandle handle) = 0;
 };
 
 /// Why a bus did not do what it was asked: part of a line for the user, without a full stop.

@@ -17,12 +17,19 @@ void KeyboardRegistry::keyboardAppeared(KeyboardBus& bus, BusHandle handle,
   entries_.emplace(registryID, Entry{{registryID, description}, {&bus, handle}, {}});
   log_("keyboard " + toText(registryID) + " plugged: " + inQuotes(description.product) + ", " +
        printable(description.transport));
+  listener_(registryID);
 }
 
 void KeyboardRegistry::keyboardDisappeared(KeyboardBus& bus, BusHandle handle) {
   if (const auto registryID = find({&bus, handle})) {
     entries_.erase(*registryID);
     log_("keyboard " + toText(*registryID) + " pulled");
+  }
+}
+
+void KeyboardRegistry::propertiesDropped(KeyboardBus& bus, BusHandle handle) {
+  if (const auto registryID = find({&bus, handle})) {
+    entries_.at(*registryID).properties.clear();
   }
 }
 

@@ -33,11 +33,18 @@ class KeyboardRegistry final : public KeyboardBusObserver {
     bool operator==(const Origin&) const = default;
   };
 
+  /// Told of each keyboard that is now in the registry.
+  using AppearanceListener = std::function<void(RegistryID registryID)>;
+
   explicit KeyboardRegistry(Log log) : log_(std::move(log)) {}
+
+  /// Replaces the former listener. What appeared before is not told.
+  void listen(AppearanceListener listener) { listener_ = std::move(listener); }
 
   void keyboardAppeared(KeyboardBus& bus, BusHandle handle,
                         const KeyboardDescription& description) override;
   void keyboardDisappeared(KeyboardBus& bus, BusHandle handle) override;
+  void propertiesDropped(KeyboardBus& bus, BusHandle handle) override;
 
   [[nodiscard]] std::size_t size() const { return entries_.size(); }
   [[nodiscard]] std::vector<Keyboard> list(const Matching& matching) const;
@@ -68,6 +75,7 @@ class KeyboardRegistry final : public KeyboardBusObserver {
   static std::string rollBack(const std::vector<Change>& changes, std::size_t count);
 
   Log log_;
+  AppearanceListener listener_ = [](RegistryID) {};
   std::uint64_t nextRegistryID_ = 0x100000001;
   std::map<RegistryID, Entry> entries_;
 };

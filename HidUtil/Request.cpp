@@ -38,6 +38,10 @@ json toJson(const PullRequest& request) {
   return {{"request", "pull"}, {"registryID", toText(request.registryID)}};
 }
 
+json toJson(const SubscribeRequest& /*request*/) {
+  return json::object({{"request", "subscribe"}});
+}
+
 /// Throws RequestError unless the object has exactly these members.
 void requireMembers(const json& object, std::initializer_list<const char*> names) {
   for (const char* const name : names) {
@@ -75,7 +79,8 @@ SetRequest setFromJson(const json& object) {
   return {matchingFromJson(object.at("matching")), propertiesFromJson(object.at("properties"))};
 }
 
-PlugRequest plugFromJson(const json& object) {
+template <typename BareRequest>
+BareRequest bareFromJson(const json& object) {
   requireMembers(object, {"request"});
   return {};
 }
@@ -107,13 +112,16 @@ Request decodeRequest(std::string_view line) {
     return setFromJson(object);
   }
   if (kind == "plug") {
-    return plugFromJson(object);
+    return bareFromJson<PlugRequest>(object);
   }
   if (kind == "pull") {
     return pullFromJson(object);
   }
+  if (kind == "subscribe") {
+    return bareFromJson<SubscribeRequest>(object);
+  }
   throw RequestError("unknown request " + inQuotes(kind) +
-                     "; known are list, get, set, plug, pull");
+                     "; known are list, get, set, plug, pull, subscribe");
 }
 
 RegistryID parseRegistryID(std::string_view text) {

@@ -45,7 +45,14 @@ struct PullRequest {
   bool operator==(const PullRequest&) const = default;
 };
 
-using Request = std::variant<ListRequest, GetRequest, SetRequest, PlugRequest, PullRequest>;
+/// Has the service say on this connection which keyboards appear from now on, and nothing else.
+/// Whoever subscribes first and lists then, on another connection, misses none.
+struct SubscribeRequest {
+  bool operator==(const SubscribeRequest&) const = default;
+};
+
+using Request =
+    std::variant<ListRequest, GetRequest, SetRequest, PlugRequest, PullRequest, SubscribeRequest>;
 
 /// One line of JSON without its line feed.
 std::string encode(const Request& request);

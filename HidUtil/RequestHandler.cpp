@@ -24,11 +24,7 @@ RequestHandler::RequestHandler(KeyboardRegistry& registry, VirtualKeyboardBus& v
       permissions_(permissions),
       log_(std::move(log)) {}
 
-std::string RequestHandler::respond(std::string_view line, uid_t user) {
-  return encode(answer(line, user));
-}
-
-Response RequestHandler::answer(std::string_view line, uid_t user) {
+Response RequestHandler::respond(std::string_view line, uid_t user) {
   try {
     return std::visit([&](const auto& request) { return perform(request, user); },
                       decodeRequest(line));
@@ -76,6 +72,10 @@ Response RequestHandler::perform(const PullRequest& request, uid_t user) {
   }
   virtualKeyboards_.pull(origin->handle);
   return PullResponse{};
+}
+
+Response RequestHandler::perform(const SubscribeRequest& /*request*/, uid_t /*user*/) {
+  return SubscribeResponse{};
 }
 
 }  // namespace zephlin

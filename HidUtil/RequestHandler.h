@@ -13,15 +13,16 @@
 
 namespace zephlin {
 
-/// Turns request lines into response lines, both without line feed. It knows no descriptors. What
-/// it is made with outlives it.
+/// Carries out request lines, which come without line feed. It knows no descriptors. What it is
+/// made with outlives it.
 class RequestHandler {
  public:
   RequestHandler(KeyboardRegistry& registry, VirtualKeyboardBus& virtualKeyboards,
                  const Permissions& permissions, Log log);
 
   /// `user` is who asks, as the system vouches for it. A request that fails has changed nothing.
-  std::string respond(std::string_view line, uid_t user);
+  /// A SubscribeResponse is a promise that the caller keeps, as connections are its own.
+  Response respond(std::string_view line, uid_t user);
 
  private:
   Response perform(const ListRequest& request, uid_t user);
@@ -29,7 +30,7 @@ class RequestHandler {
   Response perform(const SetRequest& request, uid_t user);
   Response perform(const PlugRequest& request, uid_t user);
   Response perform(const PullRequest& request, uid_t user);
-  Response answer(std::string_view line, uid_t user);
+  Response perform(const SubscribeRequest& request, uid_t user);
 
   KeyboardRegistry& registry_;
   VirtualKeyboardBus& virtualKeyboards_;

@@ -56,6 +56,14 @@ json toJson(const PullResponse& /*response*/) {
   return json::object({{"response", "pull"}});
 }
 
+json toJson(const SubscribeResponse& /*response*/) {
+  return json::object({{"subscribed", true}});
+}
+
+json toJson(const AppearedNotice& notice) {
+  return {{"appeared", toText(notice.registryID)}};
+}
+
 json toJson(const ErrorResponse& response) {
   return {{"response", "error"}, {"text", response.text}};
 }
@@ -118,7 +126,20 @@ SetResponse setFromJson(const json& object) {
   return response;
 }
 
+SubscribeResponse subscribeFromJson(const json& object) {
+  if (object.at("subscribed") != true) {
+    throw ResponseError("a subscription was expected");
+  }
+  return {};
+}
+
 Response responseFromJson(const json& object) {
+  if (object.contains("appeared")) {
+    return AppearedNotice{registryID(object.at("appeared"))};
+  }
+  if (object.contains("subscribed")) {
+    return subscribeFromJson(object);
+  }
   const auto& kind = object.at("response").get_ref<const std::string&>();
   if (kind == "list") {
     return listFromJson(object);

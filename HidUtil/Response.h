@@ -44,14 +44,25 @@ struct PullResponse {
   bool operator==(const PullResponse&) const = default;
 };
 
+/// The connection is now told of each keyboard that appears. Looks like {"subscribed":true}.
+struct SubscribeResponse {
+  bool operator==(const SubscribeResponse&) const = default;
+};
+
+/// Not an answer: what a subscribed connection is told. Looks like {"appeared":"100000001"}.
+struct AppearedNotice {
+  RegistryID registryID{};
+  bool operator==(const AppearedNotice&) const = default;
+};
+
 /// The request was not carried out and nothing has changed.
 struct ErrorResponse {
   std::string text;
   bool operator==(const ErrorResponse&) const = default;
 };
 
-using Response =
-    std::variant<ListResponse, GetResponse, SetResponse, PlugResponse, PullResponse, ErrorResponse>;
+using Response = std::variant<ListResponse, GetResponse, SetResponse, PlugResponse, PullResponse,
+                              SubscribeResponse, AppearedNotice, ErrorResponse>;
 
 /// A line that is no response.
 class ResponseError : public std::runtime_error {

@@ -3,6 +3,7 @@
 #include <sys/epoll.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <optional>
 #include <system_error>
@@ -47,8 +48,36 @@ Server::Server(EventLoop& loop, FileDescriptor listening, RequestHandler& handle
       accepting_(loop.watch(listening_.get(), EPOLLIN, [this](std::uint32_t) { acceptOne(); })),
       retry_(loop.timer([this] { resumeAccepting(); })) {}
 
-std::string Server::respond(std::string_view line, uid_t user) {
-  return handler_.respond(line, user);
+void Server::announce(const AppearedNotice& notice) {
+  const std::string line = encode(notice);
+  for (auto each = connections_.begin(); each != connections_.end();) {
+    // A connection that ends within the call takes itself out of the map.
+    Connection& connection = *(each++)->second;
+    if (connection.isSubscribed()) {
+      connection.tell(line);
+    }
+  }
+}
+
+std::string Server::respond(std::string_view line, Connection& connection) {
+  const Response response = handler_.respond(line, connection.user());
+  const bool subscribes = std::holds_alternative<SubscribeResponse>(response);
+  return encode(subscribes ? subscribe(connection) : response);
+}
+
+Response Server::subscribe(Connection& connection) {
+  const uid_t user = connection.user();
+  const auto subscriptions =
+      std::count_if(connections_.begin(), connections_.end(), [user](const auto& each) {
+        return each.second->user() == user && each.second->isSubscribed();
+      });
+  if (user != 0 && static_cast<std::size_t>(subscriptions) >= limits_.subscriptionsOfAUser) {
+    return ErrorResponse{"you have " + std::to_string(limits_.subscriptionsOfAUser) +
+                         " subscriptions to the keyboard service, which is the most; end some "
+                         "of them"};
+  }
+  connection.subscribe();
+  return SubscribeResponse{};
 }
 
 void Server::connectionEnded(Connection& connection) {

@@ -22,6 +22,10 @@ struct ServerLimits {
 
   /// How many connections each user other than root may have.
   std::size_t connectionsOfAUser = 512;
+
+  /// How many of these may be subscriptions, which last: whatever subscribes and forgets to leave,
+  /// its user can still make requests.
+  std::size_t subscriptionsOfAUser = 64;
 };
 
 /// Accepts clients and has their requests handled, on the thread of the loop. When the system has
@@ -31,8 +35,12 @@ class Server final : private ConnectionOwner {
   /// `listening` does not block. The loop and the handler outlive the server.
   Server(EventLoop& loop, FileDescriptor listening, RequestHandler& handler, ServerLimits limits);
 
+  /// Tells every subscribed connection.
+  void announce(const AppearedNotice& notice);
+
  private:
-  std::string respond(std::string_view line, uid_t user) override;
+  std::string respond(std::string_view line, Connection& connection) override;
+  Response subscribe(Connection& connection);
   void connectionEnded(Connection& connection) override;
 
   void acceptOne();

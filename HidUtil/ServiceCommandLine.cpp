@@ -10,14 +10,17 @@
 namespace zephlin {
 
 const std::string_view serviceHelp =
-    R"(Usage: zephlin-hidd [--socket PATH] [--virtual-keyboards N]
+    R"(Usage: zephlin-hidd [--socket PATH] [--virtual-keyboards N] [--tap-gap MS]
 
-Keeps the properties of the keyboards for hidutil, until it ends.
+Keeps the properties of the keyboards for hidutil, until it ends, and makes Caps Lock instant where
+its delay is 0.
 
 Options:
   --socket PATH           where to listen; /run/zephlin/hidd.sock without this option; not used
                           when systemd hands over the socket
-  --virtual-keyboards N   start with N virtual keyboards, 0 to 256
+  --virtual-keyboards N   start with N virtual keyboards, 0 to 256, in place of the machine's own
+  --tap-gap MS            how many milliseconds Caps Lock is down for programs when its release is
+                          brought forward, 0 to 50; 5 without this option
   -h, --help              print this help
   --version               print the version
 )";
@@ -28,22 +31,34 @@ UsageError usageError(const std::string& what) {
   return UsageError(what + "; see zephlin-hidd --help");
 }
 
-std::size_t keyboardCount(const std::string& text) {
-  std::size_t count = 0;
+constexpr std::size_t longestTapGap = 50;
+
+std::size_t numberUpTo(std::size_t maximum, const std::string& option, const std::string& text) {
+  std::size_t number = 0;
   const char* const end = text.data() + text.size();
-  const auto read = std::from_chars(text.data(), end, count);
-  if (read.ec != std::errc{} || read.ptr != end || count > VirtualKeyboardBus::maximumKeyboards) {
-    throw usageError("--virtual-keyboards takes a number from 0 to " +
-                     std::to_string(VirtualKeyboardBus::maximumKeyboards) + ", not " +
+  const auto read = std::from_chars(text.data(), end, number);
+  if (read.ec != std::errc{} || read.ptr != end || number > maximum) {
+    throw usageError(option + " takes a number from 0 to " + std::to_string(maximum) + ", not " +
                      inQuotes(text));
   }
-  return count;
+  return number;
+}
+
+void setOption(ServiceOptions& options, const std::string& name, const std::string& value) {
+  if (name == "--socket") {
+    options.socketPath = value;
+  } else if (name == "--virtual-keyboards") {
+    options.virtualKeyboards = numberUpTo(VirtualKeyboardBus::maximumKeyboards, name, value);
+  } else {
+    options.tapGap = std::chrono::milliseconds(numberUpTo(longestTapGap, name, value));
+  }
 }
 
 }  // namespace
 
 ServiceOptions parseServiceCommandLine(const std::vector<std::string>& arguments) {
-  ServiceOptions options{std::string(defaultSocketPath)};
+  ServiceOptions options;
+  options.socketPath = defaultSocketPath;
   for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
     if (*argument == "--help" || *argument == "-h") {
       options.showHelp = true;
@@ -53,19 +68,14 @@ ServiceOptions parseServiceCommandLine(const std::vector<std::string>& arguments
       options.showVersion = true;
       return options;
     }
-    const bool isSocket = *argument == "--socket";
-    if (!isSocket && *argument != "--virtual-keyboards") {
+    if (*argument != "--socket" && *argument != "--virtual-keyboards" && *argument != "--tap-gap") {
       throw usageError("unknown argument " + inQuotes(*argument));
     }
     if (argument + 1 == arguments.end()) {
       throw usageError("option " + *argument + " needs a value");
     }
     ++argument;
-    if (isSocket) {
-      options.socketPath = *argument;
-    } else {
-      options.virtualKeyboards = keyboardCount(*argument);
-    }
+    setOption(options, argument[-1], *argument);
   }
   return options;
 }

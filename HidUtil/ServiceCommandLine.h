@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,7 +11,8 @@ namespace zephlin {
 
 struct ServiceOptions {
   std::string socketPath;
-  std::size_t virtualKeyboards = 0;
+  std::optional<std::size_t> virtualKeyboards;  ///< In place of the machine's keyboards.
+  std::chrono::milliseconds tapGap{5};
   bool showHelp = false;
   bool showVersion = false;
 };

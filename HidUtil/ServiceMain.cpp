@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "HidUtil/Errors.h"
+#include "HidUtil/Evdev/EvdevKeyboardBus.h"
+#include "HidUtil/Evdev/RealTimePriority.h"
 #include "HidUtil/EventLoop.h"
 #include "HidUtil/KeyboardRegistry.h"
 #include "HidUtil/ListeningSocket.h"
@@ -56,12 +58,18 @@ void serve(const ServiceOptions& options) {
   const std::string ready = "ready on " + boundPath(*listening) + " with ";
 
   KeyboardRegistry registry(log);
-  VirtualKeyboardBus virtualKeyboards(options.virtualKeyboards);
+  VirtualKeyboardBus virtualKeyboards(options.virtualKeyboards.value_or(0));
   virtualKeyboards.start(registry);
+  std::optional<EvdevKeyboardBus> machineKeyboards;
+  if (!options.virtualKeyboards) {
+    takeRealTimePriority();
+    machineKeyboards.emplace(loop, options.tapGap, log).start(registry);
+  }
 
   const Permissions permissions(::geteuid(), hasActiveLocalLoginSession);
   RequestHandler handler(registry, virtualKeyboards, permissions, log);
-  const Server server(loop, std::move(*listening), handler, ServerLimits{});
+  Server server(loop, std::move(*listening), handler, ServerLimits{});
+  registry.listen([&server](RegistryID registryID) { server.announce({registryID}); });
 
   log(ready + countedKeyboards(registry.size()));
   sd_notify(0, "READY=1");

@@ -41,7 +41,20 @@ need_packages() {
         apt-get install -y --no-install-recommends "${missing[@]}"
 }
 
-# What building Zephlin takes.
+# What building Zephlin takes; the rest of what is needed follows.
 need_build_packages() {
-    need_packages g++ cmake ninja-build pkg-config nlohmann-json3-dev libsystemd-dev "$@"
+    need_packages g++ cmake ninja-build pkg-config nlohmann-json3-dev libsystemd-dev libudev-dev \
+        libevdev-dev "$@"
+}
+
+# What building its application for the desktop takes besides; the rest of what is needed follows.
+need_desktop_build_packages() {
+    need_build_packages qt6-base-dev libqt6svg6-dev libxcb1-dev libxcb-xinput-dev libxcb-xkb-dev \
+        "$@"
+}
+
+# A desktop without a display: an X server in memory, a window manager and a panel.
+need_virtual_desktop_packages() {
+    need_packages xvfb xauth openbox xfce4-panel xfconf dbus-daemon libglib2.0-bin xdotool \
+        imagemagick adwaita-icon-theme librsvg2-common fonts-dejavu-core
 }

@@ -114,6 +114,8 @@ TEST(ArgumentErrors, OfTheServiceEndWithStatus64) {
   };
   EXPECT_EQ(test::run({serviceProgram, "--virtual-keyboards", "257"}),
             wrong("--virtual-keyboards takes a number from 0 to 256, not \"257\""));
+  EXPECT_EQ(test::run({serviceProgram, "--tap-gap", "51"}),
+            wrong("--tap-gap takes a number from 0 to 50, not \"51\""));
   EXPECT_EQ(test::run({serviceProgram, "start\n"}), wrong(R"(unknown argument "start\x0a")"));
   EXPECT_EQ(test::run({serviceProgram, "--socket"}), wrong("option --socket needs a value"));
 }

@@ -92,7 +92,7 @@ class Conversation {
     line.remove_prefix(byStranger ? 1 : 0);
     const auto keyboards = registry_.list({});
     const auto carried = bus_.carried;
-    const std::string text = handler_.respond(line, byStranger ? stranger : owner);
+    const std::string text = encode(handler_.respond(line, byStranger ? stranger : owner));
     require(text.find('\n') == std::string::npos, "a response is one line");
     const Response response = decodeResponse(text);
     if (byStranger || std::holds_alternative<ErrorResponse>(response)) {

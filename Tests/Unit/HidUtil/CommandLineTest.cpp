@@ -98,14 +98,16 @@ std::string serviceUsageError(const Arguments& arguments) {
 TEST(ServiceCommandLine, HasDefaults) {
   const ServiceOptions options = parseServiceCommandLine({});
   EXPECT_EQ(options.socketPath, "/run/zephlin/hidd.sock");
-  EXPECT_EQ(options.virtualKeyboards, 0U);
+  EXPECT_EQ(options.virtualKeyboards, std::nullopt);
+  EXPECT_EQ(options.tapGap, std::chrono::milliseconds(5));
 }
 
 TEST(ServiceCommandLine, ReadsItsOptions) {
   const ServiceOptions options =
-      parseServiceCommandLine({"--virtual-keyboards", "256", "--socket", "/s"});
+      parseServiceCommandLine({"--virtual-keyboards", "256", "--socket", "/s", "--tap-gap", "0"});
   EXPECT_EQ(options.socketPath, "/s");
   EXPECT_EQ(options.virtualKeyboards, 256U);
+  EXPECT_EQ(options.tapGap, std::chrono::milliseconds(0));
   EXPECT_TRUE(parseServiceCommandLine({"--help"}).showHelp);
   EXPECT_TRUE(parseServiceCommandLine({"--version"}).showVersion);
 }

@@ -137,6 +137,31 @@ TEST_F(KeyboardRegistryTest, KeepsTheKeyboardsOfSeveralBusesApart) {
   EXPECT_EQ(registry.size(), 3U);
 }
 
+TEST_F(KeyboardRegistryTest, TellsTheListenerOfEachKeyboardThatItThenHas) {
+  std::vector<std::size_t> sizes;
+  std::vector<RegistryID> appeared;
+  registry.listen([&](RegistryID registryID) {
+    appeared.push_back(registryID);
+    sizes.push_back(registry.size());
+  });
+  bus.plug(BusHandle{4});
+  bus.pull(one);
+  bus.plug(one);
+  EXPECT_EQ(appeared, (std::vector{RegistryID{0x100000004}, RegistryID{0x100000005}}));
+  EXPECT_EQ(sizes, (std::vector<std::size_t>{4, 4}));
+}
+
+TEST_F(KeyboardRegistryTest, AKeyboardWhoseBusDropsItsPropertiesStaysWithoutThem) {
+  registry.set({}, {{"A", 1}});
+  bus.dropProperties(two);
+  EXPECT_EQ(values("A"),
+            (std::vector<KeyboardValue>{{firstID, 1}, {secondID, std::nullopt}, {thirdID, 1}}));
+  registry.set({}, {{"A", 1}});
+  EXPECT_EQ(bus.carried.at(two), (PropertySet{{"A", 1}}));
+  bus.dropProperties(BusHandle{99});
+  EXPECT_EQ(registry.size(), 3U);
+}
+
 TEST_F(KeyboardRegistryTest, IgnoresTheDisappearanceOfAKeyboardThatItDoesNotKnow) {
   bus.pull(BusHandle{99});
   EXPECT_EQ(registry.size(), 3U);

@@ -19,7 +19,8 @@ TEST(Protocol, EveryRequestSurvivesTheWay) {
   for (const Request& request :
        {Request(ListRequest{someMatching()}), Request(GetRequest{{}, "CapsLockDelayOverride"}),
         Request(SetRequest{someMatching(), {{"A", INT64_MIN}, {"B", INT64_MAX}}}),
-        Request(PlugRequest{}), Request(PullRequest{RegistryID{0xabc}})}) {
+        Request(PlugRequest{}), Request(PullRequest{RegistryID{0xabc}}),
+        Request(SubscribeRequest{})}) {
     EXPECT_EQ(decodeRequest(encode(request)), request) << encode(request);
     EXPECT_EQ(encode(request).find('\n'), std::string::npos);
   }
@@ -32,6 +33,7 @@ TEST(Protocol, EveryResponseSurvivesTheWay) {
         Response(GetResponse{{{RegistryID{1}, 0}, {RegistryID{2}, std::nullopt}}}),
         Response(SetResponse{{RegistryID{1}, RegistryID{2}}}),
         Response(PlugResponse{RegistryID{3}}), Response(PullResponse{}),
+        Response(SubscribeResponse{}), Response(AppearedNotice{RegistryID{0xabc}}),
         Response(ErrorResponse{"no\nway"})}) {
     EXPECT_EQ(decodeResponse(encode(response)), response) << encode(response);
     EXPECT_EQ(encode(response).find('\n'), std::string::npos);
@@ -44,6 +46,13 @@ TEST(Protocol, RequestsLookLikeThis) {
       R"({"matching":{"PrimaryUsagePage":1,"Product":"Keys \"ü\"\n","RegistryID":"100000001"},)"
       R"("properties":{"A":-1},"request":"set"})");
   EXPECT_EQ(encode(Request(PlugRequest{})), R"({"request":"plug"})");
+}
+
+TEST(Protocol, SubscriptionsLookLikeThis) {
+  EXPECT_EQ(encode(Request(SubscribeRequest{})), R"({"request":"subscribe"})");
+  EXPECT_EQ(encode(Response(SubscribeResponse{})), R"({"subscribed":true})");
+  EXPECT_EQ(encode(Response(AppearedNotice{RegistryID{0x100000001}})),
+            R"({"appeared":"100000001"})");
 }
 
 TEST(Protocol, ADeviceNameThatIsNotUtf8IsStillSent) {
@@ -65,7 +74,7 @@ TEST(Protocol, RequestsOfAnotherShapeAreRefused) {
   EXPECT_EQ(errorOf("{}"), R"(the request lacks "request")");
   EXPECT_EQ(errorOf(R"({"request":1})"), R"(the request's "request" must be text)");
   EXPECT_EQ(errorOf(R"({"request":"dance"})"),
-            R"(unknown request "dance"; known are list, get, set, plug, pull)");
+            R"(unknown request "dance"; known are list, get, set, plug, pull, subscribe)");
   EXPECT_EQ(errorOf(R"({"request":"list"})"), R"(the request lacks "matching")");
   EXPECT_EQ(errorOf(R"({"request":"list","matching":[]})"),
             R"(the matching must be an object such as {"PrimaryUsagePage":1,"PrimaryUsage":6})");
@@ -76,6 +85,8 @@ TEST(Protocol, RequestsOfAnotherShapeAreRefused) {
   EXPECT_EQ(errorOf(R"({"request":"pull","registryID":"XYZ"})"),
             R"("XYZ" is not a RegistryID; hidutil list prints them)");
   EXPECT_EQ(errorOf(R"({"request":"plug","matching":{}})"),
+            "the request has more in it than its kind takes");
+  EXPECT_EQ(errorOf(R"({"request":"subscribe","matching":{}})"),
             "the request has more in it than its kind takes");
 }
 
@@ -102,14 +113,26 @@ TEST(Protocol, BottomlessNestingIsRefusedWithoutHarm) {
 }
 
 TEST(Protocol, LinesThatAreNoResponseAreRefused) {
-  for (const char* const line :
-       {"", "garbage", "[]", "{}", R"({"response":3})", R"({"response":"dance"})",
-        R"({"response":"list"})", R"({"response":"list","keyboards":{}})",
-        R"({"response":"list","keyboards":[1]})", R"({"response":"list","keyboards":[{}]})",
-        R"({"response":"get","values":[{"registryID":"1","value":1.5}]})",
-        R"({"response":"get","values":[{"registryID":"XYZ","value":1}]})",
-        R"({"response":"set","keyboards":[1]})", R"({"response":"plug"})",
-        R"({"response":"error"})", R"({"response":"error","text":5})"}) {
+  for (const char* const line : {"",
+                                 "garbage",
+                                 "[]",
+                                 "{}",
+                                 R"({"response":3})",
+                                 R"({"response":"dance"})",
+                                 R"({"response":"list"})",
+                                 R"({"response":"list","keyboards":{}})",
+                                 R"({"response":"list","keyboards":[1]})",
+                                 R"({"response":"list","keyboards":[{}]})",
+                                 R"({"response":"get","values":[{"registryID":"1","value":1.5}]})",
+                                 R"({"response":"get","values":[{"registryID":"XYZ","value":1}]})",
+                                 R"({"response":"set","keyboards":[1]})",
+                                 R"({"response":"plug"})",
+                                 R"({"subscribed":false})",
+                                 R"({"subscribed":1})",
+                                 R"({"appeared":1})",
+                                 R"({"appeared":"0x1"})",
+                                 R"({"response":"error"})",
+                                 R"({"response":"error","text":5})"}) {
     EXPECT_THROW(decodeResponse(line), ResponseError) << line;
   }
 }

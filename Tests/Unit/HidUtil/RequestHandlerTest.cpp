@@ -23,6 +23,10 @@ class RequestHandlerTest : public testing::Test {
     realKeyboards.plug(BusHandle{1}, "Real");
   }
 
+  std::string respond(std::string_view line, uid_t user) {
+    return encode(handler.respond(line, user));
+  }
+
   std::vector<std::string> log;
   KeyboardRegistry registry;
   VirtualKeyboardBus virtualKeyboards;
@@ -37,16 +41,16 @@ std::string error(const std::string& text) {
 
 TEST_F(RequestHandlerTest, ListsForEveryone) {
   EXPECT_EQ(
-      handler.respond(R"({"request":"list","matching":{"Product":"Real"}})", stranger),
+      respond(R"({"request":"list","matching":{"Product":"Real"}})", stranger),
       R"({"keyboards":[{"primaryUsage":6,"primaryUsagePage":1,"product":"Real","productID":0,)"
       R"("registryID":"100000003","transport":"USB","vendorID":0}],"response":"list"})");
 }
 
 TEST_F(RequestHandlerTest, SetsForWhoMayAndTellsEveryone) {
-  EXPECT_EQ(handler.respond(
-                R"({"request":"set","matching":{"ProductID":2},"properties":{"A":5,"B":6}})", root),
-            R"({"keyboards":["100000002"],"response":"set"})");
-  EXPECT_EQ(handler.respond(R"({"request":"get","matching":{},"key":"A"})", stranger),
+  EXPECT_EQ(
+      respond(R"({"request":"set","matching":{"ProductID":2},"properties":{"A":5,"B":6}})", root),
+      R"({"keyboards":["100000002"],"response":"set"})");
+  EXPECT_EQ(respond(R"({"request":"get","matching":{},"key":"A"})", stranger),
             R"({"response":"get","values":[{"registryID":"100000001","value":null},)"
             R"({"registryID":"100000002","value":5},{"registryID":"100000003","value":null}]})");
   EXPECT_EQ(log, std::vector<std::string>{"A=5, B=6 set on 1 keyboard by user 0"});
@@ -56,7 +60,7 @@ TEST_F(RequestHandlerTest, RefusesStrangersWhateverWouldChangeKeyboards) {
   for (const char* const request :
        {R"({"request":"set","matching":{},"properties":{"A":5}})", R"({"request":"plug"})",
         R"({"request":"pull","registryID":"100000001"})"}) {
-    EXPECT_EQ(handler.respond(request, stranger),
+    EXPECT_EQ(respond(request, stranger),
               error("permission denied for user 1001; only root and users with an active local "
                     "login session may change keyboards; log in at the machine itself, or run this "
                     "as root"))
@@ -67,38 +71,42 @@ TEST_F(RequestHandlerTest, RefusesStrangersWhateverWouldChangeKeyboards) {
 }
 
 TEST_F(RequestHandlerTest, PlugsAndPulls) {
-  EXPECT_EQ(handler.respond(R"({"request":"plug"})", root),
+  EXPECT_EQ(respond(R"({"request":"plug"})", root),
             R"({"registryID":"100000004","response":"plug"})");
-  EXPECT_EQ(handler.respond(R"({"request":"pull","registryID":"100000004"})", root),
+  EXPECT_EQ(respond(R"({"request":"pull","registryID":"100000004"})", root),
             R"({"response":"pull"})");
-  EXPECT_EQ(handler.respond(R"({"request":"pull","registryID":"100000004"})", root),
+  EXPECT_EQ(respond(R"({"request":"pull","registryID":"100000004"})", root),
             error("there is no keyboard 100000004; hidutil list prints those that there are"));
 }
 
 TEST_F(RequestHandlerTest, PullsOnlyVirtualKeyboards) {
-  EXPECT_EQ(handler.respond(R"({"request":"pull","registryID":"100000003"})", root),
+  EXPECT_EQ(respond(R"({"request":"pull","registryID":"100000003"})", root),
             error("keyboard 100000003 is not a virtual one; pull its plug by hand"));
   EXPECT_EQ(registry.size(), 3U);
 }
 
 TEST_F(RequestHandlerTest, RefusesToPlugMoreThanThereCanBe) {
   for (int plugged = 2; plugged < 256; ++plugged) {
-    handler.respond(R"({"request":"plug"})", root);
+    respond(R"({"request":"plug"})", root);
   }
-  EXPECT_EQ(handler.respond(R"({"request":"plug"})", root),
+  EXPECT_EQ(respond(R"({"request":"plug"})", root),
             error("there are 256 virtual keyboards, which is the most; pull one first"));
 }
 
 TEST_F(RequestHandlerTest, ReportsTheRefusalOfABus) {
   realKeyboards.refusing.insert(BusHandle{1});
-  EXPECT_EQ(handler.respond(R"({"request":"set","matching":{},"properties":{"A":5}})", root),
+  EXPECT_EQ(respond(R"({"request":"set","matching":{},"properties":{"A":5}})", root),
             error("keyboard 100000003 refused: the cable is loose; nothing is changed"));
   EXPECT_EQ(registry.get({}, "A").front().value, std::nullopt);
   EXPECT_TRUE(log.empty());
 }
 
+TEST_F(RequestHandlerTest, LetsEveryoneSubscribe) {
+  EXPECT_EQ(respond(R"({"request":"subscribe"})", stranger), R"({"subscribed":true})");
+}
+
 TEST_F(RequestHandlerTest, AnswersNonsenseWithAnError) {
-  EXPECT_EQ(handler.respond("nonsense", stranger),
+  EXPECT_EQ(respond("nonsense", stranger),
             error("the request is not valid JSON (at character 2); expected an object such as "
                   R"({"request":"list","matching":{}})"));
 }

@@ -1,72 +1,14 @@
-#include <gtest/gtest.h>
-#include <unistd.h>
+#include <vector>
 
-#include <chrono>
-#include <functional>
-#include <stdexcept>
-
-#include "HidUtil/ListeningSocket.h"
 #include "HidUtil/Request.h"
-#include "HidUtil/Server.h"
-#include "HidUtil/VirtualKeyboardBus.h"
-#include "Tests/Support/TemporaryDirectory.h"
-#include "Tests/Unit/HidUtil/Support/RawClient.h"
+#include "Tests/Unit/HidUtil/Support/EffectiveUser.h"
+#include "Tests/Unit/HidUtil/Support/ServerFixture.h"
 
 namespace zephlin {
 namespace {
 
 using namespace std::chrono_literals;
 using std::chrono::steady_clock;
-
-constexpr auto patience = 500ms;
-const std::string listRequest = R"({"request":"list","matching":{}})";
-
-/// A server whose loop the test turns itself, in the same thread.
-class ServerTest : public testing::Test {
- protected:
-  ServerTest()
-      : socket(directory.file("s")),
-        registry([](const std::string&) {}),
-        virtualKeyboards(256),
-        permissions(::geteuid(), [](uid_t) { return false; }),
-        handler(registry, virtualKeyboards, permissions, [](const std::string&) {}),
-        server(loop, socket.takeDescriptor(), handler, {patience, 3}) {
-    virtualKeyboards.start(registry);
-  }
-
-  RawClient connect() const { return RawClient(directory.file("s")); }
-
-  /// Turns the loop until the condition holds, a minute at most.
-  void turnUntil(const std::function<bool()>& condition) {
-    const auto deadline = steady_clock::now() + 1min;
-    while (!condition()) {
-      if (steady_clock::now() > deadline) {
-        throw std::runtime_error("it does not happen");
-      }
-      sd_event_run(loop.native(), 10'000);
-    }
-  }
-
-  /// Turns the loop for a while.
-  void turnFor(steady_clock::duration time) {
-    const auto deadline = steady_clock::now() + time;
-    turnUntil([&] { return steady_clock::now() >= deadline; });
-  }
-
-  std::string receive(RawClient& client) {
-    turnUntil([&] { return client.hasLine(); });
-    return client.receiveLine();
-  }
-
-  test::TemporaryDirectory directory;
-  EventLoop loop;
-  BoundSocket socket;
-  KeyboardRegistry registry;
-  VirtualKeyboardBus virtualKeyboards;
-  Permissions permissions;
-  RequestHandler handler;
-  Server server;
-};
 
 TEST_F(ServerTest, AnswersRequestsInTheirOrder) {
   RawClient client = connect();
@@ -159,26 +101,6 @@ TEST_F(ServerTest, ALineThatIsTooLongIsAnsweredAndEndsTheConnection) {
       R"({"response":"error","text":"the request is longer than 65536 bytes; ask for less at once"})");
   turnUntil([&] { return client.isClosed(); });
 }
-
-/// The effective user for the length of a scope, as root only.
-class EffectiveUser {
- public:
-  explicit EffectiveUser(uid_t user) : former_(::geteuid()) {
-    if (former_ == 0 && ::seteuid(user) != 0) {
-      throw std::runtime_error("cannot change the effective user");
-    }
-  }
-  EffectiveUser(const EffectiveUser&) = delete;
-  EffectiveUser& operator=(const EffectiveUser&) = delete;
-  ~EffectiveUser() {
-    if (::seteuid(former_) != 0) {
-      std::terminate();
-    }
-  }
-
- private:
-  uid_t former_;
-};
 
 TEST_F(ServerTest, AUserHasOnlySoManyConnections) {
   const EffectiveUser user(4242);

@@ -32,6 +32,11 @@ class FakeKeyboardBus final : public KeyboardBus {
 
   void pull(BusHandle handle) { observer_->keyboardDisappeared(*this, handle); }
 
+  void dropProperties(BusHandle handle) {
+    carried.erase(handle);
+    observer_->propertiesDropped(*this, handle);
+  }
+
   std::set<BusHandle> refusing;
   bool refusesToRestore = false;  ///< Refuses keyboards that it has changed before.
   std::map<BusHandle, PropertySet> carried;

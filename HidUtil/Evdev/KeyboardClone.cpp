@@ -1,0 +1,71 @@
+#include "HidUtil/Evdev/KeyboardClone.h"
+
+#include <fcntl.h>
+#include <linux/uinput.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+
+#include "HidUtil/Evdev/KeyboardNode.h"
+#include "HidUtil/KeyboardBus.h"
+#include "HidUtil/SocketAddress.h"
+
+namespace zephlin {
+namespace {
+
+BusError unusable(int errorNumber) {
+  return BusError("cannot use /dev/uinput" + reason(errorNumber) +
+                  (errorNumber == EACCES || errorNumber == EPERM
+                       ? "; run zephlin-hidd as root, or give its user access by a udev rule"
+                       : "; run modprobe uinput as root"));
+}
+
+FileDescriptor openUinput() {
+  FileDescriptor descriptor(::open("/dev/uinput", O_RDWR | O_NONBLOCK | O_CLOEXEC));
+  if (!descriptor.isOpen()) {
+    throw unusable(errno);
+  }
+  return descriptor;
+}
+
+}  // namespace
+
+KeyboardClone::KeyboardClone(const PhysicalKeyboard& original) : descriptor_(openUinput()) {
+  const char* const name = libevdev_get_name(original.capabilities());
+  const std::string physicalPath = std::string(clonePhysicalPath) + name;
+  libevdev_uinput* device = nullptr;
+  if (::ioctl(descriptor_.get(), UI_SET_PHYS, physicalPath.c_str()) < 0) {
+    throw unusable(errno);
+  }
+  if (const int error =
+          libevdev_uinput_create_from_device(original.capabilities(), descriptor_.get(), &device);
+      error < 0) {
+    throw unusable(-error);
+  }
+  device_.reset(device);
+}
+
+void KeyboardClone::write(const std::vector<InputEvent>& events) {
+  for (const InputEvent& event : events) {
+    libevdev_uinput_write_event(device_.get(), event.type, event.code, event.value);
+  }
+}
+
+std::vector<InputEvent> KeyboardClone::takeLights() {
+  std::vector<InputEvent> lights;
+  input_event event{};
+  while (::read(descriptor_.get(), &event, sizeof event) == sizeof event) {
+    if (event.type == EV_LED) {
+      lights.push_back({event.type, event.code, event.value});
+    }
+  }
+  return lights;
+}
+
+void KeyboardClone::requireSupport() {
+  openUinput();
+}
+
+}  // namespace zephlin

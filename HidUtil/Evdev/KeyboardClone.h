@@ -1,0 +1,39 @@
+#pragma once
+
+#include <libevdev/libevdev-uinput.h>
+
+#include <memory>
+#include <vector>
+
+#include "HidUtil/Evdev/PhysicalKeyboard.h"
+
+namespace zephlin {
+
+/// A keyboard made through uinput that looks like another one to programs: the same bus, vendor,
+/// product, name and abilities, so that what is configured for the one holds for the other. When it
+/// goes the kernel releases its keys.
+class KeyboardClone {
+ public:
+  /// Throws BusError if uinput is absent or out of reach.
+  explicit KeyboardClone(const PhysicalKeyboard& original);
+
+  [[nodiscard]] int descriptor() const { return descriptor_.get(); }
+
+  void write(const std::vector<InputEvent>& events);
+
+  /// Which lights programs have turned since the last call.
+  std::vector<InputEvent> takeLights();
+
+  /// Throws BusError if a clone could not be made.
+  static void requireSupport();
+
+ private:
+  struct Destroy {
+    void operator()(libevdev_uinput* device) const { libevdev_uinput_destroy(device); }
+  };
+
+  FileDescriptor descriptor_;
+  std::unique_ptr<libevdev_uinput, Destroy> device_;
+};
+
+}  // namespace zephlin

@@ -1,0 +1,151 @@
+#include "HidUtil/Evdev/RewrittenKeyboard.h"
+
+#include <sys/epoll.h>
+
+#include <algorithm>
+#include <ctime>
+#include <system_error>
+#include <utility>
+
+namespace zephlin {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// What a desktop takes to open a new keyboard, several times over: what is typed before that on a
+/// clone reaches nobody.
+constexpr std::chrono::milliseconds timeToFindTheClone = 500ms;
+
+constexpr std::chrono::seconds timeBetweenTries = 5s;
+
+std::chrono::microseconds monotonicTime() {
+  timespec now{};
+  ::clock_gettime(CLOCK_MONOTONIC, &now);
+  return std::chrono::duration_cast<std::chrono::microseconds>(
+      std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec));
+}
+
+/// Lights, sounds and the rate of repetition come back from the device to which they were sent.
+bool isTyped(const InputEvent& event) {
+  return event.type != EV_LED && event.type != EV_SND && event.type != EV_REP;
+}
+
+}  // namespace
+
+RewrittenKeyboard::RewrittenKeyboard(EventLoop& loop, const std::string& path, CapsLockRule rule,
+                                     Observer observer)
+    : observer_(std::move(observer)),
+      keyboard_(path),
+      clone_(keyboard_),
+      rewriter_(rule),
+      watchKeyboard_(
+          loop.watch(keyboard_.descriptor(), EPOLLIN, [this](std::uint32_t) { onKeyboard(); })),
+      watchLights_(loop.watch(clone_.descriptor(), EPOLLIN, [this](std::uint32_t) { onLights(); })),
+      nextTry_(loop.timer([this] { unlessGone([this] { tryToGrab(); }); })),
+      deadline_(loop.timer([this] { onDeadline(); })) {
+  watchKeyboard_.disable();
+  nextTry_.setDelay(timeToFindTheClone);
+}
+
+RewrittenKeyboard::~RewrittenKeyboard() {
+  clone_.write(rewriter_.releaseAll());
+}
+
+void RewrittenKeyboard::onKeyboard() {
+  unlessGone([this] {
+    if (isGrabbed_) {
+      rewriteTyped();
+    } else {
+      keyboard_.takeEvents();
+      tryToGrab();
+    }
+  });
+}
+
+void RewrittenKeyboard::onDeadline() {
+  unlessGone([this] {
+    const auto now = monotonicTime();
+    // What was typed before the deadline may not have been read yet.
+    if (rewriteTyped()) {
+      clone_.write(rewriter_.expire(now));
+      waitForDeadline();
+    }
+  });
+}
+
+void RewrittenKeyboard::onLights() {
+  for (const InputEvent& light : clone_.takeLights()) {
+    setLight(light);
+  }
+}
+
+void RewrittenKeyboard::tryToGrab() {
+  switch (keyboard_.grab()) {
+    case PhysicalKeyboard::Grab::Done:
+      startRewriting();
+      break;
+    case PhysicalKeyboard::Grab::KeyIsHeld:
+      watchKeyboard_.enable();
+      break;
+    case PhysicalKeyboard::Grab::TakenByAnother:
+      watchKeyboard_.disable();
+      nextTry_.setDelay(timeBetweenTries);
+      if (!std::exchange(hasReportedTrouble_, true)) {
+        observer_.hasTrouble("is held by another program; it is taken when that lets go");
+      }
+  }
+}
+
+void RewrittenKeyboard::startRewriting() {
+  isGrabbed_ = true;
+  watchKeyboard_.enable();
+  // The kernel tells of a light only when it changes, so the clone begins with what is lit.
+  std::vector<InputEvent> lights = keyboard_.lights();
+  std::for_each(lights.begin(), lights.end(), [this](const auto& each) { setLight(each); });
+  lights.push_back(endOfFrame);
+  clone_.write(lights);
+}
+
+/// Returns false after the emergency chord, with which the keyboard has ended.
+bool RewrittenKeyboard::rewriteTyped() {
+  onLights();  // What is typed next is meant under the lights that are on now.
+  for (const auto& [event, time] : keyboard_.takeEvents()) {
+    if (!isTyped(event)) {
+      continue;
+    }
+    clone_.write(rewriter_.take(event, time));
+    if (chord_.completes(event)) {
+      const auto emergency = observer_.emergency;  // A copy, as the call ends this object.
+      emergency();
+      return false;
+    }
+  }
+  waitForDeadline();
+  return true;
+}
+
+void RewrittenKeyboard::setLight(const InputEvent& light) {
+  if (light.code == LED_CAPSL) {
+    rewriter_.setLight(light.value != 0);
+  }
+  keyboard_.setLight(light);
+}
+
+void RewrittenKeyboard::waitForDeadline() {
+  if (const auto deadline = rewriter_.deadline()) {
+    deadline_.setDelay(std::max(*deadline - monotonicTime(), 0us));
+  } else {
+    deadline_.disable();
+  }
+}
+
+void RewrittenKeyboard::unlessGone(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const std::system_error&) {
+    const auto gone = observer_.gone;  // A copy, as the call ends this object.
+    gone();
+  }
+}
+
+}  // namespace zephlin

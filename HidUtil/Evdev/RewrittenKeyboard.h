@@ -1,0 +1,59 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "HidUtil/Evdev/CapsLockRewriter.h"
+#include "HidUtil/Evdev/EmergencyChord.h"
+#include "HidUtil/Evdev/KeyboardClone.h"
+#include "HidUtil/Evdev/PhysicalKeyboard.h"
+#include "HidUtil/EventLoop.h"
+
+namespace zephlin {
+
+/// A keyboard that is taken away from programs, which see a clone of it with Caps Lock rewritten.
+/// It is taken once programs have had the time to find the clone and no key is held; until then it
+/// works as ever. Its end gives it back, with no key held. What is typed is never logged.
+class RewrittenKeyboard {
+ public:
+  /// Each of these is the last thing that a callback of the loop does, so it may end the keyboard.
+  struct Observer {
+    std::function<void()> emergency;                          ///< The chord was pressed.
+    std::function<void()> gone;                               ///< The device has gone.
+    std::function<void(const std::string& what)> hasTrouble;  ///< For the log.
+  };
+
+  /// Throws BusError if the device or uinput cannot be used.
+  RewrittenKeyboard(EventLoop& loop, const std::string& path, CapsLockRule rule, Observer observer);
+  RewrittenKeyboard(const RewrittenKeyboard&) = delete;
+  RewrittenKeyboard& operator=(const RewrittenKeyboard&) = delete;
+  ~RewrittenKeyboard();
+
+  void setRule(CapsLockRule rule) { rewriter_.setRule(rule); }
+
+ private:
+  void onKeyboard();
+  void onDeadline();
+  void onLights();
+  void tryToGrab();
+  void startRewriting();
+  bool rewriteTyped();
+  void setLight(const InputEvent& light);
+  void waitForDeadline();
+  void unlessGone(const std::function<void()>& action);
+
+  Observer observer_;
+  PhysicalKeyboard keyboard_;
+  KeyboardClone clone_;
+  CapsLockRewriter rewriter_;
+  EmergencyChord chord_;
+  bool isGrabbed_ = false;
+  bool hasReportedTrouble_ = false;
+  EventSource watchKeyboard_;
+  EventSource watchLights_;
+  EventSource nextTry_;
+  EventSource deadline_;
+};
+
+}  // namespace zephlin

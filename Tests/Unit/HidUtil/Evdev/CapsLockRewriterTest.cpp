@@ -1,0 +1,43 @@
+#include <gtest/gtest.h>
+
+#include "HidUtil/Evdev/CapsLockRewriter.h"
+
+namespace zephlin {
+namespace {
+
+using namespace std::chrono_literals;
+using Events = CapsLockRewriter::Events;
+
+constexpr InputEvent capsLockDown{EV_KEY, KEY_CAPSLOCK, KeyPressed};
+constexpr InputEvent capsLockUp{EV_KEY, KEY_CAPSLOCK, KeyReleased};
+
+TEST(CapsLockRewriter, AFrameKeepsItsOwnEnd) {
+  CapsLockRewriter rewriter(CapsLockRule{});
+  constexpr InputEvent wheel{EV_REL, REL_WHEEL_HI_RES, -120};
+  constexpr InputEvent end{EV_SYN, SYN_REPORT, 1};
+  EXPECT_EQ(rewriter.take(wheel, 1ms), Events());
+  EXPECT_EQ(rewriter.take(end, 1ms), (Events{wheel, end}));
+}
+
+TEST(CapsLockRewriter, ADeadlineThatHasPassedComesBeforeTheNextEvent) {
+  CapsLockRewriter rewriter(CapsLockRule{40ms, 5ms});
+  rewriter.take(capsLockDown, 0ms);
+  EXPECT_EQ(rewriter.take(endOfFrame, 0ms), Events());
+  EXPECT_EQ(rewriter.take(capsLockUp, 40ms), (Events{capsLockDown, endOfFrame}));
+  EXPECT_EQ(rewriter.take(endOfFrame, 40ms), (Events{capsLockUp, endOfFrame}));
+}
+
+TEST(CapsLockRewriter, TheDeadlineOfATapIsOneGapAfterThePress) {
+  CapsLockRewriter rewriter(CapsLockRule{0ms, 7ms});
+  rewriter.setLight(true);
+  EXPECT_EQ(rewriter.deadline(), std::nullopt);
+  rewriter.take(capsLockDown, 3ms);
+  rewriter.take(endOfFrame, 3ms);
+  EXPECT_EQ(rewriter.deadline(), 10ms);
+  EXPECT_EQ(rewriter.expire(10ms - 1us), Events());
+  EXPECT_EQ(rewriter.expire(10ms), (Events{capsLockUp, endOfFrame}));
+  EXPECT_EQ(rewriter.deadline(), std::nullopt);
+}
+
+}  // namespace
+}  // namespace zephlin
