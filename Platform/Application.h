@@ -13,6 +13,8 @@ class ApplicationDelegate {
   virtual ~ApplicationDelegate() = default;
   /// Called once, on the main thread, when the event loop has begun.
   virtual void applicationDidFinishLaunching() = 0;
+  /// Called on the main thread when the user has started the application once more.
+  virtual void applicationShouldHandleReopen() = 0;
 };
 
 /// With AppKit's values.
@@ -27,6 +29,9 @@ class Application {
   virtual void setActivationPolicy(ActivationPolicy policy) = 0;
   /// The menu is not shown by an accessory; its key equivalents work in the application's windows.
   virtual void setMainMenu(std::shared_ptr<Menu> menu) = 0;
+  /// Asks the user's instance that runs already to come forward. False where there is none; this
+  /// process is the instance then.
+  virtual bool handOverToRunningInstance() = 0;
   /// Comes to the front of all other applications.
   virtual void activateIgnoringOtherApps() = 0;
   /// Works off events until the application terminates.

@@ -30,7 +30,11 @@ class AppDelegate : public ApplicationDelegate,
   AppDelegate& operator=(const AppDelegate&) = delete;
   ~AppDelegate() override = default;
 
+  /// Whether the process was started to show a preview.
+  static bool isPreview(const ProcessInfo& process);
+
   void applicationDidFinishLaunching() override;
+  void applicationShouldHandleReopen() override { showTapTest(); }
 
   /// The user's preference; on for a user who has never touched the switch.
   [[nodiscard]] bool isEnabled() const;

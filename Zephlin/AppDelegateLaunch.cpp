@@ -43,9 +43,13 @@ void AppDelegate::applicationDidFinishLaunching() {
   registerLoginItemOnFirstLaunch();
 }
 
+bool AppDelegate::isPreview(const ProcessInfo& process) {
+  return process.environmentVariable(previewVariable) == tapTestPreview;
+}
+
 void AppDelegate::showPreview() {
   const ProcessInfo& process = platform_.processInfo();
-  if (process.environmentVariable(previewVariable) != tapTestPreview) {
+  if (!isPreview(process)) {
     return;
   }
   tapTest().show();

@@ -9,6 +9,10 @@ namespace zephlin {
 
 int runApplication(Platform& platform) {
   Application& app = platform.application();
+  // A preview shows this very process, beside whatever runs already.
+  if (!AppDelegate::isPreview(platform.processInfo()) && app.handOverToRunningInstance()) {
+    return 0;
+  }
   const auto delegate = std::make_shared<AppDelegate>(platform);
   app.setDelegate(delegate);
   app.setActivationPolicy(ActivationPolicy::Accessory);

@@ -1,18 +1,8 @@
-#include <cstdio>
 #include <string>
 #include <vector>
 
+#include "Zephlin/StartApplication.h"
 #include "Zephlin/ZephlinCLI.h"
-
-namespace {
-
-int startApplication() {
-  std::fputs("Zephlin: this build has no menu bar app; run 'Zephlin help' for what it can do\n",
-             stderr);
-  return 1;
-}
-
-}  // namespace
 
 /// Chooses the face by the first argument: a command, or the application.
 int main(int argc, char* argv[]) {
@@ -23,5 +13,5 @@ int main(int argc, char* argv[]) {
       return zephlin::ZephlinCLI::run(first);
     }
   }
-  return startApplication();
+  return zephlin::startApplication(argc, argv);
 }

@@ -48,6 +48,12 @@ void SimulatedApplication::postLaunch() {
   });
 }
 
+void SimulatedApplication::reopen() {
+  if (const auto reopened = delegate()) {
+    reopened->applicationShouldHandleReopen();
+  }
+}
+
 std::optional<std::string> SimulatedApplication::pressKeyEquivalent(const std::string& key,
                                                                     ModifierFlags flags) {
   const auto item = mainMenu_ ? itemWithKeyEquivalent(*mainMenu_, key, flags) : nullptr;

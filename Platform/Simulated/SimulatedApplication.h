@@ -19,6 +19,7 @@ class SimulatedApplication final : public Application {
   void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
   void setActivationPolicy(ActivationPolicy policy) override { policy_ = policy; }
   void setMainMenu(std::shared_ptr<Menu> menu) override { mainMenu_ = std::move(menu); }
+  bool handOverToRunningInstance() override { return anotherInstanceRuns; }
   void activateIgnoringOtherApps() override { ++activations_; }
   /// Launches, then pumps the loop until the application has terminated, `stopRunning` was called
   /// or no event is left.
@@ -38,6 +39,11 @@ class SimulatedApplication final : public Application {
                                                 ModifierFlags flags = modifierCommand);
   /// Terminates, or records the action.
   void perform(const MenuAction& action);
+
+  /// Whether this process is a second start.
+  bool anotherInstanceRuns = false;
+  /// As if the user had started the application once more.
+  void reopen();
 
   [[nodiscard]] std::shared_ptr<ApplicationDelegate> delegate() const { return delegate_.lock(); }
   [[nodiscard]] std::optional<ActivationPolicy> activationPolicy() const { return policy_; }

@@ -38,7 +38,7 @@ constexpr const char* restoreReport =
     "entirely.\n";
 
 constexpr const char* noApplication =
-    "Zephlin: this build has no menu bar app; run 'Zephlin help' for what it can do\n";
+    "Zephlin: the menu bar app is not installed; install the package zephlin-desktop\n";
 
 std::string listing(const std::vector<std::string>& values) {
   std::string text = "RegistryID   Key                     Value\n";
@@ -77,7 +77,7 @@ class CommandLineTest : public testing::Test {
   }
 
   Outcome zephlin(const std::vector<std::string>& arguments) {
-    std::vector<std::string> words = {WITH_PRIVATE_BIN, bin_.string(), ZEPHLIN};
+    std::vector<std::string> words = {WITH_PRIVATE_BIN, bin_.string(), program_.string()};
     words.insert(words.end(), arguments.begin(), arguments.end());
     test::TestProcess process(words, prepare_);
     Outcome outcome = process.wait();
@@ -105,6 +105,7 @@ class CommandLineTest : public testing::Test {
   const test::TemporaryDirectory directory_;
   const std::filesystem::path bin_ = directory_.path() / "bin";
   const std::filesystem::path replies_ = directory_.path() / "replies";
+  std::filesystem::path program_ = ZEPHLIN;
   /// Runs in the new process just before it becomes Zephlin.
   std::function<void()> prepare_ = [] {};
 
@@ -129,12 +130,25 @@ TEST_F(CommandLineTest, AnUnknownWordIsReportedBeforeTheUsageText) {
   }
 }
 
+// Seen by what it says where its module is not installed.
 TEST_F(CommandLineTest, NoArgumentAndEveryUnknownOptionStartTheApplication) {
+  program_ = directory_.path() / "Zephlin";
+  std::filesystem::copy_file(ZEPHLIN, program_);
   expect({}, 1, "", noApplication);
   for (const char* word : {"-", "--", "-x", "--status", "-H", "--Help", "-NSDocument"}) {
     expect({word}, 1, "", noApplication);
     expect({word, "status"}, 1, "", noApplication);
   }
+}
+
+TEST_F(CommandLineTest, AModuleThatIsNoneIsReported) {
+  program_ = directory_.path() / "Zephlin";
+  std::filesystem::copy_file(ZEPHLIN, program_);
+  const auto module = directory_.path() / "libzephlin-desktop.so";
+  std::ofstream(module) << "no library";
+  expect({}, 1, "",
+         "Zephlin: cannot load the menu bar app; reinstall the package zephlin-desktop: " +
+             module.string() + ": file too short\n");
 }
 
 TEST_F(CommandLineTest, ApplySetsZeroThenReadsBack) {

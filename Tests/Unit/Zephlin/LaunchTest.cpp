@@ -34,6 +34,29 @@ TEST_F(Launch, RunningTheApplicationSetsItUpAsAnAccessoryWithItsMenu) {
   EXPECT_EQ(applies(), 1U);
 }
 
+TEST_F(Launch, ASecondStartHandsOverAndDoesNothingElse) {
+  desktop_.application().anotherInstanceRuns = true;
+  EXPECT_EQ(runApplication(desktop_), 0);
+  EXPECT_EQ(desktop_.updaters().started(), 0U);
+  EXPECT_EQ(desktop_.systemStatusBar().items().size(), 0U);
+  EXPECT_EQ(applies(), 0U);
+}
+
+TEST_F(Launch, APreviewRunsBesideAnotherInstance) {
+  desktop_.application().anotherInstanceRuns = true;
+  desktop_.processInfo().environment["ZEPHLIN_PREVIEW"] = "taptest";
+  desktop_.after(1, [this] { desktop_.application().terminate(); });
+  EXPECT_EQ(runApplication(desktop_), 0);
+  EXPECT_EQ(applies(), 1U);
+}
+
+TEST_F(Launch, StartingTheApplicationOnceMoreShowsTheTapTest) {
+  launchAndSettle();
+  desktop_.application().reopen();
+  ASSERT_NE(delegate_->tapTest().window(), nullptr);
+  EXPECT_EQ(desktop_.systemStatusBar().items().size(), 1U);
+}
+
 TEST_F(Launch, WithThePreferenceOnTheOverrideIsApplied) {
   launchAndSettle();
   EXPECT_TRUE(desktop_.keyboards().allHave(0));

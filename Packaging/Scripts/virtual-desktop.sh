@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Runs a command on a desktop of its own: an X server in memory, a bus, a window manager, and a panel
+# with a tray at its right end. Nothing of the user's session or settings is used or changed.
+#
+#   virtual-desktop.sh COMMAND [ARGUMENT...]
+set -euo pipefail
+
+if [ "${1-}" = --inside ]; then
+    shift
+    openbox 2>/dev/null &
+    xfce4-panel 2>/dev/null &
+    "$@"
+    exit
+fi
+
+home=$(mktemp -d)
+trap 'rm -rf "$home"' EXIT
+export HOME=$home XDG_RUNTIME_DIR=$home/run XDG_CONFIG_HOME=$home/.config \
+    XDG_CACHE_HOME=$home/.cache XDG_DATA_HOME=$home/.local/share NO_AT_BRIDGE=1
+unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS
+mkdir -m 700 "$XDG_RUNTIME_DIR"
+panel=$XDG_CONFIG_HOME/xfce4/xfconf/xfce-perchannel-xml
+mkdir -p "$panel"
+cp "$(dirname "$0")/xfce4-panel.xml" "$panel/"
+xvfb-run --auto-servernum --server-args="-screen 0 1280x800x24" \
+    dbus-run-session -- "$(realpath "$0")" --inside "$@" 2>/dev/null

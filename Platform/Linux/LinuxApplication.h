@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QApplication>
+#include <functional>
+#include <memory>
+
+#include "Platform/Application.h"
+
+namespace zephlin {
+
+/// The application is Qt's.
+class LinuxApplication final : public Application {
+ public:
+  /// What the application asks of the rest of the desktop.
+  struct Services {
+    /// As Application::handOverToRunningInstance.
+    std::function<bool()> handOverToRunningInstance;
+    /// Makes the key equivalents of a menu work in the application's windows.
+    std::function<void(std::shared_ptr<Menu>)> setMainMenu;
+    /// Called when the event loop has ended.
+    std::function<void()> loopHasEnded;
+  };
+
+  /// Connects to the display. Where there is none it runs without: isDisplayed() tells.
+  LinuxApplication(int& argc, char** argv);
+
+  void setServices(Services services) { services_ = std::move(services); }
+  [[nodiscard]] bool isDisplayed() const;
+  /// The user has started the application once more.
+  void reopen();
+
+  void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
+  /// The desktop shows an accessory as nothing but its windows, which is what Qt does by itself.
+  void setActivationPolicy(ActivationPolicy policy) override;
+  void setMainMenu(std::shared_ptr<Menu> menu) override;
+  bool handOverToRunningInstance() override { return services_.handOverToRunningInstance(); }
+  void activateIgnoringOtherApps() override;
+  void run() override;
+  /// Returns.
+  void terminate() override;
+
+ private:
+  QApplication application_;
+  std::weak_ptr<ApplicationDelegate> delegate_;
+  Services services_;
+};
+
+}  // namespace zephlin

@@ -1,0 +1,62 @@
+#include "Platform/Linux/LinuxPlatform.h"
+
+#include <QVersionNumber>
+#include <cstdlib>
+#include <utility>
+
+#include "Platform/Linux/Session/AppcastUpdater.h"
+#include "Platform/Linux/Session/ConfigurationFolder.h"
+#include "Platform/Linux/Session/SessionEnd.h"
+
+namespace zephlin {
+
+namespace {
+
+bool holdsInputBack() {
+  return QApplication::activeModalWidget() != nullptr ||
+         QApplication::activePopupWidget() != nullptr;
+}
+
+}  // namespace
+
+LinuxPlatform::LinuxPlatform(int& argc, char** argv)
+    : qtMessages_(systemLog_),
+      application_(argc, argv),
+      userDefaults_(defaultsPath(), systemLog_),
+      hidDevices_(currentDesktopKind(), holdsInputBack),
+      eventTaps_(currentDesktopKind(), holdsInputBack),
+      loginService_(QApplication::applicationFilePath().toStdString(), systemLog_),
+      instance_(systemLog_, [this] { application_.reopen(); }),
+      quitSignals_([this] { application_.terminate(); }) {
+  takeNoPartInSessions();
+  if (!application_.isDisplayed()) {
+    systemLog_.log("Zephlin: no display, so there is no status item");
+  }
+  application_.setServices(
+      {.handOverToRunningInstance = [this] { return !instance_.becomeTheInstance(); },
+       .setMainMenu =
+           [this](std::shared_ptr<Menu> menu) {
+             keyEquivalents_ = std::make_unique<KeyEquivalents>(
+                 std::move(menu), [this] { application_.terminate(); });
+           },
+       .loopHasEnded = [this] { leaveHangingWork(); }});
+}
+
+std::unique_ptr<Updater> LinuxPlatform::makeStartedUpdater() {
+  return std::make_unique<AppcastUpdater>(
+      QUrl(ZEPHLIN_UPDATE_FEED), QVersionNumber::fromString(QApplication::applicationVersion()));
+}
+
+// A run of hidutil that hangs would keep the process, its icon gone, for many seconds. All that has
+// to last is in files by now.
+void LinuxPlatform::leaveHangingWork() {
+  if (!dispatch_.waitForSerialQueues(Delay{1})) {
+    std::_Exit(EXIT_SUCCESS);
+  }
+}
+
+std::unique_ptr<Platform> makePlatform(int& argc, char** argv) {
+  return std::make_unique<LinuxPlatform>(argc, argv);
+}
+
+}  // namespace zephlin

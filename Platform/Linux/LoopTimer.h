@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+#include <chrono>
+#include <functional>
+
+#include "Platform/Dispatch.h"
+
+namespace zephlin {
+
+/// A repeating timer of Qt's event loop. Ticks are due at whole intervals from its start, however
+/// late one of them was; those that were missed altogether are left out. Main thread.
+class LoopTimer final : public Timer {
+ public:
+  LoopTimer(Interval interval, Tolerance tolerance, std::function<void()> tick);
+
+ private:
+  void arm();
+  void fire();
+
+  std::chrono::nanoseconds interval_;
+  std::chrono::nanoseconds tolerance_;
+  std::function<void()> tick_;
+  std::chrono::nanoseconds due_;
+  QTimer timer_;
+};
+
+/// When a timer that is due at `due` and may be late by `tolerance` fires, in monotonic time: at
+/// the first whole multiple of its tolerance, so that timers of all programs that do the same wake
+/// the machine together.
+std::chrono::nanoseconds coalescedFireTime(std::chrono::nanoseconds due,
+                                           std::chrono::nanoseconds tolerance);
+
+}  // namespace zephlin

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace zephlin {
+
+/// A thread that works off a queue in order. Any thread may use it.
+class SerialWorker {
+ public:
+  /// The thread carries as much of the label as the kernel keeps.
+  explicit SerialWorker(const std::string& label);
+  SerialWorker(const SerialWorker&) = delete;
+  SerialWorker& operator=(const SerialWorker&) = delete;
+  /// Waits until all that was posted has run.
+  ~SerialWorker();
+
+  void post(std::function<void()> work);
+  /// Lets the thread end once all that was posted has run.
+  void close();
+  /// Waits until all that was posted has run, or until `deadline`. Whether it has.
+  bool waitUntilIdle(std::chrono::steady_clock::time_point deadline);
+
+ private:
+  void run(const std::string& label);
+  /// Waits for the next piece of work. None when there is nothing more to come.
+  std::function<void()> take();
+
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::deque<std::function<void()>> posted_;
+  bool isBusy_ = false;
+  bool isClosed_ = false;
+  std::thread thread_;
+};
+
+}  // namespace zephlin

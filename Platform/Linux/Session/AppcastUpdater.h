@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QMessageBox>
+#include <QUrl>
+#include <QVersionNumber>
+#include <memory>
+
+#include "Platform/Linux/Session/Appcast.h"
+#include "Platform/Linux/Session/FeedDownload.h"
+#include "Platform/Updater.h"
+
+namespace zephlin {
+
+/// Looks into a feed for a newer version and tells the result in a window of its own. It offers
+/// the page of the newer version and downloads nothing itself: what is installed belongs to the
+/// system's package manager. Nothing is asked of the network before the user asks.
+class AppcastUpdater final : public Updater {
+ public:
+  /// `feed` is an https address; an empty one stands for a build without.
+  AppcastUpdater(QUrl feed, QVersionNumber installed);
+  AppcastUpdater(const AppcastUpdater&) = delete;
+  AppcastUpdater& operator=(const AppcastUpdater&) = delete;
+  ~AppcastUpdater() override;
+
+  void checkForUpdates() override;
+
+ private:
+  void show(const QString& text, const QString& information);
+  void setButtons(QMessageBox::StandardButtons buttons);
+  void tell(const FeedDownload::Result& result);
+  void tellNewest(const AppcastItem& newest);
+  void boxWasClosed();
+
+  QUrl feed_;
+  QVersionNumber installed_;
+  std::unique_ptr<QMessageBox> box_;
+  std::unique_ptr<FeedDownload> download_;
+  QUrl offeredPage_;
+};
+
+}  // namespace zephlin

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zephlin {
+
+/// Where the user's configuration is (XDG Base Directory): XDG_CONFIG_HOME if that
+/// is an absolute path, or else the folder .config in the user's home.
+std::string configurationFolder();
+
+/// Where the system's configuration is (XDG_CONFIG_DIRS, /etc/xdg by default), the most important
+/// first. Paths that are not absolute are left out, as freedesktop.org demands.
+std::vector<std::string> systemConfigurationFolders();
+
+/// The file of the application's settings.
+std::string defaultsPath();
+
+}  // namespace zephlin

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace zephlin {
+
+/// The file that the running instance of an application holds write-locked (fcntl), in the user's
+/// runtime directory, which only the user can write to (XDG Base Directory).
+std::string instanceLockPath(std::string_view bundleIdentifier);
+
+}  // namespace zephlin

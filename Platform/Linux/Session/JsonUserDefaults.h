@@ -1,0 +1,44 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <functional>
+#include <set>
+#include <string>
+
+#include "Platform/SystemLog.h"
+#include "Platform/UserDefaults.h"
+
+namespace zephlin {
+
+class FileReplacement;
+
+/// Settings in a file of typed JSON, an object that is written so that a person can read it.
+///
+/// The file is read each time, and other processes may change it at any time. All that it holds
+/// besides is kept. What is no JSON object is moved aside before something is stored. Where the
+/// file cannot be written, values hold for this process, and are stored with the next one that can
+/// be. Each cause is logged once.
+class JsonUserDefaults final : public UserDefaults {
+ public:
+  /// Reads nothing yet. The log outlives the settings.
+  JsonUserDefaults(std::string path, SystemLog& log);
+
+  [[nodiscard]] std::optional<bool> boolean(const std::string& key) const override;
+  void setBoolean(const std::string& key, bool value) override;
+  /// A number that is not finite is stored as null: JSON has none.
+  void setDouble(const std::string& key, double value) override;
+
+ private:
+  void set(const std::string& key, nlohmann::ordered_json value);
+  void store() const;
+  [[nodiscard]] nlohmann::ordered_json readForReplacement(const FileReplacement& file) const;
+
+  std::string path_;
+  SystemLog& log_;
+  /// What could not be stored yet.
+  nlohmann::ordered_json unsaved_ = nlohmann::ordered_json::object();
+  std::set<std::string> loggedCauses_;
+};
+
+}  // namespace zephlin

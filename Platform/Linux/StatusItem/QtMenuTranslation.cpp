@@ -1,0 +1,133 @@
+#include "Platform/Linux/StatusItem/QtMenuTranslation.h"
+
+#include <QAction>
+#include <QKeySequence>
+#include <QPointer>
+#include <QString>
+#include <utility>
+
+namespace zephlin {
+
+namespace {
+
+/// QAction takes an ampersand for the mark of a mnemonic.
+QString textOf(const MenuItem& item) {
+  return QString::fromStdString(item.title()).replace(u'&', QLatin1String("&&"));
+}
+
+/// Command is Control on this desktop.
+QKeySequence shortcutOf(const MenuItem& item) {
+  if (item.keyEquivalent.empty()) {
+    return {};
+  }
+  QString keys;
+  if ((item.keyEquivalentModifierMask & modifierCommand) != 0) {
+    keys += QLatin1String("Ctrl+");
+  }
+  if ((item.keyEquivalentModifierMask & modifierShift) != 0) {
+    keys += QLatin1String("Shift+");
+  }
+  return QKeySequence(keys + QString::fromStdString(item.keyEquivalent).toUpper(),
+                      QKeySequence::PortableText);
+}
+
+bool isEnabled(const Menu& menu, const MenuItem& item) {
+  return menu.autoenablesItems ? !std::holds_alternative<std::monostate>(item.action)
+                               : item.isEnabled;
+}
+
+/// Whether the action can become the item's by a change of what panels are told of. That an entry
+/// ceases to have a box to tick is not: Qt 6.4 never lists a property as removed.
+bool canShow(const QAction& action, const MenuItem& item) {
+  return action.isSeparator() == item.isSeparator && action.isCheckable() == item.isChecked;
+}
+
+/// As with AppKit, an item that is off has no mark, and so no empty box: the model does not tell a
+/// switch that is off from a command.
+std::unique_ptr<QAction> makeAction(const MenuItem& item) {
+  auto action = std::make_unique<QAction>();
+  action->setSeparator(item.isSeparator);
+  action->setCheckable(item.isChecked);
+  // Shown beside the title, and not a shortcut of any window.
+  action->setShortcutContext(Qt::WidgetShortcut);
+  action->setShortcutVisibleInContextMenu(true);
+  return action;
+}
+
+}  // namespace
+
+QtMenuTranslation::QtMenuTranslation(std::shared_ptr<Menu> menu) : menu_(std::move(menu)) {
+  QObject::connect(&qtMenu_, &QMenu::aboutToShow, &context_, [this] { update(); });
+  showItems();
+}
+
+QtMenuTranslation::~QtMenuTranslation() {
+  detachItems();
+}
+
+void QtMenuTranslation::update() {
+  if (const auto delegate = menu_->delegate.lock()) {
+    delegate->menuNeedsUpdate(*menu_);
+  }
+  showItems();
+}
+
+void QtMenuTranslation::showItems() {
+  detachItems();
+  const auto& items = menu_->items();
+  for (std::size_t index = 0; index < items.size(); ++index) {
+    show(items[index], index);
+  }
+  while (static_cast<std::size_t>(qtMenu_.actions().size()) > items.size()) {
+    delete qtMenu_.actions().constLast();
+  }
+}
+
+void QtMenuTranslation::show(const std::shared_ptr<MenuItem>& item, std::size_t index) {
+  QAction& action = actionAt(index, *item);
+  action.setText(textOf(*item));
+  action.setShortcut(shortcutOf(*item));
+  action.setEnabled(isEnabled(*menu_, *item));
+  action.setChecked(item->isChecked);
+  item->titleDidChange = [&action, shown = item.get()] { action.setText(textOf(*shown)); };
+  items_.push_back(item);
+  action.disconnect(&context_);
+  QObject::connect(
+      &action, &QAction::triggered, &context_, [this, chosen = item->action] { perform(chosen); },
+      Qt::QueuedConnection);
+}
+
+QAction& QtMenuTranslation::actionAt(std::size_t index, const MenuItem& item) {
+  const auto actions = qtMenu_.actions();
+  QAction* present = actions.value(static_cast<qsizetype>(index));
+  if (present && canShow(*present, item)) {
+    return *present;
+  }
+  QAction* made = makeAction(item).release();
+  made->setParent(&qtMenu_);
+  qtMenu_.insertAction(present, made);
+  delete present;
+  return *made;
+}
+
+void QtMenuTranslation::perform(const MenuAction& action) {
+  const QPointer<QObject> alive(&context_);
+  // An entry of a status menu has a target of its own: no responder is asked.
+  if (const auto* function = std::get_if<std::function<void()>>(&action); function && *function) {
+    (*function)();
+  }
+  if (alive) {
+    update();
+  }
+}
+
+void QtMenuTranslation::detachItems() {
+  for (const auto& weak : items_) {
+    if (const auto item = weak.lock()) {
+      item->titleDidChange = nullptr;
+    }
+  }
+  items_.clear();
+}
+
+}  // namespace zephlin

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QMenu>
+#include <QObject>
+#include <memory>
+#include <vector>
+
+#include "Platform/Menu.h"
+
+namespace zephlin {
+
+/// Shows the items of a Menu in a QMenu, which is filled at any time: a panel that draws the menu
+/// itself may read it before it says that it opens it, and Qt 6.4 never tells it to read again.
+///
+/// The menu's delegate is asked for its items by update(), whenever the QMenu is about to be shown
+/// and after each chosen action. What has not changed is left alone, and an entry that stays in its
+/// place keeps its QAction, so that an open menu changes under the user's eyes and a panel is sent
+/// single properties. Main thread.
+class QtMenuTranslation {
+ public:
+  explicit QtMenuTranslation(std::shared_ptr<Menu> menu);
+  QtMenuTranslation(const QtMenuTranslation&) = delete;
+  QtMenuTranslation& operator=(const QtMenuTranslation&) = delete;
+  ~QtMenuTranslation();
+
+  /// Lives as long as the translation. Actions run when control is back in the event loop.
+  [[nodiscard]] QMenu& qtMenu() { return qtMenu_; }
+
+  /// Asks the delegate for the items and shows them.
+  void update();
+
+ private:
+  void showItems();
+  void show(const std::shared_ptr<MenuItem>& item, std::size_t index);
+  QAction& actionAt(std::size_t index, const MenuItem& item);
+  void perform(const MenuAction& action);
+  void detachItems();
+
+  std::shared_ptr<Menu> menu_;
+  std::vector<std::weak_ptr<MenuItem>> items_;
+  QMenu qtMenu_;
+  // Destroyed first: what is still queued does not run.
+  QObject context_;
+};
+
+}  // namespace zephlin

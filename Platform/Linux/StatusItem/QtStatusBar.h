@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Platform/StatusBar.h"
+
+namespace zephlin {
+
+/// The desktop's tray: StatusNotifier items over D-Bus, or XEmbed windows where only these are
+/// taken. The item's accessible name in the panel is QGuiApplication::applicationDisplayName().
+/// Main thread, while the QApplication lives.
+class QtStatusBar final : public StatusBar {
+ public:
+  /// An item as high as the panel, whatever the length: panels here know no other. Without a
+  /// display (Qt's platform "offscreen") the item has no button.
+  std::unique_ptr<StatusItem> makeStatusItem(double length) override;
+  std::optional<SymbolImage> systemSymbol(const std::string& name,
+                                          const std::string& accessibilityDescription) override;
+};
+
+}  // namespace zephlin

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "Platform/EventTap.h"
+#include "Platform/Linux/Watching/DesktopKind.h"
+
+namespace zephlin {
+
+class X11KeyboardState;
+
+/// Only changes of modifiers can be listened to. Under X11 they are what the X server tells of the
+/// keyboard's state, with Control as the command key. Under Wayland nothing but Caps Lock is known,
+/// and that from the keyboards' lights, which the compositor sets: the changes where the user may
+/// read the event devices, the present state in any case.
+class LinuxEventTaps final : public EventTaps {
+ public:
+  static constexpr const char* systemLedFolder = "/sys/class/leds";
+
+  /// `holdsInputBack` tells whether a menu is open or an alert is modal.
+  LinuxEventTaps(DesktopKind desktop, std::function<bool()> holdsInputBack,
+                 std::string ledFolder = systemLedFolder);
+  LinuxEventTaps(const LinuxEventTaps&) = delete;
+  LinuxEventTaps& operator=(const LinuxEventTaps&) = delete;
+  ~LinuxEventTaps() override;
+
+  std::unique_ptr<Observation> listen(
+      std::uint64_t mask,
+      std::function<void(EventType type, ModifierFlags flags)> callback) override;
+  /// None where they cannot be read.
+  ModifierFlags currentModifierFlags() override;
+
+ private:
+  DesktopKind desktop_;
+  std::function<bool()> holdsInputBack_;
+  std::string ledFolder_;
+  /// Kept between readings, which may come every few milliseconds.
+  std::unique_ptr<X11KeyboardState> x11State_;
+};
+
+}  // namespace zephlin

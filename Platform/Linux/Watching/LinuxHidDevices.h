@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <variant>
+
+#include "Platform/HidDevices.h"
+#include "Platform/Linux/Watching/DesktopKind.h"
+
+namespace zephlin {
+
+/// Devices that appear are told by the keyboard service; while there is none, by udev. An
+/// observation needs neither: it waits for both, at no cost while nothing happens. The service's
+/// properties end with it, so a service that starts while devices are observed counts as devices
+/// that appear.
+///
+/// The only input known is the Caps Lock key of keyboards. Codes of failures are errno's: EACCES
+/// where the user may not read the event devices, ENOENT where there are none.
+class LinuxHidDevices final : public HidDevices {
+ public:
+  static constexpr const char* serviceSocketPath = "/run/zephlin/hidd.sock";
+
+  /// `holdsInputBack` tells whether a menu is open or an alert is modal.
+  LinuxHidDevices(DesktopKind desktop, std::function<bool()> holdsInputBack,
+                  std::string socketPath = serviceSocketPath);
+
+  std::unique_ptr<Observation> observeAppeared(const std::string& serviceClass,
+                                               std::function<void()> callback) override;
+  std::variant<std::unique_ptr<Observation>, std::int32_t> openInput(
+      const HidInputMatching& matching, std::function<void(std::int64_t value)> callback) override;
+
+ private:
+  DesktopKind desktop_;
+  std::function<bool()> holdsInputBack_;
+  std::string socketPath_;
+};
+
+}  // namespace zephlin

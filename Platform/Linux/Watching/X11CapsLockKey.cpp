@@ -1,0 +1,104 @@
+#include "Platform/Linux/Watching/X11CapsLockKey.h"
+
+#include <xcb/xinput.h>
+
+#include <cerrno>
+#include <optional>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include "Platform/Linux/Watching/EndableCallback.h"
+#include "Platform/Linux/Watching/X11Connection.h"
+#include "Platform/Linux/Watching/XkbKeyboard.h"
+
+namespace zephlin {
+
+namespace {
+
+/// XInput 2.1 sends raw events also while another program grabs the keyboard.
+bool useXInput(const X11Connection& connection) {
+  if (connection.extension(&xcb_input_id) == nullptr) {
+    return false;
+  }
+  const X11Message<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
+      connection.get(), xcb_input_xi_query_version(connection.get(), 2, 1), nullptr));
+  return version && (version->major_version > 2 ||
+                     (version->major_version == 2 && version->minor_version >= 1));
+}
+
+bool selectRawKeys(const X11Connection& connection) {
+  const struct {
+    xcb_input_event_mask_t head;
+    std::uint32_t bits;
+  } mask{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
+         XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE};
+  return connection.succeeds(
+      xcb_input_xi_select_events_checked(connection.get(), connection.rootWindow(), 1, &mask.head));
+}
+
+class CapsLockKeyObservation final : public Observation {
+ public:
+  CapsLockKeyObservation(std::unique_ptr<X11Connection> connection, std::uint8_t keycode,
+                         std::function<void(int value)> callback)
+      : keycode_(keycode), callback_(std::move(callback)), connection_(std::move(connection)) {
+    connection_->watch([this] { receive(); });
+  }
+
+ private:
+  void receive() {
+    std::vector<int> values;
+    for (const auto& event : connection_->takeEvents()) {
+      if (const auto value = valueOf(*event)) {
+        values.push_back(*value);
+      }
+    }
+    callback_.callForEach(values);
+  }
+
+  std::optional<int> valueOf(const xcb_generic_event_t& event) {
+    const auto& key = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
+    if (event.response_type != XCB_GE_GENERIC ||
+        key.extension != connection_->extension(&xcb_input_id)->major_opcode ||
+        key.detail != keycode_) {
+      return std::nullopt;
+    }
+    if (key.event_type == XCB_INPUT_RAW_KEY_PRESS && heldOn_.insert(key.sourceid).second) {
+      return 1;
+    }
+    if (key.event_type == XCB_INPUT_RAW_KEY_RELEASE && heldOn_.erase(key.sourceid) > 0) {
+      return 0;
+    }
+    return std::nullopt;
+  }
+
+  std::uint8_t keycode_;
+  EndableCallback<int> callback_;
+  std::unique_ptr<X11Connection> connection_;
+  /// The keyboards whose key is down.
+  std::set<xcb_input_device_id_t> heldOn_;
+};
+
+}  // namespace
+
+std::variant<std::unique_ptr<Observation>, std::int32_t> openX11CapsLockKey(
+    std::function<void(int value)> callback) {
+  auto connection = X11Connection::open();
+  if (!connection) {
+    return ECONNREFUSED;
+  }
+  if (!useXInput(*connection) || !xkb::use(*connection)) {
+    return ENOSYS;
+  }
+  const auto keycode = xkb::keycode(*connection, "CAPS");
+  if (!keycode) {
+    return ENXIO;
+  }
+  if (!selectRawKeys(*connection)) {
+    return EACCES;
+  }
+  return std::make_unique<CapsLockKeyObservation>(std::move(connection), *keycode,
+                                                  std::move(callback));
+}
+
+}  // namespace zephlin

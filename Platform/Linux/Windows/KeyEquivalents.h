@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QObject>
+#include <functional>
+#include <memory>
+
+#include "Platform/Menu.h"
+
+namespace zephlin {
+
+/// Makes a main menu's key equivalents work in every window of the application, alerts included,
+/// though the menu is never shown. Command is the control key here. Lives no longer than the
+/// QApplication. Main thread.
+///
+/// An editing action goes to the widget with the focus, or to the next widget around it that has a
+/// slot of that name, as Qt's text widgets have; keys that none takes go the usual way.
+class KeyEquivalents final : public QObject {
+ public:
+  /// `terminate` ends the application.
+  KeyEquivalents(std::shared_ptr<Menu> mainMenu, std::function<void()> terminate);
+
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  bool perform(const MenuItem& item) const;
+  [[nodiscard]] bool perform(ResponderAction action) const;
+
+  std::shared_ptr<Menu> mainMenu_;
+  std::function<void()> terminate_;
+};
+
+}  // namespace zephlin

@@ -1,0 +1,119 @@
+#include "Platform/Linux/Windows/LabelWidget.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QStyle>
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "Platform/Linux/Windows/ColorPalette.h"
+
+namespace zephlin {
+
+namespace {
+
+QFont::Weight realise(FontWeight weight) {
+  switch (weight) {
+    case FontWeight::Regular:
+      return QFont::Normal;
+    case FontWeight::Semibold:
+      return QFont::DemiBold;
+    case FontWeight::Bold:
+      return QFont::Bold;
+  }
+  return QFont::Normal;
+}
+
+/// Size and weight alone: the family stays the system's, also where the user changes that.
+QFont realise(const Font& font) {
+  QFont realised;
+  realised.setPixelSize(static_cast<int>(std::lround(font.pointSize)));
+  realised.setWeight(realise(font.weight));
+  return realised;
+}
+
+}  // namespace
+
+LabelWidget::LabelWidget(std::shared_ptr<Label> label, QWidget* parent)
+    : QLabel(parent), label_(std::move(label)), hook_(*label_, [this] { followLabel(); }) {
+  setTextFormat(Qt::PlainText);
+  setFont(realise(label_->font));
+  followLabel();
+}
+
+QSize LabelWidget::sizeHint() const {
+  const int natural = static_cast<int>(std::ceil(lineWidth()));
+  if (!wraps()) {
+    return {natural, fontMetrics().height()};
+  }
+  const int width = label_->preferredMaxLayoutWidth
+                        ? std::min(natural, static_cast<int>(*label_->preferredMaxLayoutWidth))
+                        : natural;
+  return {width, heightForWidth(width)};
+}
+
+int LabelWidget::heightForWidth(int width) const {
+  if (!wraps()) {
+    return -1;
+  }
+  const QRect space(0, 0, width, QWIDGETSIZE_MAX);
+  // Without a text there is still a line.
+  const QString measured = text().isEmpty() ? QStringLiteral(" ") : text();
+  return fontMetrics().boundingRect(space, drawingFlags(), measured).height();
+}
+
+void LabelWidget::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.setPen(resolve(label_->textColor(), appearanceOf(palette())));
+  // A line that has less room than it needs shrinks, for it must not be cut off.
+  const qreal scale = wraps() ? 1 : std::min(1.0, width() / lineWidth());
+  painter.scale(scale, scale);
+  const QRectF box(0, 0, width() / scale, height() / scale);
+  if (wraps() || !label_->font.monospacedDigits) {
+    painter.drawText(box, drawingFlags(), text());
+  } else {
+    drawDigitLine(painter, box);
+  }
+}
+
+void LabelWidget::drawDigitLine(QPainter& painter, const QRectF& box) const {
+  const FixedDigitLine line = digitLine();
+  const QSize size(static_cast<int>(std::ceil(line.width())), fontMetrics().height());
+  const QRect place =
+      QStyle::alignedRect(layoutDirection(), alignment(), size, box.toAlignedRect());
+  const QPointF baseline(place.left(), place.top() + fontMetrics().ascent());
+  for (const FixedDigitLine::Piece& piece : line.pieces()) {
+    painter.drawText(baseline + QPointF(piece.x, 0), piece.text);
+  }
+}
+
+FixedDigitLine LabelWidget::digitLine() const {
+  const QFontMetricsF metrics(font());
+  return {text(), [&metrics](const QString& piece) { return metrics.horizontalAdvance(piece); }};
+}
+
+qreal LabelWidget::lineWidth() const {
+  return label_->font.monospacedDigits ? digitLine().width()
+                                       : QFontMetricsF(font()).horizontalAdvance(text());
+}
+
+int LabelWidget::drawingFlags() const {
+  const int flags = static_cast<int>(QStyle::visualAlignment(layoutDirection(), alignment()));
+  return wraps() ? flags | Qt::TextWordWrap : flags;
+}
+
+void LabelWidget::followLabel() {
+  label_->needsDisplay = false;
+  setAlignment((label_->alignment == TextAlignment::Center ? Qt::AlignHCenter : Qt::AlignLeading) |
+               Qt::AlignVCenter);
+  if (const QString wanted = QString::fromStdString(label_->text()); wanted != text()) {
+    setText(wanted);
+    if (textDidChange) {
+      textDidChange();
+    }
+  }
+  update();
+}
+
+}  // namespace zephlin

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "Platform/Alert.h"
+
+namespace zephlin {
+
+/// Alerts as Qt's message boxes, above all other windows. There is a QApplication while it is used.
+/// Main thread.
+class QtAlertPresenter final : public AlertPresenter {
+ public:
+  /// Also returns when the user closes or hides the alert, and when the application quits.
+  void runModal(const Alert& alert) override;
+};
+
+}  // namespace zephlin

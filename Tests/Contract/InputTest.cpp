@@ -1,0 +1,124 @@
+#include <variant>
+
+#include "Tests/Contract/ContractTest.h"
+
+namespace zephlin::contract {
+namespace {
+
+constexpr HidInputMatching capsLockKey = {
+    .deviceUsagePage = 1, .deviceUsage = 6, .usagePage = 7, .usage = 57};
+
+using Values = std::vector<std::int64_t>;
+
+class InputTest : public ContractTest {
+ protected:
+  std::unique_ptr<Observation> open(std::function<void(std::int64_t value)> callback) {
+    auto opened = platform().hidDevices().openInput(capsLockKey, std::move(callback));
+    EXPECT_TRUE(std::holds_alternative<std::unique_ptr<Observation>>(opened));
+    return std::move(std::get<std::unique_ptr<Observation>>(opened));
+  }
+
+  std::unique_ptr<Observation> listen(std::function<void(ModifierFlags flags)> callback) {
+    return platform().eventTaps().listen(
+        eventMask(EventType::FlagsChanged),
+        [callback = std::move(callback)](EventType type, ModifierFlags flags) {
+          if (type == EventType::FlagsChanged) {
+            callback(flags);
+          }
+        });
+  }
+
+  bool isCapsLockOn() {
+    return (platform().eventTaps().currentModifierFlags() & modifierCapsLock) != 0;
+  }
+
+  void tapCapsLock() {
+    const bool wasOn = isCapsLockOn();
+    desktop().pressCapsLock();
+    desktop().releaseCapsLock();
+    EXPECT_TRUE(runUntil([&] { return isCapsLockOn() != wasOn; }));
+  }
+};
+
+TEST_F(InputTest, ThePressChannelTellsDownAndUpInOrder) {
+  Values values;
+  const auto key = open([&](std::int64_t value) { values.push_back(value); });
+  tapCapsLock();
+  tapCapsLock();
+  EXPECT_TRUE(runUntil([&] { return values.size() >= 4; }));
+  settle();
+  EXPECT_EQ(values, (Values{1, 0, 1, 0}));
+}
+
+TEST_F(InputTest, TheEventTapTellsEachToggle) {
+  std::vector<bool> states;
+  const auto tap = listen([&](ModifierFlags flags) {
+    const bool isOn = (flags & modifierCapsLock) != 0;
+    if (states.empty() || states.back() != isOn) {
+      states.push_back(isOn);
+    }
+  });
+  ASSERT_NE(tap, nullptr);
+  ASSERT_FALSE(isCapsLockOn());
+  tapCapsLock();
+  EXPECT_TRUE(isCapsLockOn());
+  tapCapsLock();
+  EXPECT_FALSE(isCapsLockOn());
+  EXPECT_TRUE(runUntil([&] { return states.size() == 2; }));
+  EXPECT_EQ(states, (std::vector<bool>{true, false}));
+}
+
+TEST_F(InputTest, NothingIsDeliveredDuringAModalAlertNorLater) {
+  Values values;
+  int changes = 0;
+  const auto key = open([&](std::int64_t value) { values.push_back(value); });
+  const auto tap = listen([&](ModifierFlags) { ++changes; });
+  mainQueue().post([&] {
+    tapCapsLock();
+    settle();
+    desktop().dismissAlert();
+  });
+  platform().alerts().runModal(
+      {.messageText = "Message", .informativeText = "", .buttons = {"OK"}});
+  settle();
+  EXPECT_EQ(values, Values{});
+  EXPECT_EQ(changes, 0);
+  tapCapsLock();
+  EXPECT_TRUE(runUntil([&] { return values.size() == 2 && changes > 0; }));
+}
+
+TEST_F(InputTest, ObservationsEndWithTheirObjects) {
+  int calls = 0;
+  auto key = open([&](std::int64_t) { ++calls; });
+  auto tap = listen([&](ModifierFlags) { ++calls; });
+  key.reset();
+  tap.reset();
+  tapCapsLock();
+  settle();
+  EXPECT_EQ(calls, 0);
+  tapCapsLock();
+}
+
+TEST_F(InputTest, ObservationsMayEndWithinTheirOwnCallbacks) {
+  int presses = 0;
+  int changes = 0;
+  std::unique_ptr<Observation> key;
+  std::unique_ptr<Observation> tap;
+  key = open([&](std::int64_t) {
+    key.reset();
+    ++presses;
+  });
+  tap = listen([&](ModifierFlags) {
+    tap.reset();
+    ++changes;
+  });
+  tapCapsLock();
+  tapCapsLock();
+  EXPECT_TRUE(runUntil([&] { return presses > 0 && changes > 0; }));
+  settle();
+  EXPECT_EQ(presses, 1);
+  EXPECT_EQ(changes, 1);
+}
+
+}  // namespace
+}  // namespace zephlin::contract

@@ -1,0 +1,158 @@
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMessageBox>
+#include <QWindow>
+#include <chrono>
+#include <fstream>
+#include <thread>
+
+#include "Tests/Contract/ContractDesktop.h"
+#include "Tests/Contract/KeyboardService.h"
+#include "Tests/Contract/LinuxEnvironment.h"
+#include "Tests/Contract/PanelItem.h"
+#include "Tests/Contract/ShownWindows.h"
+#include "Tests/Contract/UserFolders.h"
+#include "Tests/Unit/Linux/StatusItem/FakePanel.h"
+#include "Tests/Unit/Linux/StatusItem/ShownItem.h"
+#include "Tests/Unit/Linux/Watching/Support/QtLoop.h"
+
+namespace zephlin::contract {
+namespace {
+
+using test::PrivateXServer;
+
+std::unique_ptr<Platform> makePlatformWithoutArguments() {
+  static int count = 1;
+  static char name[] = "Zephlin";
+  static char* arguments[] = {name, nullptr};
+  return makePlatform(count, arguments);
+}
+
+class LinuxContractDesktop final : public ContractDesktop {
+ public:
+  LinuxContractDesktop() { startPlatform(); }
+  LinuxContractDesktop(const LinuxContractDesktop&) = delete;
+  LinuxContractDesktop& operator=(const LinuxContractDesktop&) = delete;
+  ~LinuxContractDesktop() override { releaseLock(); }
+
+  Platform& platform() override { return *platform_; }
+  void restartPlatform() override {
+    stopPlatform();
+    startPlatform();
+  }
+
+  bool runUntil(const std::function<bool()>& condition) override {
+    return test::eventually(condition);
+  }
+  void runFor(double seconds) override {
+    test::runLoopFor(std::chrono::milliseconds(static_cast<int>(seconds * 1000)));
+  }
+  double monotonicSeconds() override {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+  }
+  void letTimePass(double seconds) override {
+    std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+  }
+
+  void plugKeyboard() override { service_->plugKeyboard(); }
+  void sleepAndWake() override {
+    logind_->prepareForSleep(true);
+    logind_->prepareForSleep(false);
+  }
+  void pressCapsLock() override { linuxEnvironment().xServer().press(PrivateXServer::capsLock); }
+  void releaseCapsLock() override {
+    linuxEnvironment().xServer().release(PrivateXServer::capsLock);
+  }
+
+  bool openMenu() override;
+  std::vector<ShownMenuItem> menuItems() override { return panelMenuItems(shownItem()); }
+  bool chooseMenuItem(const std::string& title) override {
+    return choosePanelMenuItem(shownItem(), title);
+  }
+  void closeMenu() override {}
+  std::string statusToolTip() override { return shownItem().toolTip(); }
+  bool isStatusImageShown() override { return hasPanelImage(shownItem()); }
+
+  std::vector<ShownAlert> alerts() override { return shownAlerts(); }
+  void dismissAlert() override {
+    qobject_cast<QMessageBox*>(QApplication::activeModalWidget())->buttons().front()->click();
+  }
+  bool isWindowShown() override { return shownWindow() != nullptr; }
+  std::vector<std::string> windowTexts() override { return labelTexts(*shownWindow()); }
+  bool pressButton(const std::string& title) override {
+    return contract::pressButton(*shownWindow(), title);
+  }
+  void closeWindow() override {
+    QCloseEvent event;
+    QApplication::sendEvent(shownWindow()->windowHandle(), &event);
+  }
+
+  void storeTextInDefaults(const std::string& key, const std::string& text) override {
+    writeTo(folders_.defaults(), "{\"" + key + "\": \"" + text + "\"}");
+  }
+  void spoilDefaults() override { writeTo(folders_.defaults(), "{\"key\": tru"); }
+  void switchLoginItemOff() override {
+    std::ofstream(folders_.autostart() + "/com.quorvenel.zephlin.desktop", std::ios::app)
+        << "Hidden=true\n";
+  }
+  void makeLoginItemsFail() override { writeTo(folders_.autostart(), "no folder"); }
+
+ private:
+  void startPlatform();
+  void stopPlatform();
+  void releaseLock();
+  test::ShownItem& shownItem();
+
+  UserFolders folders_;
+  std::optional<KeyboardService> service_;
+  std::unique_ptr<Platform> platform_;
+  std::optional<test::FakeLogind> logind_;
+  std::optional<test::FakePanel> panel_;
+  std::optional<test::ShownItem> shownItem_;
+};
+
+void LinuxContractDesktop::startPlatform() {
+  platform_ = makePlatformWithoutArguments();
+  service_.emplace();
+  logind_.emplace();
+  panel_.emplace();
+}
+
+void LinuxContractDesktop::stopPlatform() {
+  shownItem_.reset();
+  panel_.reset();
+  logind_.reset();
+  service_.reset();
+  platform_.reset();
+}
+
+/// Leaves the lock of the X server's keyboard as it was found.
+void LinuxContractDesktop::releaseLock() {
+  if ((platform_->eventTaps().currentModifierFlags() & modifierCapsLock) != 0) {
+    linuxEnvironment().xServer().tap(PrivateXServer::capsLock);
+  }
+  stopPlatform();
+}
+
+test::ShownItem& LinuxContractDesktop::shownItem() {
+  if (!shownItem_) {
+    test::eventually([this] { return panel_->registrations() > 0; });
+    shownItem_.emplace(panel_->item());
+  }
+  return *shownItem_;
+}
+
+bool LinuxContractDesktop::openMenu() {
+  shownItem().tellAboutToShow();
+  return true;
+}
+
+}  // namespace
+
+std::unique_ptr<ContractDesktop> makeContractDesktop() {
+  return std::make_unique<LinuxContractDesktop>();
+}
+
+}  // namespace zephlin::contract

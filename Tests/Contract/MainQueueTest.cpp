@@ -1,0 +1,93 @@
+#include <thread>
+
+#include "Tests/Contract/ContractTest.h"
+
+namespace zephlin::contract {
+namespace {
+
+using MainQueueTest = ContractTest;
+
+TEST_F(MainQueueTest, WhatIsPostedRunsInOrderAndNotAtOnce) {
+  Words order;
+  mainQueue().post([&] { order.emplace_back("first"); });
+  mainQueue().post([&] { order.emplace_back("second"); });
+  EXPECT_TRUE(order.empty());
+  EXPECT_TRUE(runUntil([&] { return order.size() == 2; }));
+  EXPECT_EQ(order, (Words{"first", "second"}));
+}
+
+TEST_F(MainQueueTest, WhatWorkPostsRunsAfterAllThatWasPostedBefore) {
+  Words order;
+  mainQueue().post([&] {
+    mainQueue().post([&] { order.emplace_back("posted by the first"); });
+    order.emplace_back("first");
+  });
+  mainQueue().post([&] { order.emplace_back("second"); });
+  EXPECT_TRUE(runUntil([&] { return order.size() == 3; }));
+  EXPECT_EQ(order, (Words{"first", "second", "posted by the first"}));
+}
+
+TEST_F(MainQueueTest, WhatAnotherThreadPostsRunsOnTheMainThreadInItsOrder) {
+  constexpr int posts = 100;
+  const auto mainThread = std::this_thread::get_id();
+  std::vector<int> order;
+  bool onMainThread = true;
+  const auto queue = dispatch().makeSerialQueue("contract", QualityOfService::Utility);
+  queue->post([&] {
+    for (int number = 0; number < posts; ++number) {
+      mainQueue().post([&, number] {
+        onMainThread = onMainThread && std::this_thread::get_id() == mainThread;
+        order.push_back(number);
+      });
+    }
+  });
+  EXPECT_TRUE(runUntil([&] { return order.size() == posts; }));
+  EXPECT_TRUE(onMainThread);
+  for (int number = 0; number < posts; ++number) {
+    EXPECT_EQ(order[static_cast<std::size_t>(number)], number);
+  }
+}
+
+TEST_F(MainQueueTest, DelayedWorkIsNeverEarly) {
+  for (const double delay : {0.0, 0.001, 0.0333, 0.05}) {
+    const double start = desktop().monotonicSeconds();
+    double ran = -1;
+    mainQueue().postAfter(Delay{delay}, [&] { ran = desktop().monotonicSeconds(); });
+    EXPECT_EQ(ran, -1) << "ran at once";
+    EXPECT_TRUE(runUntil([&] { return ran >= 0; }));
+    EXPECT_GE(ran - start, delay - 1e-6);
+  }
+}
+
+TEST_F(MainQueueTest, DelayedWorkRunsByItsDeadlineAndNotByItsPlace) {
+  Words order;
+  mainQueue().postAfter(Delay{0.06}, [&] { order.emplace_back("late"); });
+  mainQueue().postAfter(Delay{0.02}, [&] { order.emplace_back("early"); });
+  mainQueue().post([&] { order.emplace_back("now"); });
+  EXPECT_TRUE(runUntil([&] { return order.size() == 3; }));
+  EXPECT_EQ(order, (Words{"now", "early", "late"}));
+}
+
+TEST_F(MainQueueTest, ACancelledWorkItemDoesNotRunAndTakesNoOtherWithIt) {
+  Words order;
+  auto cancelled = std::make_shared<WorkItem>([&] { order.emplace_back("cancelled"); });
+  auto kept = std::make_shared<WorkItem>([&] { order.emplace_back("kept"); });
+  mainQueue().postAfter(Delay{0.01}, [cancelled] { cancelled->perform(); });
+  mainQueue().postAfter(Delay{0.01}, [kept] { kept->perform(); });
+  mainQueue().postAfter(Delay{0.03}, [&] { order.emplace_back("end"); });
+  cancelled->cancel();
+  EXPECT_TRUE(runUntil([&] { return !order.empty() && order.back() == "end"; }));
+  EXPECT_EQ(order, (Words{"kept", "end"}));
+}
+
+TEST_F(MainQueueTest, WallTimeGoesOnWithMonotonicTime) {
+  const double wall = platform().clock().now().secondsSince1970;
+  const double start = desktop().monotonicSeconds();
+  desktop().runFor(0.1);
+  const double passed = desktop().monotonicSeconds() - start;
+  EXPECT_GT(wall, 1.5e9) << "seconds since 1970";
+  EXPECT_GE(platform().clock().now().secondsSince1970 - wall, passed / 2);
+}
+
+}  // namespace
+}  // namespace zephlin::contract

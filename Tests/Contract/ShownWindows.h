@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QWidget>
+#include <string>
+#include <vector>
+
+#include "Tests/Contract/ContractDesktop.h"
+
+namespace zephlin::contract {
+
+/// The message boxes that are shown.
+std::vector<ShownAlert> shownAlerts();
+/// The window of the test, if it is shown, or null.
+QWidget* shownWindow();
+std::vector<std::string> labelTexts(const QWidget& window);
+/// False where the window has no such button.
+bool pressButton(const QWidget& window, const std::string& title);
+
+}  // namespace zephlin::contract

@@ -1,0 +1,68 @@
+#include "Tests/Contract/ContractTest.h"
+
+namespace zephlin::contract {
+namespace {
+
+using TimerTest = ContractTest;
+
+TEST_F(TimerTest, TicksRepeatAndNoneIsEarly) {
+  constexpr double interval = 0.03;
+  std::vector<double> ticks;
+  const double start = desktop().monotonicSeconds();
+  const auto timer = dispatch().scheduleTimer(
+      Interval{interval}, Tolerance{}, [&] { ticks.push_back(desktop().monotonicSeconds()); });
+  EXPECT_TRUE(runUntil([&] { return ticks.size() == 4; }));
+  for (std::size_t tick = 0; tick < ticks.size(); ++tick) {
+    EXPECT_GE(ticks[tick] - start, interval * static_cast<double>(tick + 1) - 1e-6) << tick;
+  }
+}
+
+TEST_F(TimerTest, ATimerWithToleranceIsNeverEarlyEither) {
+  constexpr double interval = 0.05;
+  double tick = -1;
+  const double start = desktop().monotonicSeconds();
+  const auto timer = dispatch().scheduleTimer(Interval{interval}, Tolerance{0.05}, [&] {
+    tick = tick < 0 ? desktop().monotonicSeconds() : tick;
+  });
+  EXPECT_TRUE(runUntil([&] { return tick >= 0; }));
+  EXPECT_GE(tick - start, interval - 1e-6);
+}
+
+TEST_F(TimerTest, ADestroyedTimerTicksNoMore) {
+  int ticks = 0;
+  auto timer = dispatch().scheduleTimer(Interval{0.01}, Tolerance{}, [&] { ++ticks; });
+  EXPECT_TRUE(runUntil([&] { return ticks == 1; }));
+  timer.reset();
+  settle();
+  EXPECT_EQ(ticks, 1);
+}
+
+TEST_F(TimerTest, ATimerMayBeDestroyedByItsOwnTick) {
+  int ticks = 0;
+  const std::string kept = "what the callback holds outlives the destruction";
+  std::string seen;
+  std::unique_ptr<Timer> timer;
+  timer = dispatch().scheduleTimer(Interval{0.01}, Tolerance{}, [&, kept] {
+    timer.reset();
+    ++ticks;
+    seen = kept;
+  });
+  EXPECT_TRUE(runUntil([&] { return ticks == 1; }));
+  settle();
+  EXPECT_EQ(ticks, 1);
+  EXPECT_EQ(seen, kept);
+}
+
+TEST_F(TimerTest, TimersTickByTheirDeadlines) {
+  Words order;
+  const auto slow =
+      dispatch().scheduleTimer(Interval{0.08}, Tolerance{}, [&] { order.emplace_back("slow"); });
+  const auto fast =
+      dispatch().scheduleTimer(Interval{0.03}, Tolerance{}, [&] { order.emplace_back("fast"); });
+  EXPECT_TRUE(runUntil([&] { return !order.empty() && order.back() == "slow"; }));
+  ASSERT_GE(order.size(), 2U);
+  EXPECT_EQ(order.front(), "fast");
+}
+
+}  // namespace
+}  // namespace zephlin::contract

@@ -1,0 +1,18 @@
+// The least that an application in the tray can be: the measure for Zephlin's own size and speed.
+
+#include <QApplication>
+#include <QMenu>
+#include <QPixmap>
+#include <QSystemTrayIcon>
+
+int main(int argc, char* argv[]) {
+  QApplication application(argc, argv);
+  QApplication::setQuitOnLastWindowClosed(false);
+  QPixmap square(22, 22);
+  square.fill(Qt::white);
+  QMenu menu;
+  QSystemTrayIcon icon{QIcon(square)};
+  icon.setContextMenu(&menu);
+  icon.show();
+  return QApplication::exec();
+}

@@ -1,0 +1,41 @@
+#include "Tests/Desktop/Harness/DesktopTest.h"
+
+#include <memory>
+
+namespace zephlin::test {
+namespace {
+
+std::unique_ptr<Desktop>& sharedDesktop() {
+  static std::unique_ptr<Desktop> desktop;
+  return desktop;
+}
+
+}  // namespace
+
+Desktop& DesktopTest::desktop() {
+  if (!sharedDesktop()) {
+    sharedDesktop() = std::make_unique<Desktop>();
+  }
+  return *sharedDesktop();
+}
+
+void DesktopTest::TearDownTestSuite() {
+  sharedDesktop().reset();
+}
+
+DesktopTest::DesktopTest() {
+  beforeWaitingFails([] {
+    const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
+    desktop().photographNow(std::string("failed-") + test->test_suite_name() + "." + test->name());
+  });
+  desktop().panel();
+  desktop().keyboards().setAll(-1);
+}
+
+void DesktopTest::TearDown() {
+  desktop().hidutil().recover();
+  desktop().hidutil().release();
+  beforeWaitingFails({});
+}
+
+}  // namespace zephlin::test

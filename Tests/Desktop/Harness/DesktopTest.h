@@ -1,0 +1,23 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "Tests/Desktop/Harness/App.h"
+#include "Tests/Desktop/Harness/Desktop.h"
+#include "Tests/Desktop/Harness/Waiting.h"
+
+namespace zephlin::test {
+
+/// Tests that run programs in one session, which the tests of a suite share. Each begins with a
+/// panel and with keyboards that are not instant. The screen as it was when something was waited
+/// for in vain is among the screenshots, under the test's name.
+class DesktopTest : public testing::Test {
+ protected:
+  DesktopTest();
+  void TearDown() override;
+
+  static Desktop& desktop();
+  static void TearDownTestSuite();
+};
+
+}  // namespace zephlin::test

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QRect>
+#include <string>
+
+#include "Tests/Desktop/Harness/PrivateBus.h"
+#include "Tests/Desktop/Harness/Screen.h"
+
+namespace zephlin::test {
+
+/// Writes the settings of a dark panel along the upper edge that holds nothing but a tray, so that
+/// nothing is asked at its first start.
+void writePanelSettings(const std::string& configurationFolder);
+
+enum class PanelStyle { Light, Dark };
+
+/// A running xfce4-panel whose tray takes status notifier items and icons of the older kind.
+class Panel {
+ public:
+  Panel(PrivateBus& sessionBus, const Screen& screen, const std::string& folder,
+        const Environment& environment);
+
+  /// Changes it while it runs.
+  void setStyle(PanelStyle style);
+
+  [[nodiscard]] QRect place() const { return place_; }
+  /// The smallest rectangle of the panel outside which it looks as if it held no icon; empty where
+  /// there is none.
+  [[nodiscard]] QRect placeOfIcons() const;
+  /// Waits until there is an icon in the panel and returns its place.
+  QRect waitForIcon() const;
+
+ private:
+  const Screen& screen_;
+  Environment environment_;
+  Program program_;
+  QRect place_;
+};
+
+}  // namespace zephlin::test

@@ -1,0 +1,157 @@
+#include "Tests/Desktop/Harness/Screen.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <sstream>
+#include <stdexcept>
+
+#include "Tests/Desktop/Harness/Waiting.h"
+
+namespace zephlin::test {
+namespace {
+
+/// The number of the display, which the server prints on a line of its own when it is ready.
+std::string waitForDisplay(const Program& server) {
+  std::string display;
+  waitUntil("an X server", [&] {
+    std::istringstream log(server.log());
+    for (std::string line; std::getline(log, line) && !log.eof();) {
+      if (!line.empty() && std::all_of(line.begin(), line.end(),
+                                       [](unsigned char c) { return std::isdigit(c) != 0; })) {
+        display = ":" + line;
+      }
+    }
+    return !display.empty();
+  });
+  return display;
+}
+
+}  // namespace
+
+Screen::Screen(const std::string& folder, const Environment& environment)
+    : server_({"/usr/bin/Xvfb", "-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten",
+               "tcp", "-noreset"},
+              environment, folder + "/xserver.log"),
+      display_(waitForDisplay(server_)),
+      connection_(display_) {
+  constexpr std::uint32_t wallpaper = 0x4A6B7C;
+  xcb_change_window_attributes(connection_.get(), connection_.root(), XCB_CW_BACK_PIXEL,
+                               &wallpaper);
+  const xcb_screen_t& screen = connection_.screen();
+  xcb_clear_area(connection_.get(), 0, connection_.root(), 0, 0, screen.width_in_pixels,
+                 screen.height_in_pixels);
+  connection_.synchronize();
+}
+
+QImage Screen::picture() const {
+  const xcb_screen_t& screen = connection_.screen();
+  return picture(QRect(0, 0, screen.width_in_pixels, screen.height_in_pixels));
+}
+
+QImage Screen::picture(const QRect& part) const {
+  const auto cookie = xcb_get_image(
+      connection_.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, connection_.root(),
+      static_cast<std::int16_t>(part.x()), static_cast<std::int16_t>(part.y()),
+      static_cast<std::uint16_t>(part.width()), static_cast<std::uint16_t>(part.height()), ~0U);
+  const Owned<xcb_get_image_reply_t> reply(xcb_get_image_reply(connection_.get(), cookie, nullptr));
+  if (!reply) {
+    throw std::runtime_error("the screen cannot be read");
+  }
+  // 24 bits of colour in 32, as Qt's RGB32.
+  return QImage(xcb_get_image_data(reply.get()), part.width(), part.height(), QImage::Format_RGB32)
+      .copy();
+}
+
+bool Screen::isStill() const {
+  constexpr double moment = 0.3;
+  const QImage before = picture();
+  const double later = monotonicSeconds() + moment;
+  waitUntil("a moment to pass", [&] { return monotonicSeconds() > later; });
+  return picture() == before;
+}
+
+std::optional<xcb_window_t> Screen::windowTitled(const std::string& title) const {
+  for (const xcb_window_t window : connection_.numbers(connection_.root(), "_NET_CLIENT_LIST")) {
+    if (connection_.property(window, "_NET_WM_NAME") == title && isVisible(window)) {
+      return window;
+    }
+  }
+  return std::nullopt;
+}
+
+xcb_window_t Screen::waitForWindow(const std::string& title) const {
+  waitUntil("the window " + title, [&] { return windowTitled(title).has_value(); });
+  return *windowTitled(title);
+}
+
+void Screen::waitUntilNoWindow(const std::string& title) const {
+  waitUntil("the window " + title + " to go", [&] { return !windowTitled(title); });
+}
+
+std::optional<xcb_window_t> Screen::openMenu() const {
+  constexpr int smallestMenu = 50;
+  const Owned<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(
+      connection_.get(), xcb_query_tree(connection_.get(), connection_.root()), nullptr));
+  const xcb_window_t* const first = xcb_query_tree_children(tree.get());
+  for (int index = 0; index < xcb_query_tree_children_length(tree.get()); ++index) {
+    const xcb_window_t window = first[index];
+    const auto attributes = attributesOf(window);
+    // A window manager's own windows have no class.
+    if (attributes && attributes->override_redirect != 0 && isVisible(window) &&
+        !connection_.property(window, "WM_CLASS").empty() &&
+        placeOf(window).height() > smallestMenu) {
+      return window;
+    }
+  }
+  return std::nullopt;
+}
+
+std::string Screen::titleOfActiveWindow() const {
+  const auto active = connection_.numbers(connection_.root(), "_NET_ACTIVE_WINDOW");
+  return active.empty() ? "" : connection_.property(active.front(), "_NET_WM_NAME");
+}
+
+QRect Screen::placeOf(xcb_window_t window) const {
+  xcb_connection_t* const server = connection_.get();
+  const Owned<xcb_get_geometry_reply_t> size(
+      xcb_get_geometry_reply(server, xcb_get_geometry(server, window), nullptr));
+  const Owned<xcb_translate_coordinates_reply_t> corner(xcb_translate_coordinates_reply(
+      server, xcb_translate_coordinates(server, window, connection_.root(), 0, 0), nullptr));
+  if (!size || !corner) {
+    return {};
+  }
+  return {corner->dst_x, corner->dst_y, size->width, size->height};
+}
+
+bool Screen::hasOwner(const std::string& selection) const {
+  const auto cookie = xcb_get_selection_owner(connection_.get(), connection_.atom(selection));
+  const Owned<xcb_get_selection_owner_reply_t> reply(
+      xcb_get_selection_owner_reply(connection_.get(), cookie, nullptr));
+  return reply && reply->owner != XCB_WINDOW_NONE;
+}
+
+void Screen::close(xcb_window_t window) const {
+  xcb_client_message_event_t event{};
+  event.response_type = XCB_CLIENT_MESSAGE;
+  event.format = 32;
+  event.window = window;
+  event.type = connection_.atom("_NET_CLOSE_WINDOW");
+  xcb_send_event(connection_.get(), 0, connection_.root(),
+                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                 reinterpret_cast<const char*>(&event));
+  connection_.synchronize();
+}
+
+Owned<xcb_get_window_attributes_reply_t> Screen::attributesOf(xcb_window_t window) const {
+  const auto cookie = xcb_get_window_attributes(connection_.get(), window);
+  return Owned<xcb_get_window_attributes_reply_t>(
+      xcb_get_window_attributes_reply(connection_.get(), cookie, nullptr));
+}
+
+bool Screen::isVisible(xcb_window_t window) const {
+  const auto attributes = attributesOf(window);
+  return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+}
+
+}  // namespace zephlin::test

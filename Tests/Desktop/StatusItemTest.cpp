@@ -1,0 +1,131 @@
+// The icon in the panel and its tool tip.
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "Tests/Desktop/Harness/DesktopTest.h"
+
+namespace zephlin::test {
+namespace {
+
+constexpr const char* instantToolTip = "Zephlin: instant Caps Lock is ON";
+constexpr const char* disabledToolTip = "Zephlin: disabled (Apple default delay)";
+constexpr const char* failedToolTip =
+    "Zephlin: enabled, but the fix could not be applied. Check Input Monitoring permission.";
+
+/// How far the most different pixel is from the panel, of 255.
+int contrastOf(const QImage& icon) {
+  const int background = qGray(icon.pixel(0, 0));
+  int contrast = 0;
+  for (int y = 0; y < icon.height(); ++y) {
+    for (int x = 0; x < icon.width(); ++x) {
+      contrast = std::max(contrast, std::abs(qGray(icon.pixel(x, y)) - background));
+    }
+  }
+  return contrast;
+}
+
+class StatusItem : public DesktopTest {
+ protected:
+  /// The place of the item is a square at the beginning of the panel.
+  QImage picture() {
+    const QRect panel = desktop().panel().place();
+    return desktop().screen().picture(QRect(panel.x(), panel.y(), panel.height(), panel.height()));
+  }
+
+  /// Changes the panel's style and waits until the tray has it too.
+  void setStyle(PanelStyle style) {
+    desktop().panel().setStyle(style);
+    waitUntil("the panel's style", [&] {
+      constexpr int middleGray = 128;
+      return (qGray(picture().pixel(0, 0)) > middleGray) == (style == PanelStyle::Light);
+    });
+  }
+
+  /// What the panel shows at last, when it shows something else than before.
+  QImage waitForOtherThan(const QImage& before) {
+    waitUntil("another icon", [&] { return picture() != before && desktop().screen().isStill(); });
+    return picture();
+  }
+};
+
+TEST_F(StatusItem, IsLegibleInADarkPanelAndInALightOne) {
+  constexpr int legible = 120;
+  for (const PanelStyle style : {PanelStyle::Light, PanelStyle::Dark}) {
+    setStyle(style);
+    App app(desktop());
+    app.waitForToolTip(instantToolTip);
+    waitUntil("a legible icon",
+              [this] { return contrastOf(picture()) > legible && desktop().screen().isStill(); });
+    desktop().photograph(style == PanelStyle::Light ? "icon-light" : "icon-dark");
+  }
+}
+
+TEST_F(StatusItem, IsVisibleInBothPanelsWhereItsIconsAreNotInstalled) {
+  App app(desktop(), {.environment = {{"XDG_DATA_DIRS", "/usr/share"}}});
+  app.waitForToolTip(instantToolTip);
+  constexpr int visible = 50;
+  for (const PanelStyle style : {PanelStyle::Light, PanelStyle::Dark}) {
+    setStyle(style);
+    waitUntil("a visible icon",
+              [this] { return contrastOf(picture()) > visible && desktop().screen().isStill(); });
+  }
+  desktop().photograph("icon-not-installed");
+}
+
+TEST_F(StatusItem, HasAnIconAndAToolTipOfItsOwnInEachState) {
+  const QImage empty = picture();
+  App app(desktop());
+  app.waitForToolTip(instantToolTip);
+  const QImage instant = waitForOtherThan(empty);
+
+  app.menu().choose("Instant Caps Lock");
+  app.waitForToolTip(disabledToolTip);
+  const QImage disabled = waitForOtherThan(instant);
+  desktop().photograph("icon-disabled");
+
+  desktop().hidutil().fail("the keyboards are gone");
+  app.menu().choose("Instant Caps Lock");
+  app.waitForToolTip(failedToolTip);
+  waitUntil("the warning symbol", [&] {
+    return picture() != disabled && picture() != instant && picture() != empty &&
+           desktop().screen().isStill();
+  });
+  desktop().photograph("icon-warning");
+}
+
+TEST_F(StatusItem, WarnsWhileHidutilFailsAndNoMoreAfterReapplyNow) {
+  desktop().hidutil().fail("the keyboards are gone");
+  App app(desktop());
+  app.waitForToolTip(failedToolTip);
+  app.waitForStatusLine("Couldn't turn on. Check Input Monitoring permission");
+  EXPECT_TRUE(app.program().hasPrinted(
+      "Zephlin: failed to apply override: hidutil exited with status 1: the keyboards are gone"));
+
+  desktop().hidutil().recover();
+  app.menu().choose("Re-apply Now");
+  app.waitForToolTip(instantToolTip);
+  app.waitForStatusLine("On. Every tap registers instantly");
+  EXPECT_TRUE(desktop().keyboards().allAre("0"));
+}
+
+TEST_F(StatusItem, ChecksTheKeyboardsWhileHidutilHasNotAnswered) {
+  desktop().hidutil().hold();
+  App app(desktop());
+  app.waitForStatusLine("Checking…");
+  desktop().hidutil().release();
+  app.waitForStatusLine("On. Every tap registers instantly");
+}
+
+TEST_F(StatusItem, GoesWithTheApplication) {
+  Panel& panel = desktop().panel();
+  App app(desktop());
+  app.item();
+  panel.waitForIcon();
+  app.menu().choose("Quit Zephlin");
+  EXPECT_EQ(app.program().waitForEnd(), 0);
+  waitUntil("an empty panel", [&] { return panel.placeOfIcons().isNull(); });
+}
+
+}  // namespace
+}  // namespace zephlin::test

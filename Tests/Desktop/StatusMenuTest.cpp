@@ -1,0 +1,145 @@
+// The menu: what hosts are told over D-Bus, and what a person sees in the panel.
+
+#include <ostream>
+
+#include "Tests/Desktop/Harness/DesktopTest.h"
+
+namespace zephlin::test {
+namespace {
+
+constexpr const char* onLine = "On. Every tap registers instantly";
+constexpr const char* offLine = "Off, using your Mac's normal delay";
+
+struct Shown {
+  std::string label;
+  bool isEnabled = true;
+  bool isChecked = false;
+  std::string shortcut{};
+
+  bool operator==(const Shown&) const = default;
+};
+
+void PrintTo(const Shown& entry, std::ostream* stream) {
+  *stream << '"' << entry.label << '"' << (entry.isEnabled ? "" : ", disabled")
+          << (entry.isChecked ? ", checked" : "") << ", shortcut \"" << entry.shortcut << '"';
+}
+
+const Shown separator{"(separator)"};
+
+std::vector<Shown> shownBy(const TrayMenu& menu) {
+  std::vector<Shown> result;
+  for (const MenuEntry& entry : menu.entries()) {
+    EXPECT_TRUE(entry.isVisible) << entry.label;
+    result.push_back(entry.isSeparator
+                         ? separator
+                         : Shown{entry.label, entry.isEnabled, entry.isChecked, entry.shortcut});
+  }
+  return result;
+}
+
+std::vector<Shown> expectedMenu(const std::string& statusLine, bool isOn) {
+  return {{"Zephlin · Instant Caps Lock", false},
+          {statusLine, false},
+          separator,
+          {"Instant Caps Lock", true, isOn},
+          {"Start at Login", false},
+          {"Re-apply Now", isOn},
+          separator,
+          {"Tap Test…"},
+          {"Check for Updates…"},
+          {"About Zephlin"},
+          {"Quit Zephlin", true, false, "Control+Q"}};
+}
+
+class StatusMenu : public DesktopTest {
+ protected:
+  /// Opens the menu in the panel with a mouse button and returns when it is there.
+  xcb_window_t openInPanel(int button) {
+    const QRect icon = desktop().panel().waitForIcon();
+    desktop().fingers().click(icon.center(), button);
+    waitUntil("a menu on the screen", [] { return desktop().screen().openMenu().has_value(); });
+    return *desktop().screen().openMenu();
+  }
+
+  void waitUntilNoMenu() {
+    waitUntil("the menu to go", [] { return !desktop().screen().openMenu().has_value(); });
+  }
+};
+
+TEST_F(StatusMenu, HasElevenEntriesTwiceInARow) {
+  App app(desktop());
+  app.waitForStatusLine(onLine);
+  for (int opening = 0; opening < 2; ++opening) {
+    app.menu().aboutToShow();
+    app.menu().opened();
+    EXPECT_EQ(shownBy(app.menu()), expectedMenu(onLine, true));
+    app.menu().closed();
+  }
+}
+
+TEST_F(StatusMenu, IsUpToDateForAHostThatDoesNotAnnounceItself) {
+  App app(desktop());
+  waitUntil("the first result", [&] { return app.menu().statusLine() == onLine; });
+  app.menu().click(app.menu().entry("Instant Caps Lock").id);
+  waitUntil("the menu when it is off",
+            [&] { return shownBy(app.menu()) == expectedMenu(offLine, false); });
+  app.menu().click(app.menu().entry("Instant Caps Lock").id);
+  waitUntil("the menu when it is on",
+            [&] { return shownBy(app.menu()) == expectedMenu(onLine, true); });
+}
+
+TEST_F(StatusMenu, ChangesItsStatusLineWhileItIsOpen) {
+  App app(desktop());
+  app.waitForStatusLine(onLine);
+  desktop().hidutil().hold();
+  const double heldAt = monotonicSeconds();
+  app.menu().aboutToShow();
+  app.menu().opened();
+  // One run at a time: nothing else is read while this one is held.
+  waitUntil("a run of hidutil",
+            [&] { return desktop().hidutil().all().back().startedAt > heldAt; });
+  desktop().keyboards().setAll(75);
+  EXPECT_EQ(app.menu().statusLine(), onLine);
+
+  const int changes = app.menu().announcedChanges();
+  desktop().hidutil().release();
+  waitUntil("an announcement", [&] { return app.menu().announcedChanges() > changes; });
+  waitUntil("the new line",
+            [&] { return app.menu().statusLine() == "Couldn't confirm. Try Re-apply Now"; });
+}
+
+TEST_F(StatusMenu, ShowsInThePanelAndTakesAChoice) {
+  App app(desktop());
+  app.waitForStatusLine(onLine);
+  constexpr int rightButton = 3;
+  const QRect place = desktop().screen().placeOf(openInPanel(rightButton));
+  EXPECT_GT(place.height(), 11 * 10);
+  desktop().photograph("menu-in-panel");
+
+  // The first entry that can be chosen.
+  desktop().fingers().tap(Key::Down);
+  desktop().photograph("menu-in-panel-first-entry");
+  desktop().fingers().tap(Key::Return);
+  waitUntilNoMenu();
+  app.waitForToolTip("Zephlin: disabled (Apple default delay)");
+  desktop().keyboards().waitUntilAllAre("-1");
+
+  openInPanel(rightButton);
+  waitUntil("the status line", [&] { return app.menu().statusLine() == offLine; });
+  desktop().photograph("menu-in-panel-off");
+  desktop().fingers().tap(Key::Escape);
+  waitUntilNoMenu();
+}
+
+TEST_F(StatusMenu, ShowsAfterAClickWithTheLeftButtonToo) {
+  App app(desktop());
+  app.waitForStatusLine(onLine);
+  constexpr int leftButton = 1;
+  openInPanel(leftButton);
+  desktop().photograph("menu-after-left-click");
+  desktop().fingers().tap(Key::Escape);
+  waitUntilNoMenu();
+}
+
+}  // namespace
+}  // namespace zephlin::test

@@ -1,0 +1,113 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+
+#include "Platform/Workspace.h"
+#include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/TestProcess.h"
+#include "Tests/Unit/Linux/Session/SessionBus.h"
+
+namespace zephlin {
+namespace {
+
+using test::TestProcess;
+
+class RunningInstanceTest : public testing::Test {
+ protected:
+  RunningInstanceTest() {
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    std::filesystem::permissions(directory_.path(), std::filesystem::perms(0700));
+    ::setenv("XDG_RUNTIME_DIR", directory_.path().c_str(), 1);
+    ::setenv("DBUS_SESSION_BUS_ADDRESS", bus_.address().c_str(), 1);
+  }
+
+  static TestProcess start() { return TestProcess({SESSION_PROGRAM, "instance"}); }
+
+  test::TemporaryDirectory directory_;
+  test::SessionBus bus_;
+};
+
+TEST_F(RunningInstanceTest, TheFirstIsTheInstanceAndTheNextOnesAskItToComeForward) {
+  TestProcess first = start();
+  first.waitForErrors("instance\n");
+  EXPECT_EQ(start().wait(), (test::Outcome{0, "", "handed over\n"}));
+  first.waitForErrors("instance\nactivated\n");
+  EXPECT_EQ(start().wait(), (test::Outcome{0, "", "handed over\n"}));
+  first.waitForErrors("instance\nactivated\nactivated\n");
+}
+
+TEST_F(RunningInstanceTest, TheCommandLineToolSeesTheInstance) {
+  TestProcess first = start();
+  first.waitForErrors("instance\n");
+  const auto running = runningApplicationsWithBundleIdentifier("com.quorvenel.zephlin");
+  ASSERT_EQ(running.size(), 1U);
+  EXPECT_EQ(running.front().processIdentifier, first.id());
+}
+
+TEST_F(RunningInstanceTest, AKilledInstanceIsFollowedByTheNextStart) {
+  {
+    TestProcess first = start();
+    first.waitForErrors("instance\n");
+  }
+  start().waitForErrors("instance\n");
+}
+
+TEST_F(RunningInstanceTest, OfTwoStartedAtOnceOneBecomesTheInstanceAndIsAskedByTheOther) {
+  for (int round = 0; round < 10; ++round) {
+    TestProcess one = start();
+    TestProcess other = start();
+    one.waitForErrors("\n");
+    other.waitForErrors("\n");
+    const auto running = runningApplicationsWithBundleIdentifier("com.quorvenel.zephlin");
+    ASSERT_EQ(running.size(), 1U);
+    const bool isOne = running.front().processIdentifier == one.id();
+    EXPECT_EQ((isOne ? other : one).wait(), (test::Outcome{0, "", "handed over\n"}));
+    (isOne ? one : other).waitForErrors("instance\nactivated\n");
+  }
+}
+
+TEST_F(RunningInstanceTest, AnInstanceThatCannotBeAskedIsNamed) {
+  ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent", 1);
+  TestProcess first = start();
+  first.waitForErrors("instance\n");
+  EXPECT_EQ(start().wait(), (test::Outcome{0, "",
+                                           "Zephlin: already running (process " +
+                                               std::to_string(first.id()) + ")\nhanded over\n"}));
+}
+
+TEST_F(RunningInstanceTest, TheLockDecidesAndNotTheNameOnTheBus) {
+  TestProcess stranger({SESSION_PROGRAM, "stranger"});
+  stranger.waitForErrors("stranger\n");
+  TestProcess first = start();
+  first.waitForErrors("instance\n");
+  TestProcess second = start();
+  ::usleep(300000);  // Enough for a message to the stranger, if one were sent.
+  stranger.send(SIGTERM);
+  EXPECT_EQ(second.wait(), (test::Outcome{0, "", "handed over\n"}));
+  first.waitForErrors("activated\n");
+}
+
+TEST_F(RunningInstanceTest, WithoutARuntimeDirectoryEveryStartIsAnInstance) {
+  ::setenv("XDG_RUNTIME_DIR", "/dev/null", 1);
+  const std::string errors =
+      "Zephlin: a second start will not be noticed: cannot lock "
+      "/dev/null/com.quorvenel.zephlin.lock: Not a directory\ninstance\n";
+  TestProcess first = start();
+  first.waitForErrors(errors);
+  start().waitForErrors(errors);
+}
+
+TEST_F(RunningInstanceTest, OtherCallsOfTheInterfaceDoNoHarm) {
+  TestProcess first = start();
+  first.waitForErrors("instance\n");
+  EXPECT_EQ(test::run({SESSION_PROGRAM, "caller"}).errors, "answered\nanswered\nrefused\n");
+  EXPECT_EQ(start().wait().errors, "handed over\n");
+  first.waitForErrors("instance\nactivated\nactivated\n");
+}
+
+}  // namespace
+}  // namespace zephlin

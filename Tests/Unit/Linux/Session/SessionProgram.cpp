@@ -1,0 +1,102 @@
+// A program of the session's parts, for the tests that need a process to start, signal or bereave:
+//
+//   instance       becomes the running instance, and prints "instance" and, for each start that is
+//                  handed over, "activated"; or prints "handed over" and ends
+//   stranger       takes the instance's name on the bus without its lock, and prints "stranger"
+//   caller         calls what else the instance's interface has, and prints how each call ends
+//   quit-signals   prints "ready" and runs until it is asked to quit, then prints "quits"
+//   display        prints "ready" and runs with a window until its display is gone
+
+#include <QApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QWidget>
+#include <cstdio>
+#include <string>
+
+#include "Platform/Linux/Session/InstanceObject.h"
+#include "Platform/Linux/Session/LinuxSystemLog.h"
+#include "Platform/Linux/Session/QtMessages.h"
+#include "Platform/Linux/Session/QuitSignals.h"
+#include "Platform/Linux/Session/RunningInstance.h"
+#include "Platform/Linux/Session/SessionEnd.h"
+
+namespace {
+
+using namespace zephlin;
+
+void print(const char* text) {
+  std::fprintf(stderr, "%s\n", text);
+}
+
+int runInstance(SystemLog& log) {
+  RunningInstance instance(log, [] { print("activated"); });
+  if (!instance.becomeTheInstance()) {
+    print("handed over");
+    return 0;
+  }
+  print("instance");
+  return QApplication::exec();
+}
+
+int runStranger() {
+  QDBusConnection::sessionBus().registerService(instanceBusName);
+  print("stranger");
+  return QApplication::exec();
+}
+
+void call(const char* method, const QVariantList& arguments) {
+  auto message = QDBusMessage::createMethodCall(instanceBusName, instanceBusPath,
+                                                instanceBusInterface, method);
+  message.setArguments(arguments);
+  const QDBusMessage reply = QDBusConnection::sessionBus().call(message);
+  print(reply.type() == QDBusMessage::ReplyMessage ? "answered" : "refused");
+}
+
+int callOthers() {
+  call("Open", {QStringList("file:///x"), QVariantMap()});
+  call("ActivateAction", {"action", QVariantList(), QVariantMap()});
+  call("Activate", {"wrong"});
+  return 0;
+}
+
+int runUntilSignal() {
+  const QuitSignals signals([] { QApplication::exit(0); });
+  print("ready");
+  const int status = QApplication::exec();
+  print("quits");
+  return status;
+}
+
+int runUntilDisplayIsGone(SystemLog& log) {
+  const QtMessages messages(log);
+  takeNoPartInSessions();
+  QWidget window;
+  window.show();
+  print("ready");
+  return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+  QApplication application(argc, argv);
+  LinuxSystemLog log;
+  const std::string mode = argc > 1 ? argv[1] : "";
+  if (mode == "instance") {
+    return runInstance(log);
+  }
+  if (mode == "stranger") {
+    return runStranger();
+  }
+  if (mode == "caller") {
+    return callOthers();
+  }
+  if (mode == "quit-signals") {
+    return runUntilSignal();
+  }
+  if (mode == "display") {
+    return runUntilDisplayIsGone(log);
+  }
+  return 64;
+}

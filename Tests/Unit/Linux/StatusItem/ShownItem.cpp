@@ -1,0 +1,136 @@
+#include "Tests/Unit/Linux/StatusItem/ShownItem.h"
+
+#include <QDBusArgument>
+#include <QDBusConnectionInterface>
+#include <QDBusPendingCall>
+#include <QDBusVariant>
+#include <algorithm>
+#include <stdexcept>
+
+#include "Tests/Unit/Linux/StatusItem/PrivateDesktop.h"
+
+namespace zephlin::test {
+
+namespace {
+
+constexpr const char* itemPath = "/StatusNotifierItem";
+constexpr const char* itemInterface = "org.kde.StatusNotifierItem";
+constexpr const char* menuPath = "/MenuBar";
+constexpr const char* menuInterface = "com.canonical.dbusmenu";
+constexpr const char* observer = "observer";
+
+ShownEntry entryFrom(const QDBusArgument& argument) {
+  ShownEntry entry;
+  argument.beginStructure();
+  argument >> entry.id >> entry.properties;
+  argument.endStructure();
+  return entry;
+}
+
+}  // namespace
+
+ShownItem::ShownItem(const QString& service)
+    : bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, observer)),
+      service_(service) {
+  for (const char* name : {"NewIcon", "NewToolTip", "NewTitle", "NewMenu", "NewStatus"}) {
+    bus_.connect(service_, itemPath, itemInterface, name, this, SLOT(record(QDBusMessage)));
+  }
+  for (const char* name : {"ItemsPropertiesUpdated", "LayoutUpdated"}) {
+    bus_.connect(service_, menuPath, menuInterface, name, this, SLOT(record(QDBusMessage)));
+  }
+}
+
+ShownItem::~ShownItem() {
+  QDBusConnection::disconnectFromBus(observer);
+}
+
+QVariant ShownItem::property(const char* name) {
+  const QDBusMessage reply =
+      call(itemPath, "org.freedesktop.DBus.Properties", "Get", {itemInterface, name});
+  return reply.arguments().constFirst().value<QDBusVariant>().variant();
+}
+
+std::string ShownItem::toolTip() {
+  const auto argument = property("ToolTip").value<QDBusArgument>();
+  QString iconName;
+  QString title;
+  QString subtitle;
+  argument.beginStructure();
+  argument >> iconName;
+  argument.beginArray();
+  while (!argument.atEnd()) {
+    argument.asVariant();
+  }
+  argument.endArray();
+  argument >> title >> subtitle;
+  argument.endStructure();
+  return (title + subtitle).toStdString();
+}
+
+std::vector<int> ShownItem::pictureWidths() {
+  const auto argument = property("IconPixmap").value<QDBusArgument>();
+  std::vector<int> widths;
+  argument.beginArray();
+  while (!argument.atEnd()) {
+    int width = 0;
+    int height = 0;
+    QByteArray pixels;
+    argument.beginStructure();
+    argument >> width >> height >> pixels;
+    argument.endStructure();
+    widths.push_back(width);
+  }
+  argument.endArray();
+  return widths;
+}
+
+std::vector<ShownEntry> ShownItem::layout() {
+  const QDBusMessage reply = call(menuPath, menuInterface, "GetLayout", {0, -1, QStringList()});
+  const auto root = reply.arguments().at(1).value<QDBusArgument>();
+  std::vector<ShownEntry> entries;
+  int id = 0;
+  QVariantMap properties;
+  root.beginStructure();
+  root >> id >> properties;
+  root.beginArray();
+  while (!root.atEnd()) {
+    QDBusVariant child;
+    root >> child;
+    entries.push_back(entryFrom(child.variant().value<QDBusArgument>()));
+  }
+  root.endArray();
+  root.endStructure();
+  return entries;
+}
+
+void ShownItem::tellAboutToShow() {
+  call(menuPath, menuInterface, "AboutToShow", {0});
+}
+
+void ShownItem::choose(const ShownEntry& entry) {
+  call(menuPath, menuInterface, "Event",
+       {entry.id, "clicked", QVariant::fromValue(QDBusVariant("")), 0U});
+}
+
+int ShownItem::signalsSent(const char* name) const {
+  return static_cast<int>(std::count_if(sent_.begin(), sent_.end(), [name](const auto& message) {
+    return message.member() == QLatin1String(name);
+  }));
+}
+
+QDBusMessage ShownItem::call(const char* path, const char* interface, const char* method,
+                             const QVariantList& arguments) {
+  QDBusMessage message = QDBusMessage::createMethodCall(service_, path, interface, method);
+  message.setArguments(arguments);
+  const QDBusPendingCall pending = bus_.asyncCall(message);
+  if (!waitUntil([&pending] { return pending.isFinished(); }) || pending.isError()) {
+    throw std::runtime_error(pending.error().message().toStdString());
+  }
+  return pending.reply();
+}
+
+bool isOnBus(const QString& service) {
+  return QDBusConnection::sessionBus().interface()->isServiceRegistered(service);
+}
+
+}  // namespace zephlin::test

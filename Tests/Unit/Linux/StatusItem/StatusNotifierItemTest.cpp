@@ -1,0 +1,188 @@
+// The item in a panel that shows StatusNotifier items.
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QIcon>
+#include <QTemporaryDir>
+#include <optional>
+
+#include "Platform/Linux/StatusItem/QtStatusBar.h"
+#include "Tests/Unit/Linux/StatusItem/FakePanel.h"
+#include "Tests/Unit/Linux/StatusItem/FakeXEmbedTray.h"
+#include "Tests/Unit/Linux/StatusItem/PrivateDesktop.h"
+#include "Tests/Unit/Linux/StatusItem/ShownItem.h"
+
+namespace zephlin::test {
+namespace {
+
+const auto* const environment = ::testing::AddGlobalTestEnvironment(
+    new DesktopEnvironment(PrivateDesktop::SessionBus::Present));
+
+/// The desktop's icon theme, with or without the program's icons.
+class IconTheme {
+ public:
+  explicit IconTheme(bool hasOurs) {
+    const QString icons = directory_.filePath("hicolor/scalable/status");
+    QDir().mkpath(icons);
+    QFile index(directory_.filePath("hicolor/index.theme"));
+    index.open(QFile::WriteOnly);
+    index.write(
+        "[Icon Theme]\nName=Hicolor\nDirectories=scalable/status\n"
+        "[scalable/status]\nSize=16\nMinSize=8\nMaxSize=512\nType=Scalable\n");
+    if (hasOurs) {
+      QFile::copy(ICONS "/zephlin-capslock-symbolic.svg", icons + "/zephlin-capslock-symbolic.svg");
+    }
+    index.close();
+    QIcon::setThemeSearchPaths({directory_.path()});
+    QIcon::setThemeName("hicolor");
+  }
+
+ private:
+  QTemporaryDir directory_;
+};
+
+class StatusNotifierItemTest : public ::testing::Test {
+ protected:
+  void makeItem() {
+    item_ = bar_.makeStatusItem(squareStatusItemLength);
+    item_->setButtonImage(bar_.systemSymbol("capslock", "Zephlin"));
+    item_->setButtonToolTip("Zephlin: disabled");
+  }
+  /// As the panel that has just come sees the item.
+  [[nodiscard]] bool appearsIn(FakePanel& panel) {
+    if (!waitUntil([&panel] { return panel.registrations() == 1; })) {
+      return false;
+    }
+    shown_.emplace(panel.item());
+    return true;
+  }
+
+  IconTheme theme_{true};
+  QtStatusBar bar_;
+  std::unique_ptr<StatusItem> item_;
+  std::optional<ShownItem> shown_;
+};
+
+TEST_F(StatusNotifierItemTest, AppearsWhenThePanelIsThereAlready) {
+  FakePanel panel;
+  makeItem();
+  EXPECT_TRUE(item_->hasButton());
+  ASSERT_TRUE(appearsIn(panel));
+}
+
+TEST_F(StatusNotifierItemTest, AppearsWhenThePanelStartsLater) {
+  makeItem();
+  QCoreApplication::processEvents();
+  FakePanel panel;
+  ASSERT_TRUE(appearsIn(panel));
+}
+
+TEST_F(StatusNotifierItemTest, WaitsForAHostWhereThereIsOnlyAWatcher) {
+  FakePanel panel(FakePanel::Host::Absent);
+  makeItem();
+  ASSERT_TRUE(waitUntil([&panel] { return panel.timesAskedForHost() > 0; }));
+  QCoreApplication::processEvents();
+  EXPECT_EQ(panel.registrations(), 0);
+  panel.registerHost();
+  ASSERT_TRUE(appearsIn(panel));
+}
+
+TEST_F(StatusNotifierItemTest, IsNotLostToAnXEmbedTrayThatThePanelBringsUpFirst) {
+  const FakeXEmbedTray xembedTray;
+  makeItem();
+  QCoreApplication::processEvents();
+  FakePanel panel;
+  ASSERT_TRUE(appearsIn(panel));
+}
+
+TEST_F(StatusNotifierItemTest, ComesBackWhenThePanelIsStartedAnew) {
+  std::optional<FakePanel> panel(std::in_place);
+  makeItem();
+  ASSERT_TRUE(appearsIn(*panel));
+  for (int restart = 0; restart < 3; ++restart) {
+    panel.reset();
+    panel.emplace();
+    shown_.reset();
+    ASSERT_TRUE(appearsIn(*panel));
+    EXPECT_EQ(shown_->text("IconName"), "zephlin-capslock-symbolic");
+  }
+}
+
+TEST_F(StatusNotifierItemTest, IsKnownByTheApplicationsName) {
+  FakePanel panel;
+  makeItem();
+  ASSERT_TRUE(appearsIn(panel));
+  EXPECT_EQ(shown_->text("Id"), "Zephlin");
+  EXPECT_EQ(shown_->text("Title"), "Zephlin");
+}
+
+TEST_F(StatusNotifierItemTest, NamesItsIconWhereTheThemeHasIt) {
+  FakePanel panel;
+  makeItem();
+  ASSERT_TRUE(appearsIn(panel));
+  EXPECT_EQ(shown_->text("IconName"), "zephlin-capslock-symbolic");
+}
+
+TEST_F(StatusNotifierItemTest, SendsPicturesWhereTheThemeHasNoIconOfOurs) {
+  const IconTheme without(false);
+  FakePanel panel;
+  makeItem();
+  ASSERT_TRUE(appearsIn(panel));
+  EXPECT_EQ(shown_->text("IconName"), "");
+  EXPECT_EQ(shown_->pictureWidths(), (std::vector<int>{16, 22, 24, 32, 48, 64}));
+}
+
+TEST_F(StatusNotifierItemTest, KeepsItsPlaceWithoutAnImage) {
+  FakePanel panel;
+  makeItem();
+  ASSERT_TRUE(appearsIn(panel));
+  item_->setButtonImage(std::nullopt);
+  ASSERT_TRUE(waitUntil([this] { return shown_->signalsSent("NewIcon") == 1; }));
+  EXPECT_EQ(shown_->text("IconName"), "");
+  EXPECT_FALSE(shown_->pictureWidths().empty());
+}
+
+TEST_F(StatusNotifierItemTest, ShowsItsToolTip) {
+  FakePanel panel;
+  makeItem();
+  ASSERT_TRUE(appearsIn(panel));
+  EXPECT_EQ(shown_->toolTip(), "Zephlin: disabled");
+  item_->setButtonToolTip("Zephlin: instant Caps Lock is ON");
+  ASSERT_TRUE(waitUntil([this] { return shown_->signalsSent("NewToolTip") == 1; }));
+  EXPECT_EQ(shown_->toolTip(), "Zephlin: instant Caps Lock is ON");
+}
+
+TEST_F(StatusNotifierItemTest, SettingWhatIsShownAlreadySendsNothing) {
+  FakePanel panel;
+  makeItem();
+  ASSERT_TRUE(appearsIn(panel));
+  item_->setButtonImage(bar_.systemSymbol("capslock", "Zephlin"));
+  item_->setButtonToolTip("Zephlin: disabled");
+  // What is sent later arrives later.
+  item_->setButtonImage(bar_.systemSymbol("capslock.fill", "Zephlin"));
+  item_->setButtonToolTip("Zephlin: instant Caps Lock is ON");
+  ASSERT_TRUE(waitUntil([this] { return shown_->signalsSent("NewToolTip") > 0; }));
+  EXPECT_EQ(shown_->sent().size(), 2U);
+}
+
+TEST_F(StatusNotifierItemTest, IsGoneWhenItIsDestroyed) {
+  FakePanel panel;
+  makeItem();
+  ASSERT_TRUE(appearsIn(panel));
+  ASSERT_TRUE(isOnBus(panel.item()));
+  item_.reset();
+  EXPECT_TRUE(waitUntil([&panel] { return !isOnBus(panel.item()); }));
+}
+
+TEST_F(StatusNotifierItemTest, MayBeDestroyedBeforeAnyPanelCame) {
+  makeItem();
+  item_.reset();
+  FakePanel panel;
+  makeItem();
+  ASSERT_TRUE(appearsIn(panel));
+}
+
+}  // namespace
+}  // namespace zephlin::test

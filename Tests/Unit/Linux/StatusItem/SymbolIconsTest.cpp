@@ -1,0 +1,116 @@
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QImage>
+#include <QSvgRenderer>
+
+#include "Platform/Linux/StatusItem/QtStatusBar.h"
+#include "Platform/Linux/StatusItem/SymbolIcons.h"
+
+namespace zephlin::test {
+namespace {
+
+constexpr int panelSizes[] = {16, 22, 24, 32};
+const QColor green(0, 255, 0);
+
+QImage drawn(const std::string& symbol, int size) {
+  const QIcon icon = drawnIcon(iconNameOf(symbol).value(), green);
+  return icon.pixmap(size, size).toImage().convertToFormat(QImage::Format_ARGB32);
+}
+
+/// How much of the picture's area is painted, from 0 to 1.
+double coverage(const QImage& image) {
+  double painted = 0;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) {
+      painted += qAlpha(image.pixel(x, y)) / 255.0;
+    }
+  }
+  return painted / (image.width() * image.height());
+}
+
+/// At parts of the width and height.
+bool isPainted(const QImage& image, double x, double y) {
+  return qAlpha(image.pixel(static_cast<int>(x * image.width()),
+                            static_cast<int>(y * image.height()))) > 127;
+}
+
+TEST(SymbolIcons, EverySymbolIsDrawnInEachSizeOfAPanel) {
+  for (const char* symbol : {"capslock", "capslock.fill", "exclamationmark.triangle"}) {
+    for (const int size : panelSizes) {
+      const QImage image = drawn(symbol, size);
+      ASSERT_EQ(image.size(), QSize(size, size)) << symbol;
+      EXPECT_GT(coverage(image), 0.1) << symbol << size;
+      EXPECT_LT(coverage(image), 0.6) << symbol << size;
+    }
+  }
+}
+
+TEST(SymbolIcons, TheFilledArrowDiffersFromTheOutlinedOneByWhatIsInside) {
+  for (const int size : panelSizes) {
+    const QImage outlined = drawn("capslock", size);
+    const QImage filled = drawn("capslock.fill", size);
+    EXPECT_FALSE(isPainted(outlined, 0.5, 0.35)) << size;
+    EXPECT_TRUE(isPainted(filled, 0.5, 0.35)) << size;
+    EXPECT_GT(coverage(filled), coverage(outlined) + 0.1) << size;
+    for (const QImage& image : {outlined, filled}) {
+      EXPECT_TRUE(isPainted(image, 0.5, 0.87)) << "the bar under the arrow, " << size;
+      EXPECT_FALSE(isPainted(image, 0.5, 0.74)) << "the gap above it, " << size;
+    }
+  }
+}
+
+TEST(SymbolIcons, TheWarningIsATriangleRoundAnExclamationMark) {
+  for (const int size : panelSizes) {
+    const QImage image = drawn("exclamationmark.triangle", size);
+    EXPECT_TRUE(isPainted(image, 0.5, 0.45)) << size;
+    EXPECT_FALSE(isPainted(image, 0.35, 0.7)) << size;
+    EXPECT_TRUE(isPainted(image, 0.5, 0.9)) << size;
+    EXPECT_FALSE(isPainted(image, 0.1, 0.1)) << size;
+  }
+}
+
+TEST(SymbolIcons, DrawnIconsHaveTheColourThatIsAskedFor) {
+  const QImage image = drawn("capslock.fill", 32);
+  EXPECT_EQ(QColor(image.pixel(16, 12)), green);
+}
+
+TEST(SymbolIcons, PanelsOfBothKindsFindWhatTheyRecolour) {
+  for (const char* symbol : {"capslock", "capslock.fill", "exclamationmark.triangle"}) {
+    QFile file(QStringLiteral(ICONS "/%1.svg").arg(iconNameOf(symbol).value()));
+    ASSERT_TRUE(file.open(QFile::ReadOnly)) << symbol;
+    const std::string text = file.readAll().toStdString();
+    EXPECT_NE(text.find("class=\"ColorScheme-Text\" fill=\"currentColor\""), std::string::npos);
+    EXPECT_NE(text.find("viewBox=\"0 0 16 16\""), std::string::npos);
+    EXPECT_EQ(text.find("stroke"), std::string::npos) << "GTK recolours no strokes";
+  }
+}
+
+TEST(SymbolIcons, TheApplicationHasAnIconInColour) {
+  QSvgRenderer renderer(QStringLiteral(ICONS "/com.quorvenel.zephlin.svg"));
+  ASSERT_TRUE(renderer.isValid());
+  EXPECT_EQ(renderer.defaultSize(), QSize(128, 128));
+}
+
+TEST(SymbolIcons, AnUnknownSymbolHasNoIcon) {
+  EXPECT_FALSE(iconNameOf("capslock.slash"));
+}
+
+TEST(QtStatusBarTest, KnowsExactlyTheSymbolsThatHaveAnIcon) {
+  QtStatusBar bar;
+  EXPECT_EQ(bar.systemSymbol("capslock", "Zephlin"), (SymbolImage{"capslock", "Zephlin", false}));
+  EXPECT_FALSE(bar.systemSymbol("", "Zephlin"));
+  EXPECT_FALSE(bar.systemSymbol("zephlin-capslock-symbolic", "Zephlin"));
+}
+
+TEST(QtStatusBarTest, AnItemHasNoButtonWithoutADisplay) {
+  QtStatusBar bar;
+  const auto item = bar.makeStatusItem(squareStatusItemLength);
+  EXPECT_FALSE(item->hasButton());
+  item->setButtonImage(bar.systemSymbol("capslock", "Zephlin"));
+  item->setButtonToolTip("text");
+  item->setMenu(std::make_shared<Menu>());
+}
+
+}  // namespace
+}  // namespace zephlin::test

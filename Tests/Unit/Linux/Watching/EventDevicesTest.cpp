@@ -1,0 +1,187 @@
+#include <gtest/gtest.h>
+#include <linux/input-event-codes.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <memory>
+#include <stdexcept>
+#include <variant>
+#include <vector>
+
+#include "Platform/Linux/Watching/EventDevices.h"
+#include "Platform/Linux/Watching/LinuxEventTaps.h"
+#include "Platform/Linux/Watching/LinuxHidDevices.h"
+#include "Tests/Unit/Linux/Watching/Support/MockedDevices.h"
+#include "Tests/Unit/Linux/Watching/Support/QtLoop.h"
+
+namespace zephlin {
+namespace {
+
+using test::MockedDevices;
+using Values = std::vector<std::int64_t>;
+using Flags = std::vector<ModifierFlags>;
+
+constexpr HidInputMatching matching{
+    .deviceUsagePage = 1, .deviceUsage = 6, .usagePage = 7, .usage = 57};
+constexpr EventKind capsLockKey{EV_KEY, KEY_CAPSLOCK};
+constexpr EventKind capsLockLight{EV_LED, LED_CAPSL};
+constexpr EventKind keyA{EV_KEY, KEY_A};
+
+/// Takes root's rights over files away for a while.
+class OrdinaryUser {
+ public:
+  OrdinaryUser() : former_(::geteuid()) {
+    if (former_ == 0 && ::seteuid(65534) != 0) {
+      throw std::runtime_error("the process cannot become an ordinary one");
+    }
+  }
+  OrdinaryUser(const OrdinaryUser&) = delete;
+  OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+  ~OrdinaryUser() { EXPECT_EQ(::seteuid(former_), 0); }
+
+ private:
+  uid_t former_;
+};
+
+class EventDevicesTest : public testing::Test {
+ protected:
+  std::int32_t open() {
+    auto opened =
+        devices_.openInput(matching, [this](std::int64_t value) { values_.push_back(value); });
+    if (const auto* code = std::get_if<std::int32_t>(&opened)) {
+      return *code;
+    }
+    key_ = std::move(std::get<std::unique_ptr<Observation>>(opened));
+    return 0;
+  }
+  std::unique_ptr<Observation> listen() {
+    return taps_.listen(eventMask(EventType::FlagsChanged),
+                        [this](EventType, ModifierFlags flags) { flags_.push_back(flags); });
+  }
+  bool valuesBecome(const Values& expected) {
+    test::eventually([&] { return values_.size() >= expected.size(); });
+    return values_ == expected;
+  }
+  bool flagsBecome(const Flags& expected) {
+    test::eventually([&] { return flags_.size() >= expected.size(); });
+    return flags_ == expected;
+  }
+
+  MockedDevices machine_;
+  bool isHeldBack_ = false;
+  LinuxHidDevices devices_{DesktopKind::Wayland, [this] { return isHeldBack_; }};
+  LinuxEventTaps taps_{DesktopKind::Wayland, [this] { return isHeldBack_; }};
+  Values values_;
+  Flags flags_;
+  std::unique_ptr<Observation> key_;
+};
+
+TEST_F(EventDevicesTest, TellEachPressAndReleaseOnEachKeyboard) {
+  machine_.addKeyboard(1);
+  machine_.addKeyboard(2, MockedDevices::Lights::None);
+  ASSERT_EQ(open(), 0);
+  machine_.report(1, capsLockKey, {1, 0});
+  ASSERT_TRUE(valuesBecome({1, 0}));
+  machine_.report(2, capsLockKey, {1, 0});
+  EXPECT_TRUE(valuesBecome({1, 0, 1, 0}));
+}
+
+TEST_F(EventDevicesTest, TellNothingOfOtherKeysNorRepetitions) {
+  machine_.addKeyboard(1);
+  ASSERT_EQ(open(), 0);
+  machine_.report(1, keyA, {1, 0});
+  machine_.report(1, capsLockLight, {1});
+  machine_.report(1, capsLockKey, {1, 2, 2, 0});
+  EXPECT_TRUE(valuesBecome({1, 0}));
+}
+
+TEST_F(EventDevicesTest, AreOnlyKeyboards) {
+  machine_.addKeyboard(1);
+  machine_.addPointer(2);
+  ASSERT_EQ(open(), 0);
+  machine_.report(2, capsLockKey, {1, 0});
+  test::runLoopFor(std::chrono::milliseconds(50));
+  machine_.report(1, capsLockKey, {1});
+  EXPECT_TRUE(valuesBecome({1}));
+}
+
+TEST_F(EventDevicesTest, IncludeAKeyboardThatAppearsLater) {
+  machine_.addKeyboard(1);
+  ASSERT_EQ(open(), 0);
+  machine_.announce(machine_.addKeyboard(2), "add");
+  machine_.announce(machine_.addPointer(3), "add");
+  test::runLoopFor(std::chrono::milliseconds(50));
+  machine_.report(3, capsLockKey, {1, 0});
+  machine_.report(2, capsLockKey, {1});
+  EXPECT_TRUE(valuesBecome({1}));
+  machine_.report(2, capsLockKey, {0});
+  EXPECT_TRUE(valuesBecome({1, 0}));
+}
+
+TEST_F(EventDevicesTest, GoOnWithoutAKeyboardThatGoes) {
+  machine_.addKeyboard(1);
+  machine_.addKeyboard(2);
+  ASSERT_EQ(open(), 0);
+  machine_.remove(1);
+  test::runLoopFor(std::chrono::milliseconds(50));
+  machine_.report(2, capsLockKey, {1, 0});
+  EXPECT_TRUE(valuesBecome({1, 0}));
+}
+
+TEST_F(EventDevicesTest, AreHeldBackByAMenu) {
+  machine_.addKeyboard(1);
+  ASSERT_EQ(open(), 0);
+  const auto tap = listen();
+  isHeldBack_ = true;
+  machine_.report(1, capsLockKey, {1, 0});
+  machine_.report(1, capsLockLight, {1});
+  test::runLoopFor(std::chrono::milliseconds(100));
+  isHeldBack_ = false;
+  EXPECT_EQ(values_, Values{});
+  EXPECT_EQ(flags_, Flags{});
+}
+
+TEST_F(EventDevicesTest, EndWithinACall) {
+  machine_.addKeyboard(1);
+  Values values;
+  auto opened = openEventDevices(capsLockKey, [&](int value) {
+    key_.reset();
+    values.push_back(value);
+  });
+  key_ = std::move(std::get<std::unique_ptr<Observation>>(opened));
+  machine_.report(1, capsLockKey, {1, 0});
+  ASSERT_TRUE(test::eventually([&] { return !values.empty(); }));
+  test::runLoopFor(std::chrono::milliseconds(50));
+  EXPECT_EQ(values, Values{1});
+}
+
+TEST_F(EventDevicesTest, FailWhereThereIsNoKeyboard) {
+  EXPECT_EQ(open(), ENOENT);
+  machine_.addPointer(1);
+  EXPECT_EQ(open(), ENOENT);
+  EXPECT_EQ(listen(), nullptr);
+}
+
+TEST_F(EventDevicesTest, FailWhereTheUserMayReadNone) {
+  machine_.addForbiddenKeyboard(1);
+  const OrdinaryUser user;
+  EXPECT_EQ(open(), EACCES);
+}
+
+TEST_F(EventDevicesTest, TellTheTogglesOfTheLight) {
+  machine_.addKeyboard(1);
+  const auto tap = listen();
+  ASSERT_NE(tap, nullptr);
+  machine_.report(1, capsLockKey, {1, 0});
+  machine_.report(1, {EV_LED, LED_NUML}, {1});
+  machine_.report(1, capsLockLight, {1, 0});
+  EXPECT_TRUE(flagsBecome({modifierCapsLock, 0}));
+}
+
+TEST_F(EventDevicesTest, TellNoTogglesWhereNoKeyboardHasALight) {
+  machine_.addKeyboard(1, MockedDevices::Lights::None);
+  EXPECT_EQ(listen(), nullptr);
+}
+
+}  // namespace
+}  // namespace zephlin

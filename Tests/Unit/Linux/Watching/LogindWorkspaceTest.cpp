@@ -1,0 +1,105 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+
+#include "Platform/Linux/Watching/LogindWorkspace.h"
+#include "Tests/Unit/Linux/Watching/Support/PrivateSystemBus.h"
+#include "Tests/Unit/Linux/Watching/Support/QtLoop.h"
+
+namespace zephlin {
+namespace {
+
+class LogindWorkspaceTest : public testing::Test {
+ protected:
+  bool wakesAre(int count) {
+    return test::eventually([&] { return wakes_ >= count; }) && wakes_ == count;
+  }
+
+  std::optional<test::PrivateSystemBus> bus_{std::in_place};
+  std::optional<LogindWorkspace> workspace_{std::in_place};
+  int wakes_ = 0;
+  std::unique_ptr<Observation> observation_ = workspace_->observeDidWake([this] { ++wakes_; });
+};
+
+TEST_F(LogindWorkspaceTest, ReportsEachWakeAndNoFallingAsleep) {
+  test::FakeLogind logind;
+  logind.prepareForSleep(true);
+  logind.prepareForSleep(false);
+  ASSERT_TRUE(wakesAre(1));
+  logind.prepareForSleep(true);
+  logind.prepareForSleep(false);
+  EXPECT_TRUE(wakesAre(2));
+}
+
+TEST_F(LogindWorkspaceTest, ReportsToEachObserver) {
+  test::FakeLogind logind;
+  int others = 0;
+  const auto other = workspace_->observeDidWake([&] { ++others; });
+  logind.prepareForSleep(false);
+  EXPECT_TRUE(wakesAre(1));
+  EXPECT_TRUE(test::eventually([&] { return others == 1; }));
+}
+
+TEST_F(LogindWorkspaceTest, FollowsLogindThroughARestart) {
+  std::optional<test::FakeLogind> logind(std::in_place);
+  logind->prepareForSleep(false);
+  ASSERT_TRUE(wakesAre(1));
+  logind.reset();
+  logind.emplace();
+  logind->prepareForSleep(false);
+  EXPECT_TRUE(wakesAre(2));
+}
+
+TEST_F(LogindWorkspaceTest, BelievesNobodyButLogind) {
+  test::FakeLogind stranger("org.example.Stranger");
+  test::FakeLogind logind;
+  stranger.prepareForSleep(false);
+  test::runLoopFor(std::chrono::milliseconds(100));
+  logind.prepareForSleep(false);
+  EXPECT_TRUE(wakesAre(1));
+}
+
+TEST_F(LogindWorkspaceTest, EndsWithTheObservation) {
+  test::FakeLogind logind;
+  int others = 0;
+  const auto other = workspace_->observeDidWake([&] { ++others; });
+  observation_.reset();
+  logind.prepareForSleep(false);
+  ASSERT_TRUE(test::eventually([&] { return others == 1; }));
+  EXPECT_EQ(wakes_, 0);
+}
+
+TEST_F(LogindWorkspaceTest, EndsWithinACall) {
+  test::FakeLogind logind;
+  int calls = 0;
+  std::unique_ptr<Observation> ending;
+  ending = workspace_->observeDidWake([&] {
+    ending.reset();
+    ++calls;
+  });
+  logind.prepareForSleep(false);
+  logind.prepareForSleep(false);
+  ASSERT_TRUE(wakesAre(2));
+  EXPECT_EQ(calls, 1);
+}
+
+TEST_F(LogindWorkspaceTest, OutlivesTheBus) {
+  bus_.reset();
+  test::runLoopFor(std::chrono::milliseconds(100));
+  EXPECT_EQ(wakes_, 0);
+}
+
+TEST(LogindWorkspaceWithoutABus, ObservesWithoutAWord) {
+  testing::internal::CaptureStderr();
+  LogindWorkspace workspace;
+  int wakes = 0;
+  const auto observation = workspace.observeDidWake([&] { ++wakes; });
+  test::runLoopFor(std::chrono::milliseconds(10));
+  EXPECT_NE(observation, nullptr);
+  EXPECT_EQ(wakes, 0);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+}  // namespace
+}  // namespace zephlin

@@ -1,0 +1,140 @@
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <memory>
+#include <variant>
+#include <vector>
+
+#include "Platform/Linux/Watching/LinuxHidDevices.h"
+#include "Platform/Linux/Watching/X11CapsLockKey.h"
+#include "Tests/Unit/Linux/Watching/Support/PrivateXServer.h"
+#include "Tests/Unit/Linux/Watching/Support/QtLoop.h"
+
+namespace zephlin {
+namespace {
+
+using test::PrivateXServer;
+using Values = std::vector<std::int64_t>;
+
+constexpr HidInputMatching capsLockKey{
+    .deviceUsagePage = 1, .deviceUsage = 6, .usagePage = 7, .usage = 57};
+
+class X11CapsLockKeyTest : public testing::Test {
+ protected:
+  void open() {
+    auto opened =
+        devices_.openInput(capsLockKey, [this](std::int64_t value) { values_.push_back(value); });
+    key_ = std::move(std::get<std::unique_ptr<Observation>>(opened));
+  }
+  bool valuesBecome(const Values& expected) {
+    test::eventually([&] { return values_.size() >= expected.size(); });
+    return values_ == expected;
+  }
+
+  PrivateXServer server_;
+  bool isHeldBack_ = false;
+  LinuxHidDevices devices_{DesktopKind::X11, [this] { return isHeldBack_; }};
+  Values values_;
+  std::unique_ptr<Observation> key_;
+};
+
+TEST_F(X11CapsLockKeyTest, TellsEachPressAndReleaseOnce) {
+  open();
+  server_.tap(PrivateXServer::capsLock);
+  server_.tap(PrivateXServer::capsLock);
+  EXPECT_TRUE(valuesBecome({1, 0, 1, 0}));
+}
+
+TEST_F(X11CapsLockKeyTest, TellsAPressBeforeTheRelease) {
+  open();
+  server_.press(PrivateXServer::capsLock);
+  EXPECT_TRUE(valuesBecome({1}));
+  server_.release(PrivateXServer::capsLock);
+  EXPECT_TRUE(valuesBecome({1, 0}));
+}
+
+TEST_F(X11CapsLockKeyTest, TellsNothingOfOtherKeys) {
+  open();
+  server_.tap(PrivateXServer::keyA);
+  server_.tap(PrivateXServer::leftShift);
+  server_.tap(PrivateXServer::capsLock);
+  server_.tap(PrivateXServer::keyA);
+  server_.press(PrivateXServer::capsLock);
+  EXPECT_TRUE(valuesBecome({1, 0, 1}));
+}
+
+TEST_F(X11CapsLockKeyTest, IsTheKeyAtCapsLocksPlaceWhateverItDoes) {
+  server_.setKeyboardMap({"-option", "ctrl:nocaps"});
+  open();
+  server_.tap(PrivateXServer::leftControl);
+  server_.tap(PrivateXServer::capsLock);
+  EXPECT_TRUE(valuesBecome({1, 0}));
+}
+
+TEST_F(X11CapsLockKeyTest, StaysThatKeyWhenTheMapChanges) {
+  open();
+  server_.setKeyboardMap({"-option", "ctrl:swapcaps"});
+  server_.tap(PrivateXServer::leftControl);
+  server_.tap(PrivateXServer::capsLock);
+  EXPECT_TRUE(valuesBecome({1, 0}));
+}
+
+TEST_F(X11CapsLockKeyTest, CountsARepeatingKeyOnce) {
+  server_.setKeyboardMap({"-option", "caps:backspace"});
+  open();
+  server_.press(PrivateXServer::capsLock);
+  server_.press(PrivateXServer::capsLock);
+  server_.release(PrivateXServer::capsLock);
+  server_.press(PrivateXServer::capsLock);
+  EXPECT_TRUE(valuesBecome({1, 0, 1}));
+}
+
+TEST_F(X11CapsLockKeyTest, IsHeldBackByAMenu) {
+  open();
+  isHeldBack_ = true;
+  server_.tap(PrivateXServer::capsLock);
+  test::runLoopFor(std::chrono::milliseconds(100));
+  isHeldBack_ = false;
+  server_.press(PrivateXServer::capsLock);
+  EXPECT_TRUE(valuesBecome({1}));
+}
+
+TEST_F(X11CapsLockKeyTest, EndsWithinACall) {
+  Values values;
+  auto opened = openX11CapsLockKey([&](int value) {
+    key_.reset();
+    values.push_back(value);
+  });
+  key_ = std::move(std::get<std::unique_ptr<Observation>>(opened));
+  server_.tap(PrivateXServer::capsLock);
+  ASSERT_TRUE(test::eventually([&] { return !values.empty(); }));
+  test::runLoopFor(std::chrono::milliseconds(50));
+  EXPECT_EQ(values, Values{1});
+}
+
+TEST_F(X11CapsLockKeyTest, KnowsNoOtherInput) {
+  const auto failureOf = [this](const HidInputMatching& matching) {
+    return std::get<std::int32_t>(devices_.openInput(matching, [](std::int64_t) {}));
+  };
+  EXPECT_EQ(failureOf({1, 6, 7, 58}), ENOTSUP);
+  EXPECT_EQ(failureOf({1, 6, 8, 57}), ENOTSUP);
+  EXPECT_EQ(failureOf({1, 2, 7, 57}), ENOTSUP);
+  EXPECT_EQ(failureOf({2, 6, 7, 57}), ENOTSUP);
+}
+
+TEST_F(X11CapsLockKeyTest, FallsSilentWithTheServer) {
+  open();
+  server_.kill();
+  test::runLoopFor(std::chrono::milliseconds(50));
+  EXPECT_EQ(values_, Values{});
+}
+
+TEST(X11CapsLockKeyWithoutAServer, FailsWithACode) {
+  const test::EnvironmentVariable display("DISPLAY", ":no-display");
+  const auto opened = openX11CapsLockKey([](int) {});
+  EXPECT_EQ(std::get<std::int32_t>(opened), ECONNREFUSED);
+}
+
+}  // namespace
+}  // namespace zephlin

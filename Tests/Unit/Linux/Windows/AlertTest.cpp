@@ -1,0 +1,142 @@
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTextDocumentFragment>
+#include <QTimer>
+#include <functional>
+
+#include "Platform/Linux/Windows/QtAlertPresenter.h"
+#include "Tests/Unit/KeyboardWatcher/DelegatingPlatform.h"
+#include "Zephlin/About.h"
+
+namespace zephlin {
+namespace {
+
+class PlatformWithQtAlerts final : public DelegatingPlatform {
+ public:
+  AlertPresenter& alerts() override { return alerts_; }
+
+ private:
+  QtAlertPresenter alerts_;
+};
+
+QMessageBox* findAlert() {
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    if (widget->objectName() == "alert") {
+      return static_cast<QMessageBox*>(widget);
+    }
+  }
+  return nullptr;
+}
+
+class AlertTest : public testing::Test {
+ protected:
+  /// Runs the About alert, and `meanwhile` once it is active.
+  void runAbout(const std::function<void(QMessageBox&)>& meanwhile) {
+    QTimer::singleShot(0, [&] {
+      QMessageBox* const box = findAlert();
+      ASSERT_NE(box, nullptr);
+      ASSERT_TRUE(QTest::qWaitForWindowActive(box));
+      wasShown_ = true;
+      meanwhile(*box);
+    });
+    runAboutAlert(platform_);
+    EXPECT_TRUE(wasShown_);
+    EXPECT_EQ(findAlert(), nullptr);
+  }
+  static void press(QMessageBox& box, Qt::Key key) { QTest::keyClick(box.windowHandle(), key); }
+
+  PlatformWithQtAlerts platform_;
+  bool wasShown_ = false;
+};
+
+TEST_F(AlertTest, ShowsItsTextsAndItsButtons) {
+  runAbout([](QMessageBox& box) {
+    EXPECT_TRUE(box.isModal());
+    EXPECT_EQ(box.icon(), QMessageBox::Information);
+    EXPECT_EQ(QTextDocumentFragment::fromHtml(box.text()).toPlainText(),
+              "Zephlin · Instant Caps Lock");
+    EXPECT_TRUE(box.text().startsWith("<b>"));
+    EXPECT_EQ(box.informativeText().split("\n\n").size(), 4);
+    ASSERT_EQ(box.buttons().size(), 1);
+    EXPECT_EQ(box.buttons().front()->text(), "OK");
+    EXPECT_TRUE(box.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    box.buttons().front()->click();
+  });
+}
+
+TEST_F(AlertTest, EnterClosesIt) {
+  runAbout([](QMessageBox& box) { press(box, Qt::Key_Return); });
+}
+
+TEST_F(AlertTest, EscClosesIt) {
+  runAbout([](QMessageBox& box) { press(box, Qt::Key_Escape); });
+}
+
+TEST_F(AlertTest, ItsCloseButtonClosesIt) {
+  runAbout([](QMessageBox& box) { box.windowHandle()->close(); });
+}
+
+TEST_F(AlertTest, TakesMarkupForText) {
+  QtAlertPresenter presenter;
+  QTimer::singleShot(0, [] {
+    QMessageBox& box = *findAlert();
+    EXPECT_EQ(QTextDocumentFragment::fromHtml(box.text()).toPlainText(), "1 < 2 & <i>3</i>");
+    EXPECT_EQ(box.buttons().front()->text(), "R && D");
+    box.reject();
+  });
+  presenter.runModal({.messageText = "1 < 2 & <i>3</i>",
+                      .informativeText = "More",
+                      .style = AlertStyle::Informational,
+                      .buttons = {"R & D"}});
+}
+
+TEST_F(AlertTest, EnterPushesTheFirstButtonAndEscClosesWhereThereAreSeveral) {
+  QtAlertPresenter presenter;
+  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+    const int expected = key == Qt::Key_Return ? 0 : 1;
+    int pushed = -1;
+    QTimer::singleShot(0, [&] {
+      QMessageBox& box = *findAlert();
+      ASSERT_TRUE(QTest::qWaitForWindowActive(&box));
+      ASSERT_NE(box.defaultButton(), nullptr);
+      EXPECT_EQ(box.defaultButton()->text(), "First");
+      QObject::connect(&box, &QMessageBox::buttonClicked, &box, [&pushed](QAbstractButton* button) {
+        pushed = button->text() == "First" ? 0 : 1;
+      });
+      press(box, key);
+    });
+    presenter.runModal({.messageText = "?",
+                        .informativeText = "",
+                        .style = AlertStyle::Informational,
+                        .buttons = {"First", "Second"}});
+    EXPECT_EQ(pushed, expected);
+  }
+}
+
+TEST_F(AlertTest, IsGoneWhenTheApplicationQuits) {
+  bool returned = false;
+  QTimer::singleShot(0, [&] {
+    runAbout([](QMessageBox&) { QCoreApplication::quit(); });
+    returned = true;
+  });
+  QApplication::exec();
+  EXPECT_TRUE(returned);
+}
+
+TEST_F(AlertTest, TimersGoOnMeanwhile) {
+  int ticks = 0;
+  QTimer timer;
+  QObject::connect(&timer, &QTimer::timeout, [&ticks] { ++ticks; });
+  timer.start(1);
+  runAbout([&ticks](QMessageBox& box) {
+    EXPECT_TRUE(QTest::qWaitFor([&ticks] { return ticks > 3; }, 10000));
+    box.accept();
+  });
+}
+
+}  // namespace
+}  // namespace zephlin

@@ -1,0 +1,151 @@
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "Platform/Linux/Windows/ColorPalette.h"
+#include "Tests/Unit/Linux/Windows/TreeFixture.h"
+
+namespace zephlin {
+namespace {
+
+constexpr const char* longText =
+    "A text that is far too long for a line of eighty points, whatever the font may be";
+
+class LabelTest : public TreeFixture {
+ protected:
+  std::shared_ptr<Label> realiseLabel(const char* text, Label::Kind kind, double maxWidth = 0) {
+    auto made = std::make_shared<Label>(text, kind);
+    made->alignment = TextAlignment::Center;
+    if (maxWidth > 0) {
+      made->preferredMaxLayoutWidth = maxWidth;
+    }
+    realise(made);
+    return made;
+  }
+};
+
+TEST_F(LabelTest, ASingleLineIsAsWideAsItsText) {
+  realiseLabel(longText, Label::Kind::SingleLine);
+  EXPECT_GE(widget().width(), label().fontMetrics().horizontalAdvance(longText));
+  EXPECT_EQ(widget().height(), label().fontMetrics().height());
+}
+
+TEST_F(LabelTest, AWrappingLabelBreaksAtItsPreferredWidth) {
+  realiseLabel(longText, Label::Kind::Wrapping, 80);
+  EXPECT_EQ(widget().width(), 80);
+  EXPECT_GE(widget().height(), 4 * label().fontMetrics().height());
+}
+
+TEST_F(LabelTest, AShortWrappingLabelTakesOneLine) {
+  realiseLabel("Short", Label::Kind::Wrapping, 80);
+  EXPECT_LT(widget().width(), 80);
+  EXPECT_LT(widget().height(), 2 * label().fontMetrics().height());
+}
+
+TEST_F(LabelTest, AnEmptyLabelKeepsItsLine) {
+  for (const auto kind : {Label::Kind::SingleLine, Label::Kind::Wrapping}) {
+    const auto emptied = realiseLabel("Text", kind, 80);
+    const int before = label().sizeHint().height();
+    emptied->setText("");
+    EXPECT_EQ(label().sizeHint().height(), before);
+    EXPECT_GE(before, label().fontMetrics().height());
+  }
+}
+
+TEST_F(LabelTest, FollowsItsTextWhileShown) {
+  const auto shown = realiseLabel("Before", Label::Kind::Wrapping, 80);
+  showAndActivate();
+  shown->setText(longText);
+  QApplication::sendPostedEvents();
+  EXPECT_EQ(label().text(), longText);
+  EXPECT_GE(widget().height(), 4 * label().fontMetrics().height());
+  EXPECT_FALSE(shown->needsDisplay);
+}
+
+TEST_F(LabelTest, TakesMarkupAndAmpersandsForText) {
+  realiseLabel("<b>R & D</b>", Label::Kind::SingleLine);
+  EXPECT_GE(widget().width(), label().fontMetrics().horizontalAdvance("<b>R & D</b>"));
+}
+
+/// Whether a pixel of the content has that very colour.
+bool contains(const QImage& image, const QColor& color) {
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) {
+      if (image.pixelColor(x, y).rgb() == color.rgb()) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+TEST_F(LabelTest, FollowsItsColourByRole) {
+  auto shown = std::make_shared<Label>("█");
+  shown->font.pointSize = 40;
+  shown->setTextColor({ColorRole::SystemGreen});
+  Window& window = realise(shown);
+  const auto appearance = appearanceOf(widget().palette());
+  const QColor green = resolve({ColorRole::SystemGreen}, appearance);
+  const QColor red = resolve({ColorRole::SystemRed}, appearance);
+  EXPECT_TRUE(contains(imageOf(window.contentAsPng()), green));
+  shown->setTextColor({ColorRole::SystemRed});
+  EXPECT_TRUE(contains(imageOf(window.contentAsPng()), red));
+  EXPECT_FALSE(contains(imageOf(window.contentAsPng()), green));
+}
+
+TEST_F(LabelTest, DarkWindowsHaveColoursOfTheirOwn) {
+  auto shown = std::make_shared<Label>("█");
+  shown->font.pointSize = 40;
+  shown->setTextColor({ColorRole::SystemGreen});
+  Window& window = realise(shown);
+  QPalette dark;
+  dark.setColor(QPalette::Window, QColor(0x2d, 0x2d, 0x2d));
+  widget().setPalette(dark);
+  EXPECT_TRUE(contains(imageOf(window.contentAsPng()),
+                       resolve({ColorRole::SystemGreen}, Appearance::Dark)));
+}
+
+/// The columns that have ink, as the first and the last.
+std::pair<int, int> inkedColumns(const QImage& image) {
+  int first = image.width();
+  int last = -1;
+  for (int x = 0; x < image.width(); ++x) {
+    for (int y = 0; y < image.height(); ++y) {
+      if (image.pixelColor(x, y) != image.pixelColor(0, 0)) {
+        first = std::min(first, x);
+        last = x;
+      }
+    }
+  }
+  return {first, last};
+}
+
+TEST_F(LabelTest, ALineThatIsTooLongForItsBoxShrinksInsteadOfBeingCutOff) {
+  auto line = std::make_shared<Label>("█" + std::string(60, ' ') + "█");
+  line->alignment = TextAlignment::Center;
+  auto box = std::make_shared<View>();
+  box->fixedWidth = 120;
+  box->addSubview(line, {.left = 10, .right = 10});
+  Window& window = realise(box);
+  const QImage image = imageOf(window.contentAsPng());
+  const auto [first, last] = inkedColumns(image);
+  EXPECT_NEAR(first, 10, 3);
+  EXPECT_NEAR(last, 110, 3);
+}
+
+TEST_F(LabelTest, DigitsOfFixedWidthStandInTheMiddleToo) {
+  auto line = std::make_shared<Label>("Took 12 ms");
+  line->font.monospacedDigits = true;
+  line->alignment = TextAlignment::Center;
+  auto box = std::make_shared<View>();
+  box->fixedWidth = 200;
+  box->addSubview(line, {});
+  Window& window = realise(box);
+  const QImage image = imageOf(window.contentAsPng());
+  const auto [first, last] = inkedColumns(image);
+  EXPECT_GT(last - first, label().fontMetrics().horizontalAdvance("Took 12 ms") / 2);
+  EXPECT_NEAR(first, image.width() - 1 - last, 4);
+}
+
+}  // namespace
+}  // namespace zephlin
