@@ -1,0 +1,12 @@
+#pragma once
+
+#include "Platform/Alert.h"
+
+namespace zephlin {
+
+class MacAlerts final : public AlertPresenter {
+ public:
+  void runModal(const Alert& alert) override;
+};
+
+}  // namespace zephlin

@@ -1,0 +1,62 @@
+#import "Platform/macOS/MacApplication.h"
+
+#include <utility>
+
+@implementation ZephlinApplicationDelegate
+
+- (instancetype)initWithDelegate:(std::weak_ptr<zephlin::ApplicationDelegate>)delegate {
+  self = [super init];
+  if (self != nil) {
+    _delegate = std::move(delegate);
+  }
+  return self;
+}
+
+- (void)applicationDidFinishLaunching:(NSNotification*)notification {
+  (void)notification;
+  if (const auto delegate = _delegate.lock()) {
+    delegate->applicationDidFinishLaunching();
+  }
+}
+
+@end
+
+namespace zephlin {
+
+MacApplication::MacApplication() : application_([NSApplication sharedApplication]) {}
+
+MacApplication::~MacApplication() {
+  [application_ setMainMenu:nil];
+  [application_ setDelegate:nil];
+}
+
+void MacApplication::setDelegate(std::weak_ptr<ApplicationDelegate> delegate) {
+  Retained<ZephlinApplicationDelegate*> native(
+      [[ZephlinApplicationDelegate alloc] initWithDelegate:std::move(delegate)]);
+  [application_ setDelegate:native.get()];
+  delegate_ = std::move(native);
+}
+
+void MacApplication::setActivationPolicy(ActivationPolicy policy) {
+  [application_ setActivationPolicy:static_cast<NSApplicationActivationPolicy>(policy)];
+}
+
+void MacApplication::setMainMenu(std::shared_ptr<Menu> menu) {
+  auto native = std::make_unique<MacMenu>(std::move(menu));
+  [application_ setMainMenu:native->get()];
+  mainMenu_ = std::move(native);
+}
+
+void MacApplication::activateIgnoringOtherApps() {
+  [application_ activateIgnoringOtherApps:YES];
+}
+
+void MacApplication::run() {
+  [application_ run];
+}
+
+void MacApplication::terminate() {
+  [application_ terminate:nil];
+}
+
+}  // namespace zephlin

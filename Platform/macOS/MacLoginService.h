@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Platform/LoginService.h"
+
+namespace zephlin {
+
+/// The main application's service of SMAppService.
+class MacLoginService final : public LoginService {
+ public:
+  void registerMainApp() override;
+  void unregisterMainApp() override;
+  [[nodiscard]] LoginServiceStatus status() const override;
+  void openSystemSettingsLoginItems() override;
+};
+
+}  // namespace zephlin

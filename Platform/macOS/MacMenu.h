@@ -1,0 +1,37 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include <memory>
+
+#include "Platform/Menu.h"
+#import "Platform/macOS/Retained.h"
+
+/// Has the portable menu's delegate fill it, and the native menu after it, before it opens.
+@interface ZephlinMenuDelegate : NSObject <NSMenuDelegate> {
+ @private
+  std::weak_ptr<zephlin::Menu> _menu;
+}
+- (instancetype)initWithMenu:(std::weak_ptr<zephlin::Menu>)menu;
+@end
+
+namespace zephlin {
+
+/// A portable menu as AppKit shows it. Items keep showing their titles as these change. Main
+/// thread.
+class MacMenu {
+ public:
+  explicit MacMenu(std::shared_ptr<Menu> menu);
+  MacMenu(const MacMenu&) = delete;
+  MacMenu& operator=(const MacMenu&) = delete;
+  ~MacMenu();
+
+  [[nodiscard]] NSMenu* get() const { return nativeMenu_.get(); }
+
+ private:
+  std::shared_ptr<Menu> menu_;
+  Retained<NSMenu*> nativeMenu_;
+  Retained<ZephlinMenuDelegate*> delegate_;
+};
+
+}  // namespace zephlin

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <memory>
+
+#include "Platform/Platform.h"
+#import "Platform/macOS/MacAlerts.h"
+#import "Platform/macOS/MacApplication.h"
+#import "Platform/macOS/MacClock.h"
+#import "Platform/macOS/MacDispatch.h"
+#import "Platform/macOS/MacEventTaps.h"
+#import "Platform/macOS/MacHidDevices.h"
+#import "Platform/macOS/MacLoginService.h"
+#import "Platform/macOS/MacProcessInfo.h"
+#import "Platform/macOS/MacStatusBar.h"
+#import "Platform/macOS/MacSystemLog.h"
+#import "Platform/macOS/MacUserDefaults.h"
+#import "Platform/macOS/MacWindows.h"
+#import "Platform/macOS/MacWorkspace.h"
+#import "Platform/macOS/Retained.h"
+
+namespace zephlin {
+
+/// The frameworks of macOS 13 and later.
+class MacPlatform final : public Platform {
+ public:
+  Dispatch& dispatch() override { return dispatch_; }
+  Clock& clock() override { return clock_; }
+  Application& application() override { return application_; }
+  ProcessInfo& processInfo() override { return processInfo_; }
+  Workspace& workspace() override { return workspace_; }
+  UserDefaults& standardUserDefaults() override { return userDefaults_; }
+  SystemLog& systemLog() override { return systemLog_; }
+  StatusBar& systemStatusBar() override { return statusBar_; }
+  AlertPresenter& alerts() override { return alerts_; }
+  WindowServer& windows() override { return windows_; }
+  HidDevices& hidDevices() override { return hidDevices_; }
+  EventTaps& eventTaps() override { return eventTaps_; }
+  LoginService& loginService() override { return loginService_; }
+  std::unique_ptr<Updater> makeStartedUpdater() override;
+
+ private:
+  /// For what is made before the event loop begins, which has pools of its own.
+  AutoreleasePool pool_;
+  MacDispatch dispatch_;
+  MacClock clock_;
+  MacApplication application_;
+  MacProcessInfo processInfo_;
+  MacWorkspace workspace_;
+  MacUserDefaults userDefaults_;
+  MacSystemLog systemLog_;
+  MacStatusBar statusBar_;
+  MacAlerts alerts_;
+  MacWindows windows_;
+  MacHidDevices hidDevices_;
+  MacEventTaps eventTaps_;
+  MacLoginService loginService_;
+};
+
+}  // namespace zephlin

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "Platform/SystemLog.h"
+
+namespace zephlin {
+
+class MacSystemLog final : public SystemLog {
+ public:
+  void log(const std::string& text) override;
+};
+
+}  // namespace zephlin

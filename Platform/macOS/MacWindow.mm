@@ -1,0 +1,93 @@
+#import "Platform/macOS/MacWindow.h"
+
+#include <utility>
+
+#import "Platform/macOS/MacWindows.h"
+#import "Platform/macOS/Text.h"
+
+@implementation ZephlinWindowDelegate
+
+- (instancetype)initWithDelegate:(std::weak_ptr<zephlin::WindowDelegate>)delegate {
+  self = [super init];
+  if (self != nil) {
+    _delegate = std::move(delegate);
+  }
+  return self;
+}
+
+- (void)windowWillClose:(NSNotification*)notification {
+  (void)notification;
+  if (const auto delegate = _delegate.lock()) {
+    delegate->windowWillClose();
+  }
+}
+
+@end
+
+namespace zephlin {
+
+MacWindow::MacWindow(const WindowDescription& description, std::shared_ptr<View> contentView)
+    : content_(std::move(contentView)),
+      views_(content_),
+      window_([[NSWindow alloc]
+          initWithContentRect:NSMakeRect(0, 0, description.contentWidth, description.contentHeight)
+                    styleMask:NSWindowStyleMaskTitled | NSWindowStyleMaskClosable
+                      backing:NSBackingStoreBuffered
+                        defer:NO]) {
+  [window_.get() setTitle:nativeText(description.title)];
+  [window_.get() setContentView:views_.root()];
+  // It is owned here; closing hides it.
+  [window_.get() setReleasedWhenClosed:NO];
+  [window_.get() setLevel:static_cast<NSWindowLevel>(description.level)];
+}
+
+MacWindow::~MacWindow() {
+  [window_.get() setDelegate:nil];
+  [window_.get() close];
+}
+
+void MacWindow::setDelegate(std::weak_ptr<WindowDelegate> delegate) {
+  Retained<ZephlinWindowDelegate*> native(
+      [[ZephlinWindowDelegate alloc] initWithDelegate:std::move(delegate)]);
+  [window_.get() setDelegate:native.get()];
+  delegate_ = std::move(native);
+}
+
+void MacWindow::setContentSizeToFit() {
+  NSView* const content = [window_.get() contentView];
+  [content layoutSubtreeIfNeeded];
+  [window_.get() setContentSize:[content fittingSize]];
+}
+
+void MacWindow::center() {
+  [window_.get() center];
+}
+
+void MacWindow::makeKeyAndOrderFront() {
+  [window_.get() makeKeyAndOrderFront:nil];
+}
+
+std::optional<std::string> MacWindow::contentAsPng() {
+  NSView* const content = [window_.get() contentView];
+  if (content == nil) {
+    return std::nullopt;
+  }
+  NSBitmapImageRep* const image = [content bitmapImageRepForCachingDisplayInRect:[content bounds]];
+  if (image == nil) {
+    return std::nullopt;
+  }
+  [content cacheDisplayInRect:[content bounds] toBitmapImageRep:image];
+  NSData* const png = [image representationUsingType:NSBitmapImageFileTypePNG
+                                          properties:[NSDictionary dictionary]];
+  if (png == nil) {
+    return std::nullopt;
+  }
+  return std::string(static_cast<const char*>([png bytes]), [png length]);
+}
+
+std::unique_ptr<Window> MacWindows::makeWindow(const WindowDescription& description,
+                                               std::shared_ptr<View> contentView) {
+  return std::make_unique<MacWindow>(description, std::move(contentView));
+}
+
+}  // namespace zephlin

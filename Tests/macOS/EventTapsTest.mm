@@ -1,0 +1,82 @@
+#include "StandIns/Actions.h"
+#include "StandIns/CallLog.h"
+#include "StandIns/Knobs.h"
+#import "Support/MacTest.h"
+
+namespace zephlin::test {
+namespace {
+
+class EventTapsTest : public MacTest {
+ protected:
+  struct Seen {
+    EventType type;
+    ModifierFlags flags;
+    bool operator==(const Seen&) const = default;
+  };
+
+  std::unique_ptr<Observation> listen() {
+    return platform().eventTaps().listen(eventMask(EventType::FlagsChanged),
+                                         [this](EventType type, ModifierFlags flags) {
+                                           seen_.push_back({type, flags});
+                                         });
+  }
+
+  std::vector<Seen> seen_;
+};
+
+TEST_F(EventTapsTest, TheTapListensToTheSessionsFlagsChangedEventsAtTheHead) {
+  const auto tap = listen();
+  EXPECT_EQ(standins::calls({"CG", "CF"}),
+            (Calls{"CGEventTapCreate(location 1, placement 0, options 1, mask 0x1000)",
+                   "CFMachPortCreateRunLoopSource(0)",
+                   "CFRunLoopAddSource(main, kCFRunLoopDefaultMode)", "CGEventTapEnable(true)"}));
+}
+
+TEST_F(EventTapsTest, EveryEventIsPassedOnUnchanged) {
+  const auto tap = listen();
+  standins::postEvent(12, 0x10100);
+  standins::postEvent(10, 0x10100);
+  standins::postEvent(0xFFFFFFFE, 0);
+  EXPECT_EQ(seen_, (std::vector<Seen>{{EventType::FlagsChanged, 0x10100},
+                                      {EventType::TapDisabledByTimeout, 0}}));
+  EXPECT_EQ(standins::calls({"event"}), Calls(2, "event returned unchanged"));
+}
+
+TEST_F(EventTapsTest, TheTapIsDisabledBeforeItsSourceIsRemoved) {
+  auto tap = listen();
+  standins::forgetCalls();
+  tap.reset();
+  EXPECT_EQ(
+      standins::calls({"CG", "CF"}),
+      (Calls{"CGEventTapEnable(false)", "CFRunLoopRemoveSource(main, kCFRunLoopDefaultMode)"}));
+  EXPECT_FALSE(standins::liveObjects().contains("CFMachPort"));
+  EXPECT_FALSE(standins::liveObjects().contains("CFRunLoopSource"));
+  standins::postEvent(12, 0x10000);
+  EXPECT_TRUE(seen_.empty());
+}
+
+TEST_F(EventTapsTest, ATapMayBeDestroyedByItsOwnCall) {
+  int calls = 0;
+  std::unique_ptr<Observation> tap;
+  tap = platform().eventTaps().listen(eventMask(EventType::FlagsChanged),
+                                      [&](EventType, ModifierFlags) {
+                                        tap.reset();
+                                        ++calls;
+                                      });
+  standins::postEvent(12, 0);
+  EXPECT_EQ(calls, 1);
+}
+
+TEST_F(EventTapsTest, WhereItIsNotAllowedThereIsNoTap) {
+  standins::knobs().eventTapsAllowed = false;
+  EXPECT_EQ(listen(), nullptr);
+  EXPECT_EQ(standins::calls({"CF", "CGEventTapEnable"}), Calls{});
+}
+
+TEST_F(EventTapsTest, TheCurrentFlagsAreThoseOfTheKeyboard) {
+  standins::knobs().modifierFlags = 0x10000;
+  EXPECT_EQ(platform().eventTaps().currentModifierFlags(), modifierCapsLock);
+}
+
+}  // namespace
+}  // namespace zephlin::test

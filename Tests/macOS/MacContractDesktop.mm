@@ -1,0 +1,151 @@
+#import <AppKit/AppKit.h>
+
+#include <chrono>
+#include <thread>
+
+#include "StandIns/Actions.h"
+#import "StandIns/AppKit/ModalAlert.h"
+#import "StandIns/AppKit/StatusMenu.h"
+#include "StandIns/Knobs.h"
+#import "Support/MacTest.h"
+#include "Tests/Contract/ContractDesktop.h"
+
+namespace zephlin::contract {
+namespace {
+
+using test::clickButton;
+using test::labelTexts;
+using test::windowTitled;
+
+class MacContractDesktop final : public ContractDesktop {
+ public:
+  MacContractDesktop() {
+    standins::knobs() = {};
+    standins::knobs().terminateReturns = true;
+    restartPlatform();
+  }
+
+  Platform& platform() override { return *platform_; }
+  void restartPlatform() override {
+    platform_.reset();
+    int argumentCount = 0;
+    platform_ = makePlatform(argumentCount, nullptr);
+  }
+
+  bool runUntil(const std::function<bool()>& condition) override {
+    for (const double end = monotonicSeconds() + patience; !condition(); takeTurn()) {
+      if (monotonicSeconds() > end) {
+        return false;
+      }
+    }
+    return true;
+  }
+  void runFor(double seconds) override {
+    for (const double end = monotonicSeconds() + seconds; monotonicSeconds() < end;) {
+      takeTurn();
+    }
+  }
+  double monotonicSeconds() override {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+  }
+  void letTimePass(double seconds) override {
+    std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+  }
+
+  void plugKeyboard() override { standins::attachDevice(); }
+  void sleepAndWake() override { standins::wake(); }
+  void pressCapsLock() override {
+    standins::knobs().modifierFlags ^= modifierCapsLock;
+    standins::reportKey(7, 57, 1);
+    standins::postEvent(12, standins::knobs().modifierFlags);
+  }
+  void releaseCapsLock() override { standins::reportKey(7, 57, 0); }
+
+  bool openMenu() override { return standins::openStatusMenu() != nil; }
+  std::vector<ShownMenuItem> menuItems() override;
+  bool chooseMenuItem(const std::string& title) override;
+  void closeMenu() override {}
+  std::string statusToolTip() override {
+    NSString* const text = [[standins::shownStatusItem() button] toolTip];
+    return text == nil ? "" : [text UTF8String];
+  }
+  bool isStatusImageShown() override { return [[standins::shownStatusItem() button] image] != nil; }
+
+  std::vector<ShownAlert> alerts() override;
+  void dismissAlert() override {
+    clickButton([[NSApp modalWindow] contentView], alerts().at(0).buttons.at(0));
+    standins::wakeEventLoop();
+  }
+  bool isWindowShown() override { return [windowTitled(windowTitle) isVisible]; }
+  std::vector<std::string> windowTexts() override { return labelTexts(content()); }
+  bool pressButton(const std::string& title) override { return clickButton(content(), title); }
+  void closeWindow() override { [windowTitled(windowTitle) performClose:nil]; }
+
+  void storeTextInDefaults(const std::string& key, const std::string& text) override {
+    [[NSUserDefaults standardUserDefaults] setObject:[NSString stringWithUTF8String:text.c_str()]
+                                              forKey:[NSString stringWithUTF8String:key.c_str()]];
+  }
+  void spoilDefaults() override {
+    [[NSUserDefaults standardUserDefaults]
+        removePersistentDomainForName:[[NSProcessInfo processInfo] processName]];
+  }
+  void switchLoginItemOff() override {
+    standins::knobs().registrationNeedsApproval = true;
+    standins::knobs().loginStatus = static_cast<int>(LoginServiceStatus::RequiresApproval);
+  }
+  void makeLoginItemsFail() override { standins::knobs().loginError = "not permitted"; }
+
+ private:
+  static constexpr double patience = 30;
+
+  static NSView* content() { return [windowTitled(windowTitle) contentView]; }
+  static void takeTurn() {
+    const AutoreleasePool pool;
+    NSString* const mode =
+        standins::modalAlert() == nil ? NSDefaultRunLoopMode : NSModalPanelRunLoopMode;
+    [[NSRunLoop mainRunLoop] runMode:mode beforeDate:[NSDate dateWithTimeIntervalSinceNow:0.005]];
+  }
+
+  std::unique_ptr<Platform> platform_;
+};
+
+std::vector<ShownMenuItem> MacContractDesktop::menuItems() {
+  std::vector<ShownMenuItem> shown;
+  for (NSMenuItem* item in [[standins::shownStatusItem() menu] itemArray]) {
+    const bool isSeparator = [item isSeparatorItem];
+    shown.push_back({isSeparator ? "" : [[item title] UTF8String], isSeparator,
+                     isSeparator || [item isEnabled], [item state] == NSControlStateValueOn});
+  }
+  return shown;
+}
+
+bool MacContractDesktop::chooseMenuItem(const std::string& title) {
+  NSMenu* const menu = [standins::shownStatusItem() menu];
+  const NSInteger index = [menu indexOfItemWithTitle:[NSString stringWithUTF8String:title.c_str()]];
+  if (index < 0 || ![[menu itemAtIndex:index] isEnabled]) {
+    return false;
+  }
+  [menu performActionForItemAtIndex:index];
+  return true;
+}
+
+std::vector<ShownAlert> MacContractDesktop::alerts() {
+  NSAlert* const alert = standins::modalAlert();
+  if (alert == nil) {
+    return {};
+  }
+  ShownAlert shown{[[alert messageText] UTF8String], {}};
+  for (NSButton* button in [alert buttons]) {
+    shown.buttons.emplace_back([[button title] UTF8String]);
+  }
+  return {shown};
+}
+
+}  // namespace
+
+std::unique_ptr<ContractDesktop> makeContractDesktop() {
+  return std::make_unique<MacContractDesktop>();
+}
+
+}  // namespace zephlin::contract

@@ -1,0 +1,178 @@
+#include "StandIns/Actions.h"
+#import "StandIns/AppKit/StatusMenu.h"
+#include "StandIns/CallLog.h"
+#include "StandIns/Knobs.h"
+#import "Support/ApplicationTest.h"
+#include "Support/FakeHidutil.h"
+
+namespace zephlin::test {
+namespace {
+
+class MenuActionsTest : public ApplicationTest {
+ protected:
+  static Calls titles(NSMenu* menu) {
+    Calls found;
+    for (NSMenuItem* entry in [menu itemArray]) {
+      found.emplace_back([entry isSeparatorItem] ? "-" : [[entry title] UTF8String]);
+    }
+    return found;
+  }
+
+  static NSMenu* submenu(NSInteger index) { return [[[NSApp mainMenu] itemAtIndex:index] submenu]; }
+
+  static std::string selectorOf(NSMenu* menu, NSInteger index) {
+    return [NSStringFromSelector([[menu itemAtIndex:index] action]) UTF8String];
+  }
+};
+
+TEST_F(MenuActionsTest, OpeningTwiceGivesElevenEntriesEachTime) {
+  standins::knobs().mainBundlePath = "/Applications/Zephlin.app";
+  launch([] {
+    openMenu();
+    const Calls expected{"Zephlin · Instant Caps Lock",
+                         "On. Every tap registers instantly",
+                         "-",
+                         "Instant Caps Lock",
+                         "Start at Login",
+                         "Re-apply Now",
+                         "-",
+                         "Tap Test…",
+                         "Check for Updates…",
+                         "About Zephlin",
+                         "Quit Zephlin"};
+    EXPECT_EQ(titles(openMenu()), expected);
+    EXPECT_FALSE([item("Zephlin · Instant Caps Lock") isEnabled]);
+    EXPECT_EQ([item("Instant Caps Lock") state], NSControlStateValueOn);
+    EXPECT_EQ([item("Start at Login") state], NSControlStateValueOn);
+    EXPECT_TRUE([item("Start at Login") isEnabled]);
+    EXPECT_TRUE([[item("Quit Zephlin") keyEquivalent] isEqual:@"q"]);
+    EXPECT_TRUE([[item("Tap Test…") keyEquivalent] isEqual:@""]);
+  });
+}
+
+TEST_F(MenuActionsTest, TogglingRestoresAndAppliesAndRewritesTheOpenMenusStatusLine) {
+  launch([] {
+    openMenu();
+    choose("Instant Caps Lock");
+    EXPECT_EQ(statusLine(), "Off, using your Mac's normal delay");
+    EXPECT_EQ(symbolName(), "capslock");
+    openMenu();
+    EXPECT_EQ([item("Instant Caps Lock") state], NSControlStateValueOff);
+    EXPECT_FALSE([item("Re-apply Now") isEnabled]);
+    choose("Instant Caps Lock");
+    EXPECT_EQ(statusLine(), "On. Every tap registers instantly");
+  });
+  EXPECT_EQ(FakeHidutil::shared().sets(), (Calls{"0", "-1", "0"}));
+}
+
+TEST_F(MenuActionsTest, ReapplyNowAppliesAnew) {
+  launch([] {
+    openMenu();
+    choose("Re-apply Now");
+  });
+  EXPECT_EQ(FakeHidutil::shared().sets(), Calls(2, "0"));
+}
+
+TEST_F(MenuActionsTest, ALoginItemThatNeedsApprovalOpensTheSettings) {
+  standins::knobs().mainBundlePath = "/Applications/Zephlin.app";
+  [[NSUserDefaults standardUserDefaults] setBool:YES forKey:@"didSetupLoginItem"];
+  standins::knobs().registrationNeedsApproval = true;
+  launch([] {
+    openMenu();
+    choose("Start at Login");
+  });
+  EXPECT_EQ(standins::calls({"SMAppService open"}).size(), 1U);
+}
+
+TEST_F(MenuActionsTest, ALoginItemChangeThatFailsIsLogged) {
+  standins::knobs().mainBundlePath = "/Applications/Zephlin.app";
+  [[NSUserDefaults standardUserDefaults] setBool:YES forKey:@"didSetupLoginItem"];
+  standins::knobs().loginStatus = 1;
+  standins::knobs().loginError = "Operation not permitted";
+  launch([] {
+    openMenu();
+    choose("Start at Login");
+  });
+  EXPECT_EQ(logLines(), Calls{"Zephlin: login item change failed: Operation not permitted"});
+  EXPECT_EQ(standins::calls({"SMAppService open", "SMAppService register"}), Calls{});
+}
+
+TEST_F(MenuActionsTest, OutsideABundleTheLoginItemIsOfferedButNotEnabled) {
+  launch([] {
+    openMenu();
+    EXPECT_FALSE([item("Start at Login") isEnabled]);
+    EXPECT_EQ([item("Start at Login") state], NSControlStateValueOff);
+  });
+}
+
+TEST_F(MenuActionsTest, CheckingForUpdatesIsSparklesAction) {
+  standins::knobs().bundleHasSparkle = true;
+  launch([] {
+    openMenu();
+    choose("Check for Updates…");
+  });
+  EXPECT_EQ(standins::calls({"SPU"}),
+            (Calls{"SPUStandardUpdaterController init(starting 1, delegates none)",
+                   "SPUStandardUpdaterController checkForUpdates:"}));
+}
+
+TEST_F(MenuActionsTest, AboutActivatesAndThenShowsItsTextWithOneButton) {
+  Calls texts;
+  launch([&texts] {
+    standins::forgetCalls();
+    whenModal([&texts] {
+      texts = labelTexts([[NSApp modalWindow] contentView]);
+      clickInModalWindow("OK");
+    });
+    openMenu();
+    choose("About Zephlin");
+    EXPECT_EQ(standins::calls({"NSApplication", "NSAlert"}),
+              (Calls{"NSApplication activateIgnoringOtherApps:1",
+                     "NSAlert runModal(style 1, 1 buttons)"}));
+  });
+  const std::string about =
+      "Your Mac normally ignores quick Caps Lock taps, so fast typists end up with the wrong "
+      "casing. Zephlin makes every tap register instantly, the way it should.\n\n"
+      "It's completely safe. Zephlin changes nothing permanent — turn it off anytime from this "
+      "menu, and your Mac goes right back to normal.\n\n"
+      "To turn it off: uncheck \"Instant Caps Lock\" in the menu.\n\n";
+  EXPECT_NE(std::find(texts.begin(), texts.end(), "Zephlin · Instant Caps Lock"), texts.end());
+  EXPECT_TRUE(std::any_of(texts.begin(), texts.end(),
+                          [&about](const auto& text) { return text.starts_with(about); }));
+}
+
+TEST_F(MenuActionsTest, QuitTerminatesWithoutSenderAndRestoresNothing) {
+  launch([] {
+    openMenu();
+    choose("Quit Zephlin");
+  });
+  EXPECT_EQ(standins::calls({"NSApplication terminate"}).front(), "NSApplication terminate:nil");
+  EXPECT_EQ(FakeHidutil::shared().sets(), Calls{"0"});
+}
+
+TEST_F(MenuActionsTest, TheMainMenuSendsItsActionsAlongTheResponderChain) {
+  launch([] {
+    ASSERT_EQ([[NSApp mainMenu] numberOfItems], 2);
+    EXPECT_EQ(titles(submenu(0)), (Calls{"Hide Zephlin", "-", "Quit Zephlin"}));
+    EXPECT_EQ(titles(submenu(1)),
+              (Calls{"Undo", "Redo", "-", "Cut", "Copy", "Paste", "Select All"}));
+    EXPECT_TRUE([[submenu(1) title] isEqual:@"Edit"]);
+    EXPECT_EQ(selectorOf(submenu(0), 0), "hide:");
+    EXPECT_EQ(selectorOf(submenu(0), 2), "terminate:");
+    const char* const edits[] = {
+        "undo:", "redo:", nullptr, "cut:", "copy:", "paste:", "selectAll:"};
+    const char* const keys[] = {"z", "z", "", "x", "c", "v", "a"};
+    for (NSInteger i = 0; i < 7; ++i) {
+      NSMenuItem* const entry = [submenu(1) itemAtIndex:i];
+      EXPECT_TRUE([entry target] == nil);
+      if (edits[i] != nullptr) {
+        EXPECT_EQ(selectorOf(submenu(1), i), edits[i]);
+        EXPECT_EQ(std::string([[entry keyEquivalent] UTF8String]), keys[i]);
+        EXPECT_EQ([entry keyEquivalentModifierMask], i == 1 ? 0x120000U : 0x100000U) << edits[i];
+      }
+    }
+  });
+}
+
+}  // namespace
+}  // namespace zephlin::test

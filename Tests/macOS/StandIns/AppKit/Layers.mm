@@ -1,0 +1,117 @@
+#import <AppKit/AppKit.h>
+
+#import "StandIns/AppKit/ViewState.h"
+#import "StandIns/CallLog.h"
+#import "StandIns/Knobs.h"
+#import "StandIns/RunLoop.h"
+
+namespace {
+
+void paint(CALayer* layer, NSRect bounds) {
+  const CGFloat inset = [layer borderWidth] / 2;
+  NSBezierPath* const path =
+      [NSBezierPath bezierPathWithRoundedRect:NSInsetRect(bounds, inset, inset)
+                                      xRadius:[layer cornerRadius]
+                                      yRadius:[layer cornerRadius]];
+  if (NSColor* const fill = reinterpret_cast<NSColor*>([layer backgroundColor])) {
+    [fill setFill];
+    [path fill];
+  }
+  if (NSColor* const border = reinterpret_cast<NSColor*>([layer borderColor])) {
+    [border setStroke];
+    [path setLineWidth:[layer borderWidth]];
+    [path stroke];
+  }
+}
+
+// A view with a layer that wants to update it is asked for that instead of being drawn.
+void drawRect(id self, SEL selector, NSRect rect) {
+  (void)selector;
+  (void)rect;
+  if ([self wantsUpdateLayer] && [self wantsLayer]) {
+    standins::record("NSView updateLayer");
+    [self updateLayer];
+    paint([self layer], [self bounds]);
+  }
+}
+
+using Encode = NSData* (*)(id, SEL, NSBitmapImageFileType, NSDictionary*);
+Encode originalEncode = nullptr;
+
+NSData* encode(id self, SEL selector, NSBitmapImageFileType type, NSDictionary* properties) {
+  standins::record("NSBitmapImageRep representationUsingType:%lu properties:%lu",
+                   static_cast<unsigned long>(type),
+                   static_cast<unsigned long>([properties count]));
+  return standins::knobs().imagesCanBeEncoded ? originalEncode(self, selector, type, properties)
+                                              : nil;
+}
+
+}  // namespace
+
+@interface StandInLayers : NSObject
+@end
+
+@implementation StandInLayers
+
++ (void)load {
+  standins::replaceMethod("NSView", @selector(drawRect:), reinterpret_cast<IMP>(drawRect));
+  originalEncode = reinterpret_cast<Encode>(
+      standins::replaceMethod("NSBitmapImageRep", @selector(representationUsingType:properties:),
+                              reinterpret_cast<IMP>(encode)));
+}
+
+@end
+
+@implementation NSView (StandInLayers)
+
+- (BOOL)wantsLayer {
+  return standins::viewState(self).wantsLayer ? YES : NO;
+}
+
+- (void)setWantsLayer:(BOOL)wantsLayer {
+  standins::viewState(self).wantsLayer = wantsLayer;
+  if (wantsLayer && [self layer] == nil) {
+    [self setLayer:[[[CALayer alloc] init] autorelease]];
+  }
+}
+
+- (CALayer*)layer {
+  return standins::viewState(self).layer;
+}
+
+- (void)setLayer:(CALayer*)layer {
+  [layer retain];
+  [standins::viewState(self).layer release];
+  standins::viewState(self).layer = layer;
+}
+
+- (BOOL)wantsUpdateLayer {
+  return NO;
+}
+
+- (void)updateLayer {
+}
+
+- (NSBitmapImageRep*)bitmapImageRepForCachingDisplayInRect:(NSRect)rect {
+  standins::record("NSView bitmapImageRepForCachingDisplayInRect:%gx%g", rect.size.width,
+                   rect.size.height);
+  if (!standins::knobs().viewsCanBeCached) {
+    return nil;
+  }
+  // Texts may have changed their sizes.
+  standins::layOut([[self window] contentView]);
+  [[[self window] contentView] display];
+  return
+      [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:nullptr
+                                               pixelsWide:static_cast<NSInteger>(rect.size.width)
+                                               pixelsHigh:static_cast<NSInteger>(rect.size.height)
+                                            bitsPerSample:8
+                                          samplesPerPixel:4
+                                                 hasAlpha:YES
+                                                 isPlanar:NO
+                                           colorSpaceName:NSCalibratedRGBColorSpace
+                                              bytesPerRow:0
+                                             bitsPerPixel:32] autorelease];
+}
+
+@end

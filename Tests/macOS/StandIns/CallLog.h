@@ -1,0 +1,32 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What the stand-ins were asked to do, in order, and which of their objects live. Any thread.
+namespace standins {
+
+[[gnu::format(printf, 1, 2)]] void record(const char* format, ...);
+
+/// The calls that begin with one of the prefixes; all of them without a prefix.
+std::vector<std::string> calls(const std::vector<std::string_view>& prefixes = {});
+void forgetCalls();
+
+/// Counts a live object of a kind for as long as it lives itself.
+class Live {
+ public:
+  explicit Live(const char* kind);
+  Live(const Live&) = delete;
+  Live& operator=(const Live&) = delete;
+  ~Live();
+
+ private:
+  const char* const kind_;
+};
+
+/// The kinds of which there are live objects, with how many.
+std::map<std::string, int> liveObjects();
+
+}  // namespace standins

@@ -1,0 +1,154 @@
+#import "StandIns/AppKit/StatusMenu.h"
+#import "StandIns/AppKit/SymbolImage.h"
+#include "StandIns/CallLog.h"
+#include "StandIns/Knobs.h"
+#import "Support/MacTest.h"
+
+namespace zephlin::test {
+namespace {
+
+class RebuildingDelegate : public MenuDelegate {
+ public:
+  void menuNeedsUpdate(Menu& menu) override {
+    menu.removeAllItems();
+    menu.add(std::make_shared<MenuItem>("Text", std::monostate()))->isEnabled = false;
+    menu.add(MenuItem::separator());
+    toggled = menu.add(std::make_shared<MenuItem>("Toggle", [this] { ++actions; }));
+    toggled->isChecked = true;
+    menu.add(std::make_shared<MenuItem>(
+        "Quit", [this] { ++actions; }, "q"));
+  }
+
+  std::shared_ptr<MenuItem> toggled;
+  int actions = 0;
+};
+
+class StatusItemTest : public MacTest {
+ protected:
+  void SetUp() override {
+    item_ = platform().systemStatusBar().makeStatusItem(squareStatusItemLength);
+  }
+
+  std::shared_ptr<RebuildingDelegate> attachMenu() {
+    auto delegate = std::make_shared<RebuildingDelegate>();
+    auto menu = std::make_shared<Menu>();
+    menu->autoenablesItems = false;
+    menu->delegate = delegate;
+    item_->setMenu(menu);
+    return delegate;
+  }
+
+  static StandInSymbolImage* image() {
+    return static_cast<StandInSymbolImage*>([[standins::shownStatusItem() button] image]);
+  }
+
+  std::unique_ptr<StatusItem> item_;
+};
+
+TEST_F(StatusItemTest, TheItemIsSquareAndShownUntilItIsDestroyed) {
+  EXPECT_EQ(standins::calls({"NSStatusBar"}), Calls{"NSStatusBar statusItemWithLength:-2"});
+  EXPECT_TRUE(item_->hasButton());
+  item_.reset();
+  EXPECT_EQ(standins::calls({"NSStatusBar"}).back(), "NSStatusBar removeStatusItem");
+  EXPECT_TRUE(standins::shownStatusItem() == nil);
+}
+
+TEST_F(StatusItemTest, TheSymbolIsATemplateWithItsDescription) {
+  auto symbol = platform().systemStatusBar().systemSymbol("capslock.fill", "Zephlin");
+  ASSERT_TRUE(symbol);
+  EXPECT_FALSE(symbol->isTemplate);
+  symbol->isTemplate = true;
+  item_->setButtonImage(symbol);
+  EXPECT_TRUE([image()->_symbolName isEqual:@"capslock.fill"]);
+  EXPECT_TRUE([image()->_description isEqual:@"Zephlin"]);
+  EXPECT_TRUE([image() isTemplate]);
+}
+
+TEST_F(StatusItemTest, NoSymbolClearsTheButton) {
+  item_->setButtonImage(platform().systemStatusBar().systemSymbol("capslock", "Zephlin"));
+  ASSERT_TRUE(image() != nil);
+  standins::knobs().symbols.clear();
+  const auto missing = platform().systemStatusBar().systemSymbol("capslock", "Zephlin");
+  EXPECT_EQ(missing, std::nullopt);
+  item_->setButtonImage(missing);
+  EXPECT_TRUE(image() == nil);
+}
+
+TEST_F(StatusItemTest, TheToolTipIsTheButtons) {
+  item_->setButtonToolTip("Zephlin: instant Caps Lock is ON");
+  EXPECT_TRUE(
+      [[[standins::shownStatusItem() button] toolTip] isEqual:@"Zephlin: instant Caps Lock is ON"]);
+}
+
+TEST_F(StatusItemTest, WithoutAButtonNothingIsShownAndNothingFails) {
+  standins::knobs().statusItemsHaveButtons = false;
+  item_ = platform().systemStatusBar().makeStatusItem(squareStatusItemLength);
+  EXPECT_FALSE(item_->hasButton());
+  item_->setButtonImage(SymbolImage{"capslock", "Zephlin", true});
+  item_->setButtonToolTip("text");
+}
+
+TEST_F(StatusItemTest, TheMenuIsAttachedEmptyWithItsDelegateAndWithoutEnablingItems) {
+  const auto delegate = attachMenu();
+  EXPECT_EQ(standins::calls({"NSStatusItem"}),
+            Calls{"NSStatusItem setMenu: delegate set, autoenables 0, 0 items"});
+}
+
+TEST_F(StatusItemTest, EachOpeningRebuildsTheMenu) {
+  const auto delegate = attachMenu();
+  standins::openStatusMenu();
+  NSMenu* const menu = standins::openStatusMenu();
+  ASSERT_EQ([menu numberOfItems], 4);
+  EXPECT_FALSE([[menu itemAtIndex:0] isEnabled]);
+  EXPECT_TRUE([[menu itemAtIndex:0] target] == nil);
+  EXPECT_TRUE([[menu itemAtIndex:1] isSeparatorItem]);
+  EXPECT_TRUE([[menu itemAtIndex:2] isEnabled]);
+  EXPECT_EQ([[menu itemAtIndex:2] state], NSControlStateValueOn);
+  EXPECT_TRUE([[[menu itemAtIndex:2] keyEquivalent] isEqual:@""]);
+  EXPECT_EQ([[menu itemAtIndex:3] state], NSControlStateValueOff);
+  EXPECT_TRUE([[[menu itemAtIndex:3] keyEquivalent] isEqual:@"q"]);
+  EXPECT_EQ([[menu itemAtIndex:3] keyEquivalentModifierMask], modifierCommand);
+}
+
+TEST_F(StatusItemTest, AnActionIsPerformedAlsoWhenItRebuildsTheMenu) {
+  const auto delegate = attachMenu();
+  NSMenu* const menu = standins::openStatusMenu();
+  delegate->toggled->action = [] {};
+  [menu performActionForItemAtIndex:2];
+  EXPECT_EQ(delegate->actions, 1);
+}
+
+TEST_F(StatusItemTest, ATitleChangesInTheOpenMenu) {
+  const auto delegate = attachMenu();
+  NSMenu* const menu = standins::openStatusMenu();
+  ASSERT_TRUE(delegate->toggled->titleDidChange);
+  delegate->toggled->setTitle("Changed…");
+  EXPECT_STREQ([[[menu itemAtIndex:2] title] UTF8String], "Changed…");
+}
+
+TEST_F(StatusItemTest, AMenuWhoseDelegateHasGoneStaysAsItIs) {
+  auto delegate = attachMenu();
+  standins::openStatusMenu();
+  delegate.reset();
+  EXPECT_EQ([standins::openStatusMenu() numberOfItems], 4);
+}
+
+TEST_F(StatusItemTest, NothingOfTheMenuOutlivesTheItem) {
+  const int menus = liveObjectsOf("NSMenu");
+  const int items = liveObjectsOf("NSMenuItem");
+  {
+    const AutoreleasePool pool;
+    item_ = platform().systemStatusBar().makeStatusItem(squareStatusItemLength);
+    const auto delegate = attachMenu();
+    standins::openStatusMenu();
+    standins::openStatusMenu();
+    item_.reset();
+  }
+  EXPECT_EQ(liveObjectsOf("NSMenu"), menus);
+  EXPECT_EQ(liveObjectsOf("NSMenuItem"), items);
+  EXPECT_EQ(liveObjectsOf("ZephlinActionTarget"), 0);
+  EXPECT_EQ(liveObjectsOf("ZephlinMenuDelegate"), 0);
+}
+
+}  // namespace
+}  // namespace zephlin::test

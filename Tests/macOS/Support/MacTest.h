@@ -1,0 +1,54 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Platform/Platform.h"
+#import "Platform/macOS/Retained.h"
+
+namespace zephlin::test {
+
+using Calls = std::vector<std::string>;
+
+/// Calls `visit` for the view and all below it.
+void forEachNativeView(NSView* view, const std::function<void(NSView*)>& visit);
+
+/// Clicks the button below the view that has this title; false where there is none.
+bool clickButton(NSView* view, const std::string& title);
+/// The texts of the labels below the view.
+Calls labelTexts(NSView* view);
+/// The application's window with this title, or nil.
+NSWindow* windowTitled(const std::string& title);
+
+/// A Mac as new: all knobs and records at rest, no stored settings, time that stands still.
+class MacTest : public ::testing::Test {
+ protected:
+  MacTest();
+  ~MacTest() override;
+
+  Platform& platform() { return *platform_; }
+  void releasePlatform() { platform_.reset(); }
+
+  /// Lets the main run loop take turns until the condition holds.
+  static void waitUntil(const std::function<bool()>& condition);
+  /// Runs the work while an alert is modal.
+  static void whenModal(std::function<void()> work);
+  /// Clicks the button of the modal window that has this title.
+  static void clickInModalWindow(const std::string& title);
+  /// How many objects of the class, and of none of its subclasses, there are.
+  static int liveObjectsOf(const char* className);
+
+  /// The log lines that were written, without dates.
+  [[nodiscard]] static Calls logLines();
+
+ private:
+  AutoreleasePool pool_;
+  std::unique_ptr<Platform> platform_;
+};
+
+}  // namespace zephlin::test

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace zephlin::test {
+
+/// What the work's exception says; empty where it throws none. Not inline: Clang with GCC's runtime
+/// catches no exception of C++ in Objective-C++.
+std::string thrownBy(const std::function<void()>& work);
+
+}  // namespace zephlin::test
