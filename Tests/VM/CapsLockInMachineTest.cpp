@@ -1,0 +1,110 @@
+#include "Tests/VM/TypedMachine.h"
+
+namespace zephlin {
+namespace {
+
+using CapsLockInMachine = TypedMachine;
+
+TEST_F(CapsLockInMachine, ActsAtThePressAfterApplyAndAsEverAfterRestore) {
+  EXPECT_EQ(typeHello(0), "HEe");
+  apply();
+  EXPECT_EQ(typeHello(0), "Hee");
+  restore();
+  EXPECT_EQ(typeHello(0), "HEe");
+}
+
+TEST_F(CapsLockInMachine, EachKeyboardHasItsOwnDelay) {
+  machine().plug(1);
+  EXPECT_EQ(typeHello(1), "HEe");
+  apply(2);
+  EXPECT_EQ(typeHello(0), "Hee");
+  EXPECT_EQ(typeHello(1), "Hee");
+  machine().output(R"(hidutil property --matching '{"RegistryID":"100000002"}' )"
+                   R"(--set '{"CapsLockDelayOverride":300}')");
+  EXPECT_EQ(typeHello(0), "Hee");
+  EXPECT_EQ(textOf(1,
+                   [] {
+                     tap(1, "caps_lock");
+                     tap(1, "h");
+                   }),
+            "h");
+  EXPECT_EQ(textOf(1,
+                   [&] {
+                     machine().press(1, "caps_lock");
+                     machine().output("sleep 1");
+                     tap(1, "h");
+                     machine().release(1, "caps_lock");
+                     tap(1, "i");
+                   }),
+            "HI");
+  machine().pull(1);
+}
+
+TEST_F(CapsLockInMachine, TheCloneLooksLikeItsKeyboard) {
+  const auto descriptions = [] {
+    return machine().output(
+        "for each in /sys/class/input/event*/device; do grep -q K0 $each/uniq || grep -q ^zephlin "
+        "$each/phys || continue; cat $each/name $each/id/* $each/capabilities/* $each/properties | "
+        "md5sum; done");
+  };
+  const std::string original = descriptions();
+  apply();
+  EXPECT_EQ(descriptions(), original + original);
+}
+
+TEST_F(CapsLockInMachine, AKeyboardWithoutLightsIsInstantToo) {
+  machine().output(
+      "rm -f /tmp/keys; mkfifo /tmp/keys; LightlessKeyboard </tmp/keys & exec 9>/tmp/keys");
+  machine().waitUntil("hidutil list | grep -q Lightless");
+  const auto type = [](const std::string& keys) {
+    machine().output("for each in " + keys + "; do echo KEY_$each; sleep 0.3; done >&9");
+  };
+  const std::string hello =
+      "'CAPSLOCK 1' 'CAPSLOCK 0' 'H 1' 'H 0' 'CAPSLOCK 1' 'E 1' 'CAPSLOCK 0' "
+      "'E 0' 'E 1' 'E 0'";
+  EXPECT_EQ(textOf(0, [&] { type(hello); }), "HEe");
+  apply(2);
+  EXPECT_EQ(textOf(0, [&] { type(hello); }), "Hee");
+  machine().output("exec 9>&-");
+  waitForClones(1);
+}
+
+TEST_F(CapsLockInMachine, TheClonesAreNotListed) {
+  apply();
+  EXPECT_EQ(machine().output("hidutil list | wc -l"), "2\n");
+}
+
+/// Caps Lock as a modifier, and both ways of locking with the shift keys.
+class OtherUsesOfCapsLock : public TypedMachine, public testing::WithParamInterface<const char*> {
+ protected:
+  /// In pieces, as the virtual keyboard remembers only sixteen events.
+  std::string typed() {
+    startJudge(GetParam());
+    machine().press(0, "caps_lock");
+    tap(0, "a");
+    machine().release(0, "caps_lock");
+    tap(0, "b");
+    finishTyping(0);
+    for (const char* const letter : {"c", "d"}) {
+      machine().press(0, "shift");
+      machine().press(0, "shift_r");
+      machine().release(0, "shift_r");
+      machine().release(0, "shift");
+      tap(0, letter);
+      finishTyping(0);
+    }
+    return seen();
+  }
+};
+
+TEST_P(OtherUsesOfCapsLock, AreAsEver) {
+  const std::string before = typed();
+  apply();
+  EXPECT_EQ(typed(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Options, OtherUsesOfCapsLock,
+                         testing::Values("ctrl:nocaps", "caps:escape", "shift:both_capslock"));
+
+}  // namespace
+}  // namespace zephlin

@@ -1,0 +1,180 @@
+#include "Tests/VM/VirtualMachine.h"
+
+#include <nlohmann/json.hpp>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <array>
+#include <stdexcept>
+#include <thread>
+
+#include "HidUtil/SocketAddress.h"
+
+namespace zephlin {
+namespace {
+
+using namespace std::chrono_literals;
+using nlohmann::json;
+
+constexpr int patienceMilliseconds = 60'000;
+constexpr auto timeBetweenTries = 50ms;
+
+FileDescriptor connectTo(const std::string& path) {
+  const SocketAddress address(path);
+  const auto deadline = std::chrono::steady_clock::now() + 1min;
+  while (std::chrono::steady_clock::now() < deadline) {
+    FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (::connect(socket.get(), address.get(), address.size()) == 0) {
+      return socket;
+    }
+    std::this_thread::sleep_for(timeBetweenTries);
+  }
+  throw std::runtime_error("the virtual machine does not start; is qemu-system-x86 installed?");
+}
+
+}  // namespace
+
+LineStream::LineStream(const std::string& path) : socket_(connectTo(path)) {}
+
+void LineStream::send(const std::string& line) {
+  const std::string bytes = line + '\n';
+  if (::send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL) !=
+      static_cast<ssize_t>(bytes.size())) {
+    throw std::runtime_error("the virtual machine takes no more");
+  }
+}
+
+std::string LineStream::receive() {
+  while (buffer_.find('\n') == std::string::npos) {
+    pollfd polled{socket_.get(), POLLIN, 0};
+    std::array<char, 4096> chunk{};
+    const ssize_t count = ::poll(&polled, 1, patienceMilliseconds) <= 0
+                              ? 0
+                              : ::recv(socket_.get(), chunk.data(), chunk.size(), 0);
+    if (count <= 0) {
+      throw std::runtime_error("the virtual machine says no more: " + buffer_);
+    }
+    buffer_.append(chunk.data(), static_cast<std::size_t>(count));
+  }
+  const auto end = buffer_.find('\n');
+  std::string line = buffer_.substr(0, end);
+  buffer_.erase(0, end + 1);
+  if (!line.empty() && line.back() == '\r') {
+    line.pop_back();
+  }
+  return line;
+}
+
+/// clang-format would put each word on a line of its own.
+// clang-format off
+std::vector<std::string> VirtualMachine::command(const std::string& images) const {
+  return {"/usr/bin/qemu-system-x86_64",
+          "-machine", "pc,i8042=off", "-accel", "tcg", "-m", "512",
+          "-nodefaults", "-no-user-config", "-no-reboot", "-display", "none",
+          "-kernel", images + "/kernel", "-initrd", images + "/initramfs",
+          "-append", "console=ttyS0 quiet panic=-1 no_console_suspend mem_sleep_default=deep",
+          "-device", "bochs-display,id=video0", "-device", "bochs-display,id=video1",
+          "-device", "qemu-xhci,id=usb",
+          "-serial", "file:" + images + "/console.log",
+          "-serial", "unix:" + directory_.file("shell") + ",server=on,wait=on",
+          "-qmp", "unix:" + directory_.file("control") + ",server=on,wait=off"};
+}
+// clang-format on
+
+VirtualMachine::VirtualMachine(const std::string& images)
+    : process_(command(images)),
+      shell_(directory_.file("shell")),
+      control_(directory_.file("control")) {
+  control("qmp_capabilities");
+  while (shell_.receive() != "@@ready") {
+  }
+}
+
+VirtualMachine::Outcome VirtualMachine::run(const std::string& command) {
+  shell_.send(command);
+  return receiveOutcome();
+}
+
+VirtualMachine::Outcome VirtualMachine::receiveOutcome() {
+  Outcome outcome;
+  for (;;) {
+    const std::string line = shell_.receive();
+    if (line.starts_with("@@")) {
+      outcome.status = std::stoi(line.substr(2));
+      return outcome;
+    }
+    outcome.output += line + '\n';
+  }
+}
+
+std::string VirtualMachine::output(const std::string& command) {
+  const Outcome outcome = run(command);
+  if (outcome.status != 0) {
+    throw std::runtime_error(command + ": status " + std::to_string(outcome.status) + "\n" +
+                             outcome.output);
+  }
+  return outcome.output;
+}
+
+void VirtualMachine::waitUntil(const std::string& condition) {
+  const Outcome outcome = run("for try in $(seq 300); do if " + condition +
+                              "; then break; fi; sleep 0.1; done; " + condition);
+  if (outcome.status != 0) {
+    throw std::runtime_error("it does not come true in the virtual machine: " + condition);
+  }
+}
+
+std::string VirtualMachine::keyboardIsThere(int keyboard) {
+  return "cat /sys/class/input/event*/device/uniq 2>/dev/null | grep -q -x K" +
+         std::to_string(keyboard);
+}
+
+void VirtualMachine::plug(int keyboard) {
+  const std::string number = std::to_string(keyboard);
+  control("device_add", {{"driver", "usb-kbd"},
+                         {"id", "keyboard" + number},
+                         {"bus", "usb.0"},
+                         {"serial", "K" + number},
+                         {"display", "video" + number}});
+  waitUntil(keyboardIsThere(keyboard));
+  output("udevadm settle");
+}
+
+void VirtualMachine::pull(int keyboard) {
+  control("device_del", {{"id", "keyboard" + std::to_string(keyboard)}});
+  waitUntil("! { " + keyboardIsThere(keyboard) + "; }");
+  output("udevadm settle");
+}
+
+void VirtualMachine::turn(int keyboard, const std::string& key, bool isDown) {
+  control("input-send-event",
+          {{"device", "video" + std::to_string(keyboard)},
+           {"events",
+            {{{"type", "key"},
+              {"data", {{"down", isDown}, {"key", {{"type", "qcode"}, {"data", key}}}}}}}}});
+}
+
+void VirtualMachine::suspendAndWake() {
+  shell_.send("echo mem >/sys/power/state");
+  while (json::parse(control_.receive()).value("event", "") != "SUSPEND") {
+  }
+  control("system_wakeup");
+  if (receiveOutcome().status != 0) {
+    throw std::runtime_error("the virtual machine does not suspend");
+  }
+}
+
+void VirtualMachine::control(const std::string& command, const json& arguments) {
+  control_.send(json{{"execute", command}, {"arguments", arguments}}.dump());
+  for (;;) {
+    const json answer = json::parse(control_.receive());
+    if (answer.contains("error")) {
+      throw std::runtime_error(command + ": " + answer.dump());
+    }
+    if (answer.contains("return")) {
+      return;
+    }
+  }
+}
+
+}  // namespace zephlin

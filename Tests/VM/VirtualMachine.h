@@ -1,0 +1,76 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+#include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/TestProcess.h"
+#include "ZephlinCore/FileDescriptor.h"
+
+namespace zephlin {
+
+/// A stream over a Unix socket, line by line. Throws std::runtime_error after two minutes of
+/// silence.
+class LineStream {
+ public:
+  explicit LineStream(const std::string& path);
+
+  void send(const std::string& line);
+  std::string receive();
+
+ private:
+  FileDescriptor socket_;
+  std::string buffer_;
+};
+
+/// A virtual machine with USB keyboards that are plugged and typed on from outside, and a shell.
+/// Everything that fails throws std::runtime_error.
+class VirtualMachine {
+ public:
+  struct Outcome {
+    int status = 0;
+    std::string output;
+  };
+
+  /// `images` has what buildImage.sh has made. Returns when the machine has booted.
+  explicit VirtualMachine(const std::string& images);
+
+  /// Runs a command line in the machine's shell.
+  Outcome run(const std::string& command);
+
+  /// The output of a command line that succeeds.
+  std::string output(const std::string& command);
+
+  /// Waits until a command line succeeds, half a minute or so.
+  void waitUntil(const std::string& condition);
+
+  /// Plugs a keyboard that has its own place, 0 or 1, and waits until the kernel has it.
+  void plug(int keyboard);
+
+  /// Pulls it and waits until the kernel has noticed.
+  void pull(int keyboard);
+
+  /// Presses or releases a key, by QEMU's name for it.
+  void press(int keyboard, const std::string& key) { turn(keyboard, key, true); }
+  void release(int keyboard, const std::string& key) { turn(keyboard, key, false); }
+
+  /// Suspends the machine to memory and wakes it again.
+  void suspendAndWake();
+
+ private:
+  void turn(int keyboard, const std::string& key, bool isDown);
+  void control(const std::string& command,
+               const nlohmann::json& arguments = nlohmann::json::object());
+  [[nodiscard]] std::vector<std::string> command(const std::string& images) const;
+  Outcome receiveOutcome();
+  static std::string keyboardIsThere(int keyboard);
+
+  test::TemporaryDirectory directory_;
+  test::TestProcess process_;
+  LineStream shell_;
+  LineStream control_;
+};
+
+}  // namespace zephlin

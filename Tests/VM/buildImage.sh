@@ -1,0 +1,84 @@
+#!/usr/bin/env bash
+# Makes what the virtual machine boots: buildImage.sh FOLDER PROGRAM...
+#
+# Puts "kernel" and "initramfs" into FOLDER: Debian's kernel with the modules for USB keyboards, its
+# udev, a shell, and the programs with the libraries that they need. The two Debian packages are
+# downloaded once, by apt-get, and only unpacked.
+set -euo pipefail
+
+folder=$1
+shift
+here=$(cd "$(dirname "$0")" && pwd)
+mkdir -p "$folder/packages"
+cd "$folder"
+
+for program in qemu-system-x86_64 busybox cpio apt-get dpkg-deb udevadm systemd-socket-activate; do
+    if ! command -v "$program" >/dev/null; then
+        echo "$program is missing; install qemu-system-x86, busybox-static, cpio, udev and systemd" >&2
+        exit 1
+    fi
+done
+
+# Downloads and unpacks a package, unless that is done.
+fetch() {
+    [ -d "packages/$1" ] && return
+    (cd packages && apt-get download -q "$1")
+    dpkg-deb --extract "packages/$1"_*.deb "packages/$1.part"
+    rm "packages/$1"_*.deb
+    mv "packages/$1.part" "packages/$1"
+}
+
+# The metapackage names the kernel that is current.
+kernel=$(apt-cache depends linux-image-amd64 | sed -n 's/^ *Depends: //p' | head -n 1)
+fetch "$kernel"
+version=${kernel#linux-image-}
+
+rm -rf root
+mkdir -p root/{bin,dev,etc,lib,proc,run,sys,tmp,usr/bin,usr/sbin,usr/share/X11,var}
+ln -s ../bin/busybox root/bin/sh
+cp "$(command -v busybox)" root/bin/busybox
+cp "$here/init.sh" root/init
+chmod +x root/init
+
+modules=lib/modules/$version
+mkdir -p "root/$modules/kernel/drivers"
+cp "packages/$kernel/$modules"/modules.{builtin,order} "root/$modules"
+for drivers in hid input usb/common usb/core usb/host; do
+    mkdir -p "root/$modules/kernel/drivers/$drivers"
+    cp -r "packages/$kernel/$modules/kernel/drivers/$drivers/." "root/$modules/kernel/drivers/$drivers"
+done
+busybox depmod -b root "$version"
+
+# Copies a file to the same place, and the libraries that it needs with it.
+with_libraries() {
+    local library
+    for library in "$1" $(ldd "$1" 2>/dev/null | grep -o '/[^ ]*'); do
+        mkdir -p "root$(dirname "$library")"
+        cp -L "$library" "root$library"
+    done
+}
+
+mkdir -p root/usr/lib/udev/rules.d
+for tool in /usr/bin/udevadm /usr/bin/systemd-socket-activate; do
+    with_libraries "$(readlink -f "$tool")"
+done
+cp /usr/lib/udev/rules.d/{50-udev-default,60-evdev,60-input-id}.rules root/usr/lib/udev/rules.d/
+cp "$here/../../Packaging/Udev/"*.rules root/usr/lib/udev/rules.d/
+cp -r /usr/share/X11/xkb root/usr/share/X11/
+cat >root/etc/passwd <<'END'
+root:x:0:0::/:/bin/sh
+zephlin:x:900:900::/:/bin/sh
+END
+cat >root/etc/group <<'END'
+root:x:0:
+input:x:104:zephlin
+zephlin:x:900:
+END
+
+for program in "$@"; do
+    with_libraries "$program"
+    mv "root$program" root/usr/bin/
+done
+
+(cd root && find . | cpio --quiet --create --format=newc | gzip -1) >initramfs
+cp "packages/$kernel/boot/vmlinuz-$version" kernel
