@@ -14,7 +14,8 @@ namespace {
 
 using nlohmann::json;
 
-constexpr JsonObjectShape argument{"--matching", R"({"PrimaryUsagePage":1,"PrimaryUsage":6})"};
+constexpr JsonObjectShape matchingArgument{"--matching",
+                                           R"({"PrimaryUsagePage":1,"PrimaryUsage":6})"};
 
 struct NumberKey {
   std::string_view name;
@@ -97,12 +98,13 @@ bool Matching::matches(const Keyboard& keyboard) const {
 }
 
 Matching parseMatching(std::string_view text) {
-  return matchingFromJson(parseJsonObject(text, argument));
+  return matchingFromJson(parseJsonObject(text, matchingArgument));
 }
 
 Matching matchingFromJson(const json& value) {
   if (!value.is_object()) {
-    throw RequestError("the matching must be an object such as " + std::string(argument.example));
+    throw RequestError("the matching must be an object such as " +
+                       std::string(matchingArgument.example));
   }
   Matching matching;
   for (const auto& [key, wanted] : value.items()) {

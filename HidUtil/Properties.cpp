@@ -13,7 +13,7 @@ namespace {
 
 using nlohmann::json;
 
-constexpr JsonObjectShape argument{"--set", R"({"CapsLockDelayOverride":0})"};
+constexpr JsonObjectShape setArgument{"--set", R"({"CapsLockDelayOverride":0})"};
 
 bool isPrintableWithoutSpace(char each) {
   return each > ' ' && each < '\x7f';
@@ -22,7 +22,7 @@ bool isPrintableWithoutSpace(char each) {
 void requireSensibleCount(std::size_t count) {
   if (count == 0) {
     throw RequestError("no property to set; expected an object such as " +
-                       std::string(argument.example));
+                       std::string(setArgument.example));
   }
   if (count > maximumPropertiesOfAKeyboard) {
     throw RequestError("too many properties (" + std::to_string(count) +
@@ -50,12 +50,13 @@ void requirePropertyKey(std::string_view key) {
 }
 
 PropertySet parseProperties(std::string_view text) {
-  return propertiesFromJson(parseJsonObject(text, argument));
+  return propertiesFromJson(parseJsonObject(text, setArgument));
 }
 
 PropertySet propertiesFromJson(const json& value) {
   if (!value.is_object()) {
-    throw RequestError("the properties must be an object such as " + std::string(argument.example));
+    throw RequestError("the properties must be an object such as " +
+                       std::string(setArgument.example));
   }
   requireSensibleCount(value.size());
   PropertySet properties;

@@ -62,19 +62,19 @@ std::string textMember(const json& object, const char* name) {
   return value.get<std::string>();
 }
 
-ListRequest listFromJson(const json& object) {
+ListRequest listRequestFromJson(const json& object) {
   requireMembers(object, {"request", "matching"});
   return {matchingFromJson(object.at("matching"))};
 }
 
-GetRequest getFromJson(const json& object) {
+GetRequest getRequestFromJson(const json& object) {
   requireMembers(object, {"request", "matching", "key"});
   GetRequest request{matchingFromJson(object.at("matching")), textMember(object, "key")};
   requirePropertyKey(request.key);
   return request;
 }
 
-SetRequest setFromJson(const json& object) {
+SetRequest setRequestFromJson(const json& object) {
   requireMembers(object, {"request", "matching", "properties"});
   return {matchingFromJson(object.at("matching")), propertiesFromJson(object.at("properties"))};
 }
@@ -103,13 +103,13 @@ Request decodeRequest(std::string_view line) {
   }
   const std::string kind = textMember(object, "request");
   if (kind == "list") {
-    return listFromJson(object);
+    return listRequestFromJson(object);
   }
   if (kind == "get") {
-    return getFromJson(object);
+    return getRequestFromJson(object);
   }
   if (kind == "set") {
-    return setFromJson(object);
+    return setRequestFromJson(object);
   }
   if (kind == "plug") {
     return bareFromJson<PlugRequest>(object);

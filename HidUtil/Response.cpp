@@ -99,7 +99,7 @@ Keyboard keyboardFromJson(const json& value) {
            value.at("product").get<std::string>(), value.at("transport").get<std::string>()}};
 }
 
-ListResponse listFromJson(const json& object) {
+ListResponse listResponseFromJson(const json& object) {
   ListResponse response;
   for (const json& each : list(object, "keyboards")) {
     response.keyboards.push_back(keyboardFromJson(each));
@@ -107,7 +107,7 @@ ListResponse listFromJson(const json& object) {
   return response;
 }
 
-GetResponse getFromJson(const json& object) {
+GetResponse getResponseFromJson(const json& object) {
   GetResponse response;
   for (const json& each : list(object, "values")) {
     const json& value = each.at("value");
@@ -118,7 +118,7 @@ GetResponse getFromJson(const json& object) {
   return response;
 }
 
-SetResponse setFromJson(const json& object) {
+SetResponse setResponseFromJson(const json& object) {
   SetResponse response;
   for (const json& each : list(object, "keyboards")) {
     response.keyboards.push_back(registryID(each));
@@ -142,13 +142,13 @@ Response responseFromJson(const json& object) {
   }
   const auto& kind = object.at("response").get_ref<const std::string&>();
   if (kind == "list") {
-    return listFromJson(object);
+    return listResponseFromJson(object);
   }
   if (kind == "get") {
-    return getFromJson(object);
+    return getResponseFromJson(object);
   }
   if (kind == "set") {
-    return setFromJson(object);
+    return setResponseFromJson(object);
   }
   if (kind == "plug") {
     return PlugResponse{registryID(object.at("registryID"))};

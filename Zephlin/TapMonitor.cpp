@@ -20,7 +20,6 @@ constexpr Interval pollInterval{0.01};
 /// A toggle that comes later than this after a press was not made by it.
 constexpr double longestLatencyMS = 1000;
 
-constexpr Color separatorColor{ColorRole::Separator};
 constexpr double verdictFillAlpha = 0.14;
 
 bool hasCapsLock(ModifierFlags flags) {
@@ -144,7 +143,7 @@ void TapTestController::refreshVerdict() {
   if (pressCount_ == 0) {
     verdictLabel_->setText("Waiting for taps…");
     verdictLabel_->setTextColor({ColorRole::SecondaryLabel});
-    verdictPill_->fill = separatorColor;
+    verdictPill_->fill = Color{ColorRole::Separator};
   } else {
     const bool allRegistered = toggleCount_ >= pressCount_;
     const ColorRole role = allRegistered ? ColorRole::SystemGreen : ColorRole::SystemRed;

@@ -17,8 +17,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto patience = 2s;
-constexpr auto pause = 10ms;
+constexpr auto lockPatience = 2s;
+constexpr auto lockPause = 10ms;
 /// As many as the kernel follows (path_resolution).
 constexpr int mostLinks = 40;
 
@@ -104,12 +104,12 @@ FileReplacement::FileReplacement(const std::string& path) : path_(withoutLinks(p
     permissions_ = status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
   }
   makeFolder(file.parent_path());
-  const auto deadline = std::chrono::steady_clock::now() + patience;
+  const auto deadline = std::chrono::steady_clock::now() + lockPatience;
   while (!tryToLock()) {
     if (std::chrono::steady_clock::now() >= deadline) {
       fail("write", path_, EBUSY);
     }
-    std::this_thread::sleep_for(pause);
+    std::this_thread::sleep_for(lockPause);
   }
 }
 

@@ -62,53 +62,53 @@ TEST(Protocol, ADeviceNameThatIsNotUtf8IsStillSent) {
             "\uFFFD");
 }
 
-std::string errorOf(std::string_view line) {
+std::string refusalOf(std::string_view line) {
   return requestErrorOf([&] { decodeRequest(line); });
 }
 
 TEST(Protocol, RequestsOfAnotherShapeAreRefused) {
-  EXPECT_EQ(errorOf("hello"),
+  EXPECT_EQ(refusalOf("hello"),
             "the request is not valid JSON (at character 1); expected an object such as "
             R"({"request":"list","matching":{}})");
-  EXPECT_EQ(errorOf("[]").find("the request is not an object"), 0U);
-  EXPECT_EQ(errorOf("{}"), R"(the request lacks "request")");
-  EXPECT_EQ(errorOf(R"({"request":1})"), R"(the request's "request" must be text)");
-  EXPECT_EQ(errorOf(R"({"request":"dance"})"),
+  EXPECT_EQ(refusalOf("[]").find("the request is not an object"), 0U);
+  EXPECT_EQ(refusalOf("{}"), R"(the request lacks "request")");
+  EXPECT_EQ(refusalOf(R"({"request":1})"), R"(the request's "request" must be text)");
+  EXPECT_EQ(refusalOf(R"({"request":"dance"})"),
             R"(unknown request "dance"; known are list, get, set, plug, pull, subscribe)");
-  EXPECT_EQ(errorOf(R"({"request":"list"})"), R"(the request lacks "matching")");
-  EXPECT_EQ(errorOf(R"({"request":"list","matching":[]})"),
+  EXPECT_EQ(refusalOf(R"({"request":"list"})"), R"(the request lacks "matching")");
+  EXPECT_EQ(refusalOf(R"({"request":"list","matching":[]})"),
             R"(the matching must be an object such as {"PrimaryUsagePage":1,"PrimaryUsage":6})");
-  EXPECT_EQ(errorOf(R"({"request":"set","matching":{},"properties":3})"),
+  EXPECT_EQ(refusalOf(R"({"request":"set","matching":{},"properties":3})"),
             R"(the properties must be an object such as {"CapsLockDelayOverride":0})");
-  EXPECT_EQ(errorOf(R"({"request":"get","matching":{},"key":3})"),
+  EXPECT_EQ(refusalOf(R"({"request":"get","matching":{},"key":3})"),
             R"(the request's "key" must be text)");
-  EXPECT_EQ(errorOf(R"({"request":"pull","registryID":"XYZ"})"),
+  EXPECT_EQ(refusalOf(R"({"request":"pull","registryID":"XYZ"})"),
             R"("XYZ" is not a RegistryID; hidutil list prints them)");
-  EXPECT_EQ(errorOf(R"({"request":"plug","matching":{}})"),
+  EXPECT_EQ(refusalOf(R"({"request":"plug","matching":{}})"),
             "the request has more in it than its kind takes");
-  EXPECT_EQ(errorOf(R"({"request":"subscribe","matching":{}})"),
+  EXPECT_EQ(refusalOf(R"({"request":"subscribe","matching":{}})"),
             "the request has more in it than its kind takes");
 }
 
 TEST(Protocol, RequestsAreHeldToTheSameRulesAsArguments) {
-  EXPECT_EQ(errorOf(R"({"request":"list","matching":{"Colour":1}})")
+  EXPECT_EQ(refusalOf(R"({"request":"list","matching":{"Colour":1}})")
                 .find("unknown matching key \"Colour\""),
             0U);
-  EXPECT_EQ(errorOf(R"({"request":"get","matching":{},"key":"a b"})")
+  EXPECT_EQ(refusalOf(R"({"request":"get","matching":{},"key":"a b"})")
                 .find("property key \"a b\" is not valid"),
             0U);
-  EXPECT_EQ(errorOf(R"({"request":"set","matching":{},"properties":{"A":1.5}})")
+  EXPECT_EQ(refusalOf(R"({"request":"set","matching":{},"properties":{"A":1.5}})")
                 .find("the value of \"A\" must be a whole number"),
             0U);
 }
 
 TEST(Protocol, TextThatIsNotUtf8IsRefused) {
-  EXPECT_EQ(errorOf("{\"request\":\"\xff\"}").find("the request is not valid JSON"), 0U);
+  EXPECT_EQ(refusalOf("{\"request\":\"\xff\"}").find("the request is not valid JSON"), 0U);
 }
 
 TEST(Protocol, BottomlessNestingIsRefusedWithoutHarm) {
-  EXPECT_EQ(errorOf(std::string(60'000, '[')).find("the request is not valid JSON"), 0U);
-  EXPECT_EQ(errorOf("{\"request\":" + std::string(30'000, '[') + std::string(30'000, ']') + "}"),
+  EXPECT_EQ(refusalOf(std::string(60'000, '[')).find("the request is not valid JSON"), 0U);
+  EXPECT_EQ(refusalOf("{\"request\":" + std::string(30'000, '[') + std::string(30'000, ']') + "}"),
             R"(the request's "request" must be text)");
 }
 
