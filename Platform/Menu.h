@@ -24,6 +24,24 @@ enum class ResponderAction { Hide, Terminate, Undo, Redo, Cut, Copy, Paste, Sele
 /// What a chosen item does: nothing, an action of its target, or a responder's action.
 using MenuAction = std::variant<std::monostate, std::function<void()>, ResponderAction>;
 
+/// Whether an item has a check mark. One that was told is a switch, also while it is off; any other
+/// is a command.
+class CheckMark {
+ public:
+  CheckMark& operator=(bool isOn) {
+    isOn_ = isOn;
+    isSwitch_ = true;
+    return *this;
+  }
+  explicit operator bool() const { return isOn_; }
+  bool operator==(bool isOn) const { return isOn_ == isOn; }
+  [[nodiscard]] bool isSwitch() const { return isSwitch_; }
+
+ private:
+  bool isOn_ = false;
+  bool isSwitch_ = false;
+};
+
 /// One entry of a menu, as plain data. Main thread.
 class MenuItem {
  public:
@@ -42,7 +60,7 @@ class MenuItem {
   std::string keyEquivalent;
   ModifierFlags keyEquivalentModifierMask = modifierCommand;
   bool isSeparator = false;
-  bool isChecked = false;
+  CheckMark isChecked;
   bool isEnabled = true;
   std::shared_ptr<Menu> submenu;
   /// Set by the platform that shows the item; called after each change of the title.

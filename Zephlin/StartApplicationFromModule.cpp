@@ -36,8 +36,9 @@ int startApplication(int argc, char** argv) {
   if (::access(path.c_str(), F_OK) != 0) {
     return fail("the menu bar app is not installed; install the package zephlin-desktop");
   }
-  // Never closed: the toolkit in it leaves handlers behind that run when the process ends.
-  void* const module = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  // Never closed: the toolkit in it leaves handlers behind that run when the process ends. The
+  // module itself is linked to be resolved at once; libraries that are not need not be.
+  void* const module = ::dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
   void* const symbol = module == nullptr ? nullptr : ::dlsym(module, "zephlinStartApplication");
   if (symbol == nullptr) {
     return fail("cannot load the menu bar app; reinstall the package zephlin-desktop: " +

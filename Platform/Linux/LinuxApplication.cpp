@@ -1,6 +1,7 @@
 #include "Platform/Linux/LinuxApplication.h"
 
 #include <QIcon>
+#include <QIconEngine>
 #include <QMetaObject>
 #include <QWidget>
 #include <utility>
@@ -19,6 +20,34 @@ int& withReachableDisplay(int& argc) {
   return argc;
 }
 
+/// An icon of the desktop's theme that is looked for when the first window needs it: Qt reads whole
+/// themes to find one.
+class ThemeIconEngine final : public QIconEngine {
+ public:
+  explicit ThemeIconEngine(QString name) : name_(std::move(name)) {}
+
+  void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
+    icon().paint(painter, rect, Qt::AlignCenter, mode, state);
+  }
+  QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+    return icon().pixmap(size, mode, state);
+  }
+  QSize actualSize(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+    return icon().actualSize(size, mode, state);
+  }
+  QList<QSize> availableSizes(QIcon::Mode mode, QIcon::State state) override {
+    return icon().availableSizes(mode, state);
+  }
+  QString iconName() override { return name_; }
+  bool isNull() override { return icon().isNull(); }
+  [[nodiscard]] QIconEngine* clone() const override { return new ThemeIconEngine(name_); }
+
+ private:
+  [[nodiscard]] QIcon icon() const { return QIcon::fromTheme(name_); }
+
+  QString name_;
+};
+
 }  // namespace
 
 LinuxApplication::LinuxApplication(int& argc, char** argv)
@@ -26,7 +55,7 @@ LinuxApplication::LinuxApplication(int& argc, char** argv)
   QApplication::setApplicationName("Zephlin");
   QApplication::setApplicationVersion(ZEPHLIN_VERSION);
   QApplication::setDesktopFileName("com.quorvenel.zephlin");
-  QApplication::setWindowIcon(QIcon::fromTheme(QApplication::desktopFileName()));
+  QApplication::setWindowIcon(QIcon(new ThemeIconEngine(QApplication::desktopFileName())));
   QApplication::setQuitOnLastWindowClosed(false);
 }
 

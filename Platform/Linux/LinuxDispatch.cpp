@@ -4,6 +4,7 @@
 #include <QTimer>
 #include <algorithm>
 #include <chrono>
+#include <mutex>
 #include <utility>
 
 #include "Platform/Linux/LoopTimer.h"
@@ -13,17 +14,27 @@ namespace zephlin {
 namespace {
 
 /// A queue's owner's side; the thread is the dispatch's.
+///
+/// Its first work begins when the event loop has had its turn. At launch that is child processes:
+/// the fork holds the main thread up, which has a status item to show first.
 class WorkerQueue final : public SerialQueue {
  public:
-  explicit WorkerQueue(std::shared_ptr<SerialWorker> worker) : worker_(std::move(worker)) {}
+  WorkerQueue(std::shared_ptr<SerialWorker> worker, MainQueue& mainQueue)
+      : worker_(std::move(worker)), mainQueue_(mainQueue) {}
   WorkerQueue(const WorkerQueue&) = delete;
   WorkerQueue& operator=(const WorkerQueue&) = delete;
   ~WorkerQueue() override { worker_->close(); }
 
-  void post(std::function<void()> work) override { worker_->post(std::move(work)); }
+  void post(std::function<void()> work) override {
+    worker_->post(std::move(work));
+    std::call_once(beginning_,
+                   [this] { mainQueue_.post([worker = worker_] { worker->begin(); }); });
+  }
 
  private:
   std::shared_ptr<SerialWorker> worker_;
+  MainQueue& mainQueue_;
+  std::once_flag beginning_;
 };
 
 }  // namespace
@@ -41,7 +52,7 @@ void LinuxMainQueue::postAfter(Delay delay, std::function<void()> work) {
 std::unique_ptr<SerialQueue> LinuxDispatch::makeSerialQueue(const std::string& label,
                                                             QualityOfService /*quality*/) {
   workers_.push_back(std::make_shared<SerialWorker>(label));
-  return std::make_unique<WorkerQueue>(workers_.back());
+  return std::make_unique<WorkerQueue>(workers_.back(), mainQueue_);
 }
 
 std::unique_ptr<Timer> LinuxDispatch::scheduleTimer(Interval interval, Tolerance tolerance,

@@ -30,7 +30,9 @@ LinuxPlatform::LinuxPlatform(int& argc, char** argv)
       quitSignals_([this] { application_.terminate(); }) {
   takeNoPartInSessions();
   if (!application_.isDisplayed()) {
-    systemLog_.log("Zephlin: no display, so there is no status item");
+    systemLog_.log(
+        "Zephlin: no display, so there is no status item; start it in a desktop session to have "
+        "one");
   }
   application_.setServices(
       {.handOverToRunningInstance = [this] { return !instance_.becomeTheInstance(); },
@@ -44,7 +46,8 @@ LinuxPlatform::LinuxPlatform(int& argc, char** argv)
 
 std::unique_ptr<Updater> LinuxPlatform::makeStartedUpdater() {
   return std::make_unique<AppcastUpdater>(
-      QUrl(ZEPHLIN_UPDATE_FEED), QVersionNumber::fromString(QApplication::applicationVersion()));
+      QUrl(ZEPHLIN_UPDATE_FEED), QVersionNumber::fromString(QApplication::applicationVersion()),
+      QApplication::applicationDirPath() + "/" ZEPHLIN_UPDATES_MODULE);
 }
 
 // A run of hidutil that hangs would keep the process, its icon gone, for many seconds. All that has

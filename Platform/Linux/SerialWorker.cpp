@@ -28,13 +28,21 @@ void SerialWorker::post(std::function<void()> work) {
   changed_.notify_all();
 }
 
+void SerialWorker::begin() {
+  const std::lock_guard lock(mutex_);
+  hasBegun_ = true;
+  changed_.notify_all();
+}
+
 void SerialWorker::close() {
   const std::lock_guard lock(mutex_);
+  hasBegun_ = true;
   isClosed_ = true;
   changed_.notify_all();
 }
 
 bool SerialWorker::waitUntilIdle(std::chrono::steady_clock::time_point deadline) {
+  begin();
   std::unique_lock lock(mutex_);
   return changed_.wait_until(lock, deadline, [this] { return posted_.empty() && !isBusy_; });
 }
@@ -53,7 +61,7 @@ std::function<void()> SerialWorker::take() {
   std::unique_lock lock(mutex_);
   isBusy_ = false;
   changed_.notify_all();
-  changed_.wait(lock, [this] { return !posted_.empty() || isClosed_; });
+  changed_.wait(lock, [this] { return (hasBegun_ && !posted_.empty()) || isClosed_; });
   if (posted_.empty()) {
     return {};
   }

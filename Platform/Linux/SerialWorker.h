@@ -10,7 +10,7 @@
 
 namespace zephlin {
 
-/// A thread that works off a queue in order. Any thread may use it.
+/// A thread that works off a queue in order, once it has been told to begin. Any thread may use it.
 class SerialWorker {
  public:
   /// The thread carries as much of the label as the kernel keeps.
@@ -21,9 +21,11 @@ class SerialWorker {
   ~SerialWorker();
 
   void post(std::function<void()> work);
-  /// Lets the thread end once all that was posted has run.
+  void begin();
+  /// Lets the thread end once all that was posted has run; it begins now if it has not yet.
   void close();
-  /// Waits until all that was posted has run, or until `deadline`. Whether it has.
+  /// Waits until all that was posted has run, or until `deadline`. Whether it has. The thread
+  /// begins now if it has not yet.
   bool waitUntilIdle(std::chrono::steady_clock::time_point deadline);
 
  private:
@@ -34,6 +36,7 @@ class SerialWorker {
   std::mutex mutex_;
   std::condition_variable changed_;
   std::deque<std::function<void()>> posted_;
+  bool hasBegun_ = false;
   bool isBusy_ = false;
   bool isClosed_ = false;
   std::thread thread_;

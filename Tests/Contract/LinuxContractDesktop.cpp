@@ -58,6 +58,8 @@ class LinuxContractDesktop final : public ContractDesktop {
 
   void plugKeyboard() override { service_->plugKeyboard(); }
   void sleepAndWake() override {
+    // It listens from the event loop's next turn on.
+    runFor(0);
     logind_->prepareForSleep(true);
     logind_->prepareForSleep(false);
   }

@@ -8,6 +8,7 @@
 #include "Tests/Desktop/Harness/App.h"
 #include "Tests/Desktop/Harness/PrivateMachine.h"
 #include "Tests/Desktop/Harness/ProcessFigures.h"
+#include "Tests/Desktop/Harness/Registrations.h"
 #include "Tests/Desktop/Harness/Waiting.h"
 
 namespace zephlin::test {
@@ -21,46 +22,82 @@ void pass(double seconds) {
   waitUntil("time to pass", [&] { return monotonicSeconds() > until; });
 }
 
-double median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
-}
+/// What was measured in turn of the application and of the empty one.
+class Pairs {
+ public:
+  void add(double ours, double theirs) {
+    ours_.push_back(ours);
+    theirs_.push_back(theirs);
+    ratios_.push_back(ours / theirs);
+  }
 
-/// From the start until a host knows the item, in seconds.
+  /// The medians, and the median and the quartiles of the ratios.
+  void print(const char* what, const char* unit) const {
+    std::printf("%-30s %.0f %s, empty application %.0f %s, ratio %.2f (%.2f to %.2f)\n", what,
+                quantile(ours_, 2), unit, quantile(theirs_, 2), unit, quantile(ratios_, 2),
+                quantile(ratios_, 1), quantile(ratios_, 3));
+  }
+
+ private:
+  static double quantile(std::vector<double> values, std::size_t quarters) {
+    std::sort(values.begin(), values.end());
+    return values[(values.size() - 1) * quarters / 4];
+  }
+
+  std::vector<double> ours_;
+  std::vector<double> theirs_;
+  std::vector<double> ratios_;
+};
+
+/// From the start until the panel has taken the item, in milliseconds.
 double startUpTime(Desktop& desktop, const std::vector<std::string>& command) {
   const std::string home = desktop.makeHome();
+  Registrations registrations(desktop.sessionBus());
   const double startedAt = monotonicSeconds();
-  App app(desktop, {.home = home, .command = command});
-  app.item();
-  return monotonicSeconds() - startedAt;
+  const App app(desktop, {.home = home, .command = command});
+  return 1000 * (registrations.waitForNext() - startedAt);
 }
 
 void measureStartUp(Desktop& desktop) {
-  std::vector<double> ours;
-  std::vector<double> theirs;
-  for (int round = 0; round < 15; ++round) {
-    ours.push_back(startUpTime(desktop, zephlin));
-    theirs.push_back(startUpTime(desktop, emptyTray));
+  Pairs times;
+  for (int round = 0; round < 41; ++round) {
+    // The other way round each time: what the one leaves running is not always the other's burden.
+    if (round % 2 == 0) {
+      const double ours = startUpTime(desktop, zephlin);
+      times.add(ours, startUpTime(desktop, emptyTray));
+    } else {
+      const double theirs = startUpTime(desktop, emptyTray);
+      times.add(startUpTime(desktop, zephlin), theirs);
+    }
   }
-  std::printf("time until the icon is there   %.0f ms, empty application %.0f ms, ratio %.2f\n",
-              1000 * median(ours), 1000 * median(theirs), median(ours) / median(theirs));
+  times.print("time until the icon is there", "ms");
 }
 
-void measureIdling(Desktop& desktop) {
+void measureMemory(Desktop& desktop) {
+  Pairs resident;
+  Pairs proportional;
+  for (int round = 0; round < 9; ++round) {
+    App empty(desktop, {.command = emptyTray});
+    App app(desktop);
+    empty.item();
+    app.waitForStatusLine("On. Every tap registers instantly");
+    pass(2);
+    const MemoryFigures ours = memoryOf(app.program().id());
+    const MemoryFigures theirs = memoryOf(empty.program().id());
+    resident.add(static_cast<double>(ours.residentSet), static_cast<double>(theirs.residentSet));
+    proportional.add(static_cast<double>(ours.proportionalSet),
+                     static_cast<double>(theirs.proportionalSet));
+  }
+  resident.print("idle, resident memory", "KiB");
+  proportional.print("idle, proportional memory", "KiB");
+}
+
+void measureWakeUps(Desktop& desktop) {
   App empty(desktop, {.command = emptyTray});
   App app(desktop);
   empty.item();
   app.waitForStatusLine("On. Every tap registers instantly");
   pass(5);
-  const MemoryFigures ours = memoryOf(app.program().id());
-  const MemoryFigures theirs = memoryOf(empty.program().id());
-  std::printf("idle, resident memory          %ld KiB, empty application %ld KiB, ratio %.2f\n",
-              ours.residentSet, theirs.residentSet,
-              static_cast<double>(ours.residentSet) / static_cast<double>(theirs.residentSet));
-  std::printf(
-      "idle, proportional memory      %ld KiB, empty application %ld KiB, ratio %.2f\n",
-      ours.proportionalSet, theirs.proportionalSet,
-      static_cast<double>(ours.proportionalSet) / static_cast<double>(theirs.proportionalSet));
   const long before = wakeUpsOf(app.program().id());
   const long emptyBefore = wakeUpsOf(empty.program().id());
   pass(60);
@@ -69,12 +106,14 @@ void measureIdling(Desktop& desktop) {
               wakeUpsOf(empty.program().id()) - emptyBefore);
 }
 
-/// Does the work a few times, so that what is made once is there, and then `times` more.
+/// Does the work so many times twice: first so that what is made once is there, with the memory for
+/// the runs of hidutil that pile up meanwhile, and once more when these are done.
 template <typename Work>
 void measureGrowth(const App& app, const char* what, int times, const Work& work) {
-  for (int warmUp = 0; warmUp < 50; ++warmUp) {
+  for (int warmUp = 0; warmUp < times; ++warmUp) {
     work();
   }
+  pass(15);
   const long before = memoryOf(app.program().id()).residentSet;
   for (int round = 0; round < times; ++round) {
     work();
@@ -102,7 +141,8 @@ void measure() {
   Desktop desktop;
   desktop.panel();
   measureStartUp(desktop);
-  measureIdling(desktop);
+  measureMemory(desktop);
+  measureWakeUps(desktop);
   measureGrowth(desktop);
 }
 

@@ -84,6 +84,13 @@ class TapTestWindow : public DesktopTest {
   xcb_window_t window_ = XCB_WINDOW_NONE;
 };
 
+TEST_F(TapTestWindow, CarriesTheApplicationsIcon) {
+  const auto icon = desktop().screen().connection().numbers(window_, "_NET_WM_ICON");
+  ASSERT_FALSE(icon.empty());
+  constexpr std::uint32_t ownWidth = 128;
+  EXPECT_EQ(icon.front(), ownWidth) << "the window manager's for windows without one is another";
+}
+
 TEST_F(TapTestWindow, CountsTapsAndFindsThemAllRegistered) {
   tapShift();
   for (int tap = 1; tap <= 4; ++tap) {

@@ -4,10 +4,12 @@
 #include <QPushButton>
 #include <utility>
 
+#include "Platform/Linux/Session/LoadedFeedDownload.h"
+
 namespace zephlin {
 
-AppcastUpdater::AppcastUpdater(QUrl feed, QVersionNumber installed)
-    : feed_(std::move(feed)), installed_(std::move(installed)) {}
+AppcastUpdater::AppcastUpdater(QUrl feed, QVersionNumber installed, QString module)
+    : feed_(std::move(feed)), installed_(std::move(installed)), module_(std::move(module)) {}
 
 AppcastUpdater::~AppcastUpdater() = default;
 
@@ -21,8 +23,8 @@ void AppcastUpdater::checkForUpdates() {
   if (!download_) {
     show("Checking for updates…", "");
     setButtons(QMessageBox::Cancel);
-    download_ = std::make_unique<FeedDownload>(
-        feed_, [this](const FeedDownload::Result& result) { tell(result); });
+    download_ =
+        startFeedDownload(module_, feed_, [this](const FeedResult& result) { tell(result); });
   }
   box_->raise();
   box_->activateWindow();
@@ -53,7 +55,7 @@ void AppcastUpdater::setButtons(QMessageBox::StandardButtons buttons) {
   }
 }
 
-void AppcastUpdater::tell(const FeedDownload::Result& result) {
+void AppcastUpdater::tell(const FeedResult& result) {
   download_.reset();
   const Appcast appcast =
       result.error.isEmpty() ? parseAppcast(result.content) : Appcast{{}, result.error};

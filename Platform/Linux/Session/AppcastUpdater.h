@@ -1,12 +1,14 @@
 #pragma once
 
 #include <QMessageBox>
+#include <QObject>
+#include <QString>
 #include <QUrl>
 #include <QVersionNumber>
 #include <memory>
 
 #include "Platform/Linux/Session/Appcast.h"
-#include "Platform/Linux/Session/FeedDownload.h"
+#include "Platform/Linux/Updates/FeedResult.h"
 #include "Platform/Updater.h"
 
 namespace zephlin {
@@ -16,8 +18,9 @@ namespace zephlin {
 /// system's package manager. Nothing is asked of the network before the user asks.
 class AppcastUpdater final : public Updater {
  public:
-  /// `feed` is an https address; an empty one stands for a build without.
-  AppcastUpdater(QUrl feed, QVersionNumber installed);
+  /// `feed` is an https address; an empty one stands for a build without. `module` is the path of
+  /// the module that downloads it, which is loaded when the user asks.
+  AppcastUpdater(QUrl feed, QVersionNumber installed, QString module);
   AppcastUpdater(const AppcastUpdater&) = delete;
   AppcastUpdater& operator=(const AppcastUpdater&) = delete;
   ~AppcastUpdater() override;
@@ -27,14 +30,15 @@ class AppcastUpdater final : public Updater {
  private:
   void show(const QString& text, const QString& information);
   void setButtons(QMessageBox::StandardButtons buttons);
-  void tell(const FeedDownload::Result& result);
+  void tell(const FeedResult& result);
   void tellNewest(const AppcastItem& newest);
   void boxWasClosed();
 
   QUrl feed_;
   QVersionNumber installed_;
+  QString module_;
   std::unique_ptr<QMessageBox> box_;
-  std::unique_ptr<FeedDownload> download_;
+  std::unique_ptr<QObject> download_;
   QUrl offeredPage_;
 };
 

@@ -1,6 +1,8 @@
 #include "Platform/Linux/Session/ConfigurationFolder.h"
 
-#include <QDir>
+#include <pwd.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <sstream>
 
@@ -13,11 +15,20 @@ std::string environment(const char* name) {
   return value == nullptr ? std::string() : value;
 }
 
+std::string homeFolder() {
+  const std::string folder = environment("HOME");
+  if (!folder.empty()) {
+    return folder;
+  }
+  const passwd* const user = ::getpwuid(::getuid());
+  return user == nullptr ? std::string() : user->pw_dir;
+}
+
 }  // namespace
 
 std::string configurationFolder() {
   const std::string folder = environment("XDG_CONFIG_HOME");
-  return folder.starts_with('/') ? folder : QDir::homePath().toStdString() + "/.config";
+  return folder.starts_with('/') ? folder : homeFolder() + "/.config";
 }
 
 std::vector<std::string> systemConfigurationFolders() {

@@ -6,7 +6,8 @@
 namespace zephlin {
 
 /// Where the user's configuration is (XDG Base Directory): XDG_CONFIG_HOME if that
-/// is an absolute path, or else the folder .config in the user's home.
+/// is an absolute path, or else the folder .config in the user's home,
+/// which is HOME, or else that of the user database.
 std::string configurationFolder();
 
 /// Where the system's configuration is (XDG_CONFIG_DIRS, /etc/xdg by default), the most important

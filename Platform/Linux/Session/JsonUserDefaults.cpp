@@ -73,7 +73,9 @@ void JsonUserDefaults::set(const std::string& key, Json value) {
     unsaved_.clear();
   } catch (const std::system_error& error) {
     if (loggedCauses_.insert(error.what()).second) {
-      log_.log(std::string("Zephlin: settings are not kept: ") + error.what());
+      log_.log(
+          std::string("Zephlin: settings are not kept: ") + error.what() +
+          "; they hold until Zephlin quits, and a later change keeps them once this is mended");
     }
   }
 }

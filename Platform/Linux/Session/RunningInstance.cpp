@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
+#include <QDBusMessage>
 #include <cerrno>
 #include <chrono>
 #include <string>
@@ -95,7 +95,12 @@ void RunningInstance::answerOnTheBus() {
   }
   bus.registerObject(instanceBusPath, object_.get(), QDBusConnection::ExportAllSlots);
   // A former instance that is about to end may still own the name; it comes to the next in line.
-  bus.interface()->registerService(instanceBusName, QDBusConnectionInterface::QueueService);
+  // The answer is not waited for: whoever is started again is patient.
+  constexpr uint noFlags = 0;
+  auto request = QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                                "org.freedesktop.DBus", "RequestName");
+  request << QString(instanceBusName) << noFlags;
+  bus.send(request);
 }
 
 }  // namespace zephlin

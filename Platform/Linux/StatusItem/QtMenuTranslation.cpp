@@ -37,17 +37,17 @@ bool isEnabled(const Menu& menu, const MenuItem& item) {
 }
 
 /// Whether the action can become the item's by a change of what panels are told of. That an entry
-/// ceases to have a box to tick is not: Qt 6.4 never lists a property as removed.
+/// has a box to tick is none: panels take it as it was at first, and Qt 6.4 never lists a property
+/// as removed.
 bool canShow(const QAction& action, const MenuItem& item) {
-  return action.isSeparator() == item.isSeparator && action.isCheckable() == item.isChecked;
+  return action.isSeparator() == item.isSeparator &&
+         action.isCheckable() == item.isChecked.isSwitch();
 }
 
-/// As with AppKit, an item that is off has no mark, and so no empty box: the model does not tell a
-/// switch that is off from a command.
 std::unique_ptr<QAction> makeAction(const MenuItem& item) {
   auto action = std::make_unique<QAction>();
   action->setSeparator(item.isSeparator);
-  action->setCheckable(item.isChecked);
+  action->setCheckable(item.isChecked.isSwitch());
   // Shown beside the title, and not a shortcut of any window.
   action->setShortcutContext(Qt::WidgetShortcut);
   action->setShortcutVisibleInContextMenu(true);
@@ -88,7 +88,7 @@ void QtMenuTranslation::show(const std::shared_ptr<MenuItem>& item, std::size_t 
   action.setText(textOf(*item));
   action.setShortcut(shortcutOf(*item));
   action.setEnabled(isEnabled(*menu_, *item));
-  action.setChecked(item->isChecked);
+  action.setChecked(static_cast<bool>(item->isChecked));
   item->titleDidChange = [&action, shown = item.get()] { action.setText(textOf(*shown)); };
   items_.push_back(item);
   action.disconnect(&context_);

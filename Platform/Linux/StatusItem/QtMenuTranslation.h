@@ -14,8 +14,8 @@ namespace zephlin {
 ///
 /// The menu's delegate is asked for its items by update(), whenever the QMenu is about to be shown
 /// and after each chosen action. What has not changed is left alone, and an entry that stays in its
-/// place keeps its QAction, so that an open menu changes under the user's eyes and a panel is sent
-/// single properties. Main thread.
+/// place keeps its QAction, so that an open menu changes under the user's eyes, a panel is sent
+/// single properties, and a choice that is under way finds its entry. Main thread.
 class QtMenuTranslation {
  public:
   explicit QtMenuTranslation(std::shared_ptr<Menu> menu);

@@ -87,8 +87,7 @@ QIcon QtStatusItem::icon() const {
   if (kind_ == TrayKind::XEmbed) {
     return drawnIcon(*name, xembed_.foreground().value_or(contrastingColour()));
   }
-  const QIcon byName = themeIcon(*name);
-  return byName.isNull() ? drawnIcon(*name, contrastingColour()) : byName;
+  return isInstalledIcon(*name) ? namedIcon(*name) : drawnIcon(*name, contrastingColour());
 }
 
 void QtStatusItem::showIcon() {

@@ -1,10 +1,13 @@
 #include "Platform/Linux/StatusItem/SymbolIcons.h"
 
+#include <QIconEngine>
+#include <QImageReader>
 #include <QPainter>
 #include <QPixmap>
-#include <QSvgRenderer>
+#include <QStandardPaths>
 #include <algorithm>
 #include <array>
+#include <utility>
 
 // Not in a namespace, as Q_INIT_RESOURCE demands; a static library's resources are not there
 // without.
@@ -27,11 +30,31 @@ constexpr std::array symbols{
     Symbol{"exclamationmark.triangle", "zephlin-warning-symbolic"},
 };
 
-QPixmap draw(QSvgRenderer& renderer, int size, const QColor& colour) {
-  QPixmap pixmap(size, size);
-  pixmap.fill(Qt::transparent);
+/// An icon that a panel loads by its name. Qt sends pictures of any other icon along, which a panel
+/// has no use for then: these are empty, and nothing is drawn.
+class NamedIconEngine final : public QIconEngine {
+ public:
+  explicit NamedIconEngine(QString name) : name_(std::move(name)) {}
+
+  void paint(QPainter* /*painter*/, const QRect& /*rect*/, QIcon::Mode /*mode*/,
+             QIcon::State /*state*/) override {}
+  QPixmap pixmap(const QSize& /*size*/, QIcon::Mode /*mode*/, QIcon::State /*state*/) override {
+    return {};
+  }
+  QString iconName() override { return name_; }
+  bool isNull() override { return false; }
+  [[nodiscard]] QIconEngine* clone() const override { return new NamedIconEngine(name_); }
+
+ private:
+  QString name_;
+};
+
+/// By Qt's plugin for SVG, which is loaded when it is needed.
+QPixmap draw(const QString& iconName, int size, const QColor& colour) {
+  QImageReader reader(QLatin1String(":/zephlin/icons/") + iconName + QLatin1String(".svg"));
+  reader.setScaledSize(QSize(size, size));
+  QPixmap pixmap = QPixmap::fromImageReader(&reader);
   QPainter painter(&pixmap);
-  renderer.render(&painter);
   painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
   painter.fillRect(pixmap.rect(), colour);
   return pixmap;
@@ -49,16 +72,22 @@ std::optional<QString> iconNameOf(const std::string& symbol) {
   return QLatin1String(found->iconName);
 }
 
-QIcon themeIcon(const QString& iconName) {
-  return QIcon::hasThemeIcon(iconName) ? QIcon::fromTheme(iconName) : QIcon();
+bool isInstalledIcon(const QString& iconName) {
+  return !QStandardPaths::locate(
+              QStandardPaths::GenericDataLocation,
+              QLatin1String("icons/hicolor/scalable/status/") + iconName + QLatin1String(".svg"))
+              .isEmpty();
+}
+
+QIcon namedIcon(const QString& iconName) {
+  return QIcon(new NamedIconEngine(iconName));
 }
 
 QIcon drawnIcon(const QString& iconName, const QColor& colour) {
   registerResources();
-  QSvgRenderer renderer(QLatin1String(":/zephlin/icons/") + iconName + QLatin1String(".svg"));
   QIcon icon;
   for (const int size : {16, 22, 24, 32, 48, 64, 128}) {
-    icon.addPixmap(draw(renderer, size, colour));
+    icon.addPixmap(draw(iconName, size, colour));
   }
   return icon;
 }

@@ -12,9 +12,12 @@ namespace zephlin {
 /// Any thread.
 std::optional<QString> iconNameOf(const std::string& symbol);
 
-/// The icon of this name in the desktop's icon theme, which a panel loads and colours itself. A
-/// null icon where the theme has none. Main thread.
-QIcon themeIcon(const QString& iconName);
+/// Whether the icon of this name is installed for the desktop's panels: in hicolor, which every
+/// theme falls back to. Qt would tell too, but reads whole themes for it. Any thread.
+bool isInstalledIcon(const QString& iconName);
+
+/// The icon of this name for a panel that loads it from the theme and colours it. Main thread.
+QIcon namedIcon(const QString& iconName);
 
 /// The icon of this name as the program carries it, drawn in one colour and in all sizes that
 /// panels ask for. Main thread.

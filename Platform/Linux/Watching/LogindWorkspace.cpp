@@ -1,5 +1,7 @@
 #include "Platform/Linux/Watching/LogindWorkspace.h"
 
+#include <QMetaObject>
+#include <QPointer>
 #include <QString>
 #include <QUuid>
 #include <utility>
@@ -8,17 +10,32 @@
 
 namespace zephlin {
 
-LogindWorkspace::LogindWorkspace()
-    // Qt shares connections by their names; this one ends with us.
-    : systemBus_(QDBusConnection::connectToBus(QDBusConnection::SystemBus,
-                                               QUuid::createUuid().toString())) {}
-
 LogindWorkspace::~LogindWorkspace() {
-  QDBusConnection::disconnectFromBus(systemBus_.name());
+  if (systemBus_) {
+    QDBusConnection::disconnectFromBus(systemBus_->name());
+  }
 }
 
 std::unique_ptr<Observation> LogindWorkspace::observeDidWake(std::function<void()> callback) {
-  return std::make_unique<SleepListener>(systemBus_, std::move(callback));
+  auto listener = std::make_unique<SleepListener>(std::move(callback));
+  QMetaObject::invokeMethod(
+      &context_,
+      [this, listener = QPointer(listener.get())] {
+        if (listener) {
+          listener->listenOn(systemBus());
+        }
+      },
+      Qt::QueuedConnection);
+  return listener;
+}
+
+const QDBusConnection& LogindWorkspace::systemBus() {
+  if (!systemBus_) {
+    // Qt shares connections by their names; this one ends with us.
+    systemBus_ =
+        QDBusConnection::connectToBus(QDBusConnection::SystemBus, QUuid::createUuid().toString());
+  }
+  return *systemBus_;
 }
 
 }  // namespace zephlin

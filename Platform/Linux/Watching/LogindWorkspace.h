@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QObject>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "Platform/Workspace.h"
 
@@ -11,10 +13,12 @@ namespace zephlin {
 /// The machine has woken when logind says that it no longer prepares for sleep (the signal
 /// PrepareForSleep(false) on the system bus, org.freedesktop.login1(5)). logind may start later;
 /// without a system bus nothing is ever reported.
+///
+/// The system bus takes several answers to be connected to, so that is left to the event loop's
+/// next turn: at launch the status item comes first. A sleep meanwhile is seen by the clocks.
 class LogindWorkspace final : public Workspace {
  public:
-  /// Connects to the system bus.
-  LogindWorkspace();
+  LogindWorkspace() = default;
   LogindWorkspace(const LogindWorkspace&) = delete;
   LogindWorkspace& operator=(const LogindWorkspace&) = delete;
   ~LogindWorkspace() override;
@@ -22,7 +26,12 @@ class LogindWorkspace final : public Workspace {
   std::unique_ptr<Observation> observeDidWake(std::function<void()> callback) override;
 
  private:
-  QDBusConnection systemBus_;
+  /// Connects with the first use.
+  const QDBusConnection& systemBus();
+
+  std::optional<QDBusConnection> systemBus_;
+  // Destroyed first: what is still queued does not run.
+  QObject context_;
 };
 
 }  // namespace zephlin

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "Tests/Desktop/Harness/TrayItem.h"
 #include "Tests/Desktop/Harness/Waiting.h"
 
 namespace zephlin::test {
@@ -31,8 +32,6 @@ constexpr const char* settings = R"(<?xml version="1.0" encoding="UTF-8"?>
   </property>
 </channel>
 )";
-
-const QString watcherName = "org.kde.StatusNotifierWatcher";
 
 bool hostIsReady(PrivateBus& bus) {
   return bus.hasName(watcherName) &&

@@ -9,8 +9,6 @@
 namespace zephlin::test {
 namespace {
 
-const QString watcherName = "org.kde.StatusNotifierWatcher";
-
 /// What a watcher's entry names: a bus name and, behind its first slash, an object.
 struct Address {
   QString service;

@@ -28,6 +28,9 @@ class TrayItem {
   QString path_;
 };
 
+/// Who takes items.
+inline const QString watcherName = "org.kde.StatusNotifierWatcher";
+
 /// Whether anyone takes items.
 bool isTrayThere(PrivateBus& sessionBus);
 

@@ -59,6 +59,10 @@ MenuEntry entryFrom(const LayoutNode& node) {
   return entry;
 }
 
+QVariantList eventArguments(int id, const char* event) {
+  return {id, event, QVariant::fromValue(QDBusVariant("")), 0U};
+}
+
 }  // namespace
 
 TrayMenu::TrayMenu(const QDBusConnection& bus, QString service, QString path)
@@ -120,8 +124,14 @@ QVariantList TrayMenu::call(const char* method, const QVariantList& arguments) c
   return test::call(bus_, {service_, path_, menuInterface, method}, arguments);
 }
 
+void TrayMenu::clickAtOnce(int id) const {
+  QDBusMessage message = QDBusMessage::createMethodCall(service_, path_, menuInterface, "Event");
+  message.setArguments(eventArguments(id, "clicked"));
+  bus_.send(message);
+}
+
 void TrayMenu::send(int id, const char* event) const {
-  call("Event", {id, event, QVariant::fromValue(QDBusVariant("")), 0U});
+  call("Event", eventArguments(id, event));
 }
 
 }  // namespace zephlin::test

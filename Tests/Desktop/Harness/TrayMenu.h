@@ -40,6 +40,8 @@ class TrayMenu final : public QObject {
   /// Opens the menu and chooses the entry, which closes the menu.
   void choose(const std::string& label) const;
   void click(int id) const;
+  /// Without waiting for an answer.
+  void clickAtOnce(int id) const;
 
   /// How often the menu has said, since this was made, that something of it has changed.
   [[nodiscard]] int announcedChanges() const { return announcedChanges_; }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <chrono>
 #include <filesystem>
 #include <future>
@@ -59,6 +60,26 @@ TEST(LinuxDispatchEnd, WaitingForBusyQueuesCanBeGivenUp) {
   EXPECT_FALSE(dispatch.waitForSerialQueues(Delay{0.05}));
   mayEnd.set_value();
   EXPECT_TRUE(dispatch.waitForSerialQueues(Delay{10}));
+}
+
+TEST(SerialQueueThread, BeginsItsFirstWorkWhenTheEventLoopHasHadItsTurn) {
+  int count = 1;
+  char name[] = "test";
+  char* arguments[] = {name, nullptr};
+  const QCoreApplication application(count, arguments);
+  LinuxDispatch dispatch;
+  const auto queue = dispatch.makeSerialQueue("test", QualityOfService::Utility);
+  std::vector<std::string> order;
+  std::promise<void> ended;
+  queue->post([&order, &ended] {
+    order.emplace_back("work");
+    ended.set_value();
+  });
+  std::this_thread::sleep_for(50ms);
+  order.emplace_back("launch");
+  QCoreApplication::processEvents();
+  ended.get_future().wait();
+  EXPECT_EQ(order.front(), "launch");
 }
 
 TEST(SerialQueueThread, CarriesTheEndOfTheLabel) {

@@ -63,7 +63,7 @@ class AppcastUpdaterTest : public testing::Test {
 
   test::FeedServer server_;
   test::UrlRecorder browser_;
-  AppcastUpdater updater_{server_.url("/feed"), QVersionNumber(0, 9)};
+  AppcastUpdater updater_{server_.url("/feed"), QVersionNumber(0, 9), UPDATES_MODULE};
 };
 
 TEST_F(AppcastUpdaterTest, NothingIsAskedBeforeTheUserAsks) {
@@ -110,6 +110,18 @@ TEST_F(AppcastUpdaterTest, AFailureIsToldWithItsReason) {
   EXPECT_EQ(check(), "Zephlin could not check for updates|The answer is not a feed of updates.|OK");
 }
 
+TEST_F(AppcastUpdaterTest, AMissingModuleIsAFailureThatNamesThePackageToInstall) {
+  AppcastUpdater updater(server_.url("/feed"), QVersionNumber(0, 9), "/nonexistent/updates.so");
+  updater.checkForUpdates();
+  EXPECT_TRUE(test::runUntil([] { return shown() != "Checking for updates…||Cancel"; }));
+  EXPECT_EQ(shown().find("Zephlin could not check for updates|A part of Zephlin is missing; "
+                         "reinstall the package zephlin-desktop. "),
+            0U)
+      << shown();
+  EXPECT_NE(shown().find("/nonexistent/updates.so"), std::string::npos) << shown();
+  EXPECT_EQ(server_.connections, 0);
+}
+
 TEST_F(AppcastUpdaterTest, AServersWordsAreNoMarkup) {
   server_.answers["/feed"] =
       "HTTP/1.1 500 <b>Bad</b>\r\nConnection: close\r\nContent-Length: 0\r\n\r\n";
@@ -138,7 +150,7 @@ TEST_F(AppcastUpdaterTest, ClosingTheWindowEndsTheCheck) {
 }
 
 TEST_F(AppcastUpdaterTest, ABuildWithoutAnAddressSaysWhereUpdatesComeFrom) {
-  AppcastUpdater updater(QUrl(), QVersionNumber(0, 9));
+  AppcastUpdater updater(QUrl(), QVersionNumber(0, 9), UPDATES_MODULE);
   updater.checkForUpdates();
   updater.checkForUpdates();
   EXPECT_EQ(shown(),

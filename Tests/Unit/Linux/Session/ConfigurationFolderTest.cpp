@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
+#include <pwd.h>
+#include <unistd.h>
 
 #include <cstdlib>
+#include <string>
 
 #include "Platform/Linux/Session/ConfigurationFolder.h"
 
@@ -19,6 +22,12 @@ TEST(ConfigurationFolderTest, AnyOtherPathDoesNot) {
     ::setenv("XDG_CONFIG_HOME", value, 1);
     EXPECT_EQ(configurationFolder(), "/home/someone/.config") << value;
   }
+}
+
+TEST(ConfigurationFolderTest, WithoutAnEnvironmentTheHomeIsThatOfTheUser) {
+  ::unsetenv("XDG_CONFIG_HOME");
+  ::unsetenv("HOME");
+  EXPECT_EQ(configurationFolder(), std::string(::getpwuid(::getuid())->pw_dir) + "/.config");
 }
 
 TEST(ConfigurationFolderTest, TheSystemsFoldersAreThoseOfTheEnvironmentInItsOrder) {

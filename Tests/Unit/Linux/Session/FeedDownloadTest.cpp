@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "Platform/Linux/Session/FeedDownload.h"
+#include "Platform/Linux/Updates/FeedDownload.h"
 #include "Tests/Unit/Linux/Session/FeedServer.h"
 
 namespace zephlin {
@@ -12,13 +12,13 @@ using namespace std::chrono_literals;
 
 class FeedDownloadTest : public testing::Test {
  protected:
-  FeedDownload::Result download(const QUrl& url, std::chrono::milliseconds timeLimit = 1min) {
-    std::optional<FeedDownload::Result> result;
+  FeedResult download(const QUrl& url, std::chrono::milliseconds timeLimit = 1min) {
+    std::optional<FeedResult> result;
     const FeedDownload feed(
-        url, [&result](const FeedDownload::Result& each) { result = each; }, timeLimit);
+        url, [&result](const FeedResult& each) { result = each; }, timeLimit);
     EXPECT_FALSE(result) << "called before the event loop";
     EXPECT_TRUE(test::runUntil([&result] { return result.has_value(); }));
-    return result.value_or(FeedDownload::Result());
+    return result.value_or(FeedResult());
   }
 
   void redirect(const QByteArray& target) {
@@ -102,8 +102,8 @@ TEST_F(FeedDownloadTest, AServerThatDoesNotAnswerIsGivenUp) {
 
 TEST_F(FeedDownloadTest, DestroyingItEndsTheDownloadWithoutACall) {
   bool called = false;
-  auto feed = std::make_unique<FeedDownload>(
-      server_.url("/never"), [&called](const FeedDownload::Result&) { called = true; });
+  auto feed = std::make_unique<FeedDownload>(server_.url("/never"),
+                                             [&called](const FeedResult&) { called = true; });
   EXPECT_TRUE(test::runUntil([this] { return server_.requests == 1; }));
   feed.reset();
   EXPECT_TRUE(test::runUntil([this] { return server_.connections == 0; }));

@@ -18,6 +18,9 @@ namespace {
 
 using test::contentOf;
 
+constexpr const char* advice =
+    "; they hold until Zephlin quits, and a later change keeps them once this is mended";
+
 class JsonUserDefaultsFaultTest : public testing::Test {
  protected:
   test::TemporaryDirectory directory_;
@@ -37,15 +40,16 @@ void limitFileSize(rlim_t bytes) {
 TEST_F(JsonUserDefaultsFaultTest, OnAFullDiskAValueHoldsForTheProcessAndTheFileStaysWhole) {
   defaults_.setBoolean("old", true);
   const std::string before = contentOf(path_);
-  EXPECT_EQ(test::inNewProcess([this] {
-              limitFileSize(5);
-              defaults_.setBoolean("new", true);
-              defaults_.setBoolean("old", false);
-              return std::to_string(defaults_.boolean("new") == true) +
-                     std::to_string(defaults_.boolean("old") == false) + ":" +
-                     std::to_string(log_.entries.size()) + log_.entries.front();
-            }),
-            "11:1Zephlin: settings are not kept: cannot write " + path_ + ": File too large");
+  EXPECT_EQ(
+      test::inNewProcess([this] {
+        limitFileSize(5);
+        defaults_.setBoolean("new", true);
+        defaults_.setBoolean("old", false);
+        return std::to_string(defaults_.boolean("new") == true) +
+               std::to_string(defaults_.boolean("old") == false) + ":" +
+               std::to_string(log_.entries.size()) + log_.entries.front();
+      }),
+      "11:1Zephlin: settings are not kept: cannot write " + path_ + ": File too large" + advice);
   EXPECT_EQ(contentOf(path_), before);
   EXPECT_EQ(test::namesIn(directory_.file("zephlin")), std::set<std::string>{"defaults.json"});
 }
@@ -71,8 +75,8 @@ TEST_F(JsonUserDefaultsFaultTest, EachCauseIsLoggedOnce) {
   defaults_.setBoolean("key", true);
   defaults_.setBoolean("key", true);
   ASSERT_EQ(log_.entries.size(), 2U);
-  EXPECT_EQ(log_.entries.back(),
-            "Zephlin: settings are not kept: cannot replace " + path_ + ": Is a directory");
+  EXPECT_EQ(log_.entries.back(), "Zephlin: settings are not kept: cannot replace " + path_ +
+                                     ": Is a directory" + advice);
   EXPECT_EQ(defaults_.boolean("key"), true);
 }
 

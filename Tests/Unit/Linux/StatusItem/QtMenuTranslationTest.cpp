@@ -42,14 +42,26 @@ TEST_F(QtMenuTranslationTest, AnAmpersandInATitleIsNoMnemonic) {
   EXPECT_EQ(entry(titleLine).text().toStdString(), "Salt && Pepper");
 }
 
-TEST_F(QtMenuTranslationTest, AnItemThatIsOffHasNoBox) {
+TEST_F(QtMenuTranslationTest, ASwitchHasABoxAndACommandHasNone) {
   EXPECT_TRUE(entry(switchEntry).isCheckable());
   EXPECT_TRUE(entry(switchEntry).isChecked());
   EXPECT_FALSE(entry(command).isCheckable());
+}
+
+TEST_F(QtMenuTranslationTest, ASwitchKeepsItsActionAndItsBoxWhenItIsSwitched) {
+  const auto before = translation_->qtMenu().actions();
   sample_->isOn = false;
   translation_->update();
+  EXPECT_EQ(translation_->qtMenu().actions(), before);
+  EXPECT_TRUE(entry(switchEntry).isCheckable());
+  EXPECT_FALSE(entry(switchEntry).isChecked());
+}
+
+TEST_F(QtMenuTranslationTest, ACommandThatTakesASwitchsPlaceHasNoBox) {
+  sample_->isSwitchThere = false;
+  translation_->update();
+  EXPECT_EQ(entry(switchEntry).text().toStdString(), "Command");
   EXPECT_FALSE(entry(switchEntry).isCheckable());
-  EXPECT_EQ(entry(switchEntry).text().toStdString(), "Switch");
 }
 
 TEST_F(QtMenuTranslationTest, CommandIsControlAndIsShownWithoutBecomingAShortcutOfWindows) {

@@ -25,7 +25,12 @@ class SampleMenu final : public MenuDelegate, public std::enable_shared_from_thi
     shown.add(std::make_shared<MenuItem>("Salt & Pepper", std::monostate()))->isEnabled = false;
     statusLine = shown.add(std::make_shared<MenuItem>(status, std::monostate()));
     shown.add(MenuItem::separator());
-    addCommand(shown, "Switch", [this] { isOn = !isOn; })->isChecked = isOn;
+    if (isSwitchThere) {
+      addCommand(shown, "Switch", [this] {
+        isOn = !isOn;
+        ++switchings;
+      })->isChecked = isOn;
+    }
     addCommand(shown, "Command", [this] {
       if (commandChosen) {
         commandChosen();
@@ -44,9 +49,11 @@ class SampleMenu final : public MenuDelegate, public std::enable_shared_from_thi
   std::weak_ptr<MenuItem> statusLine;
   std::function<void()> commandChosen;
   std::string status = "Checking…";
+  bool isSwitchThere = true;
   bool isOn = true;
   int extraItems = 0;
   int rebuilds = 0;
+  int switchings = 0;
 
  private:
   static std::shared_ptr<MenuItem> addCommand(Menu& shown, const char* title,

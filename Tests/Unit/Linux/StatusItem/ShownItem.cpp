@@ -27,6 +27,11 @@ ShownEntry entryFrom(const QDBusArgument& argument) {
   return entry;
 }
 
+/// What Event is told of a click.
+QVariantList choiceOf(const ShownEntry& entry) {
+  return {entry.id, "clicked", QVariant::fromValue(QDBusVariant("")), 0U};
+}
+
 }  // namespace
 
 ShownItem::ShownItem(const QString& service)
@@ -108,8 +113,15 @@ void ShownItem::tellAboutToShow() {
 }
 
 void ShownItem::choose(const ShownEntry& entry) {
-  call(menuPath, menuInterface, "Event",
-       {entry.id, "clicked", QVariant::fromValue(QDBusVariant("")), 0U});
+  call(menuPath, menuInterface, "Event", choiceOf(entry));
+}
+
+void ShownItem::chooseAtOnce(const ShownEntry& entry, int times) {
+  QDBusMessage message = QDBusMessage::createMethodCall(service_, menuPath, menuInterface, "Event");
+  message.setArguments(choiceOf(entry));
+  for (int time = 0; time < times; ++time) {
+    bus_.send(message);
+  }
 }
 
 int ShownItem::signalsSent(const char* name) const {

@@ -40,6 +40,8 @@ class ShownItem final : public QObject {
   [[nodiscard]] std::vector<ShownEntry> layout();
   void tellAboutToShow();
   void choose(const ShownEntry& entry);
+  /// So many times in a row, without waiting for an answer.
+  void chooseAtOnce(const ShownEntry& entry, int times);
 
   /// The names of the signals that the item and its menu have sent so far.
   [[nodiscard]] int signalsSent(const char* name) const;

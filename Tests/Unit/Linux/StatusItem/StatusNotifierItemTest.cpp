@@ -4,7 +4,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QIcon>
 #include <QTemporaryDir>
 #include <optional>
 
@@ -20,23 +19,16 @@ namespace {
 const auto* const environment = ::testing::AddGlobalTestEnvironment(
     new DesktopEnvironment(PrivateDesktop::SessionBus::Present));
 
-/// The desktop's icon theme, with or without the program's icons.
-class IconTheme {
+/// The desktop's icons, with or without the program's.
+class InstalledIcons {
  public:
-  explicit IconTheme(bool hasOurs) {
-    const QString icons = directory_.filePath("hicolor/scalable/status");
+  explicit InstalledIcons(bool areOursThere) {
+    const QString icons = directory_.filePath("icons/hicolor/scalable/status");
     QDir().mkpath(icons);
-    QFile index(directory_.filePath("hicolor/index.theme"));
-    index.open(QFile::WriteOnly);
-    index.write(
-        "[Icon Theme]\nName=Hicolor\nDirectories=scalable/status\n"
-        "[scalable/status]\nSize=16\nMinSize=8\nMaxSize=512\nType=Scalable\n");
-    if (hasOurs) {
+    if (areOursThere) {
       QFile::copy(ICONS "/zephlin-capslock-symbolic.svg", icons + "/zephlin-capslock-symbolic.svg");
     }
-    index.close();
-    QIcon::setThemeSearchPaths({directory_.path()});
-    QIcon::setThemeName("hicolor");
+    qputenv("XDG_DATA_DIRS", directory_.path().toUtf8());
   }
 
  private:
@@ -59,7 +51,7 @@ class StatusNotifierItemTest : public ::testing::Test {
     return true;
   }
 
-  IconTheme theme_{true};
+  InstalledIcons icons_{true};
   QtStatusBar bar_;
   std::unique_ptr<StatusItem> item_;
   std::optional<ShownItem> shown_;
@@ -118,15 +110,18 @@ TEST_F(StatusNotifierItemTest, IsKnownByTheApplicationsName) {
   EXPECT_EQ(shown_->text("Title"), "Zephlin");
 }
 
-TEST_F(StatusNotifierItemTest, NamesItsIconWhereTheThemeHasIt) {
+TEST_F(StatusNotifierItemTest, NamesItsIconWhereItIsInstalledAndSendsNoPicture) {
   FakePanel panel;
   makeItem();
   ASSERT_TRUE(appearsIn(panel));
   EXPECT_EQ(shown_->text("IconName"), "zephlin-capslock-symbolic");
+  for (const int width : shown_->pictureWidths()) {
+    EXPECT_EQ(width, 0);
+  }
 }
 
-TEST_F(StatusNotifierItemTest, SendsPicturesWhereTheThemeHasNoIconOfOurs) {
-  const IconTheme without(false);
+TEST_F(StatusNotifierItemTest, SendsPicturesWhereItsIconIsNotInstalled) {
+  const InstalledIcons none(false);
   FakePanel panel;
   makeItem();
   ASSERT_TRUE(appearsIn(panel));

@@ -104,8 +104,26 @@ TEST_F(StatusNotifierMenuTest, AChosenSwitchIsShownSwitchedBeforeItIsOpenedAgain
   const auto layout = shown_->layout();
   ASSERT_EQ(layout.size(), 6U);
   EXPECT_EQ(layout[3].label(), "Switch");
-  EXPECT_FALSE(layout[3].properties.contains("toggle-type"));
+  EXPECT_EQ(layout[3].properties["toggle-state"], 0);
   EXPECT_EQ(layout[4].properties["enabled"], false);
+}
+
+TEST_F(StatusNotifierMenuTest, EntriesKeepTheirIdentifiersThoughTheyAreSwitched) {
+  const auto before = entries();
+  for (const bool isOn : {false, true}) {
+    sample_->isOn = isOn;
+    shown_->tellAboutToShow();
+    EXPECT_EQ(entries(), before);
+  }
+}
+
+TEST_F(StatusNotifierMenuTest, EveryClickOfManyInARowIsObeyed) {
+  constexpr int clicks = 1001;
+  shown_->chooseAtOnce(shown_->layout()[3], clicks);
+  ASSERT_TRUE(waitUntil([this] { return sample_->switchings >= clicks; }));
+  EXPECT_EQ(sample_->switchings, clicks);
+  EXPECT_FALSE(sample_->isOn);
+  EXPECT_EQ(shown_->layout()[3].properties["toggle-state"], 0);
 }
 
 TEST_F(StatusNotifierMenuTest, AnotherMenuTakesItsPlace) {

@@ -12,6 +12,11 @@ namespace {
 
 class LogindWorkspaceTest : public testing::Test {
  protected:
+  LogindWorkspaceTest() { letListen(); }
+
+  /// It listens from the event loop's next turn on.
+  static void letListen() { test::runLoopFor(std::chrono::milliseconds(1)); }
+
   bool wakesAre(int count) {
     return test::eventually([&] { return wakes_ >= count; }) && wakes_ == count;
   }
@@ -36,6 +41,7 @@ TEST_F(LogindWorkspaceTest, ReportsToEachObserver) {
   test::FakeLogind logind;
   int others = 0;
   const auto other = workspace_->observeDidWake([&] { ++others; });
+  letListen();
   logind.prepareForSleep(false);
   EXPECT_TRUE(wakesAre(1));
   EXPECT_TRUE(test::eventually([&] { return others == 1; }));
@@ -64,6 +70,7 @@ TEST_F(LogindWorkspaceTest, EndsWithTheObservation) {
   test::FakeLogind logind;
   int others = 0;
   const auto other = workspace_->observeDidWake([&] { ++others; });
+  letListen();
   observation_.reset();
   logind.prepareForSleep(false);
   ASSERT_TRUE(test::eventually([&] { return others == 1; }));
@@ -78,10 +85,20 @@ TEST_F(LogindWorkspaceTest, EndsWithinACall) {
     ending.reset();
     ++calls;
   });
+  letListen();
   logind.prepareForSleep(false);
   logind.prepareForSleep(false);
   ASSERT_TRUE(wakesAre(2));
   EXPECT_EQ(calls, 1);
+}
+
+TEST_F(LogindWorkspaceTest, MayEndBeforeItListens) {
+  auto other = workspace_->observeDidWake([] {});
+  other.reset();
+  other = workspace_->observeDidWake([] {});
+  workspace_.reset();
+  letListen();
+  EXPECT_EQ(wakes_, 0);
 }
 
 TEST_F(LogindWorkspaceTest, OutlivesTheBus) {

@@ -1,4 +1,4 @@
-#include "Platform/Linux/Session/FeedDownload.h"
+#include "Platform/Linux/Updates/FeedDownload.h"
 
 #include <QNetworkRequest>
 #include <utility>
@@ -23,7 +23,7 @@ QNetworkRequest requestOf(const QUrl& url) {
 
 }  // namespace
 
-FeedDownload::FeedDownload(const QUrl& url, std::function<void(const Result& result)> done,
+FeedDownload::FeedDownload(const QUrl& url, std::function<void(const FeedResult& result)> done,
                            std::chrono::milliseconds timeLimit)
     : done_(std::move(done)) {
   timeLimit_.setSingleShot(true);
@@ -50,7 +50,7 @@ FeedDownload::FeedDownload(const QUrl& url, std::function<void(const Result& res
 
 FeedDownload::~FeedDownload() = default;
 
-void FeedDownload::finish(const Result& result) {
+void FeedDownload::finish(const FeedResult& result) {
   timeLimit_.stop();
   if (reply_) {
     reply_->disconnect(&timeLimit_);
@@ -62,7 +62,7 @@ void FeedDownload::finish(const Result& result) {
   done(result);
 }
 
-FeedDownload::Result FeedDownload::result() {
+FeedResult FeedDownload::result() {
   if (reply_->error() != QNetworkReply::NoError) {
     return {{}, reply_->errorString()};
   }
