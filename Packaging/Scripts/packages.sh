@@ -58,3 +58,8 @@ need_virtual_desktop_packages() {
     need_packages xvfb xauth openbox xfce4-panel xfconf dbus-daemon libglib2.0-bin xdotool \
         imagemagick adwaita-icon-theme librsvg2-common fonts-dejavu-core
 }
+
+# A virtual machine with a Debian kernel of its own, and what is compiled for it.
+need_virtual_machine_packages() {
+    need_packages busybox-static cpio libxkbcommon-dev qemu-system-x86 systemd udev xkb-data
+}

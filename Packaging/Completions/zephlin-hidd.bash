@@ -1,0 +1,16 @@
+# shellcheck shell=bash
+# shellcheck disable=SC2034 # _init_completion sets them all.
+_zephlin_hidd() {
+    local cur prev words cword
+    _init_completion || return
+    case $prev in
+    --socket) _filedir ;;
+    --virtual-keyboards | --tap-gap) ;;
+    *)
+        mapfile -t COMPREPLY < <(
+            compgen -W '--socket --virtual-keyboards --tap-gap --help --version' -- "$cur"
+        )
+        ;;
+    esac
+}
+complete -F _zephlin_hidd zephlin-hidd

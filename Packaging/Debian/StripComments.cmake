@@ -1,0 +1,9 @@
+# Takes the section out of the programs that names the compiler, as debhelper does; cpack's own
+# stripping leaves it.
+set(usr ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*/usr)
+file(GLOB_RECURSE files ${usr}/bin/* ${usr}/sbin/* ${usr}/lib/*/zephlin/*)
+foreach(file IN LISTS files)
+  if(NOT IS_SYMLINK ${file})
+    execute_process(COMMAND strip --remove-section=.comment ${file} COMMAND_ERROR_IS_FATAL ANY)
+  endif()
+endforeach()

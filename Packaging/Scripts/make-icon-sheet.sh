@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Draws all icons at the sizes that panels and menus use, for light and dark ones, on one sheet:
+#
+#   make-icon-sheet.sh PICTURE.png [MAGNIFICATION]
+#
+# Needs rsvg-convert (librsvg2-bin) and montage (imagemagick).
+set -euo pipefail
+sheet=$(realpath "$1")
+magnification=${2-1}
+cd "$(dirname "$0")/../Icons"
+
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+tiles=()
+for icon in *.svg; do
+    for colours in "#363636 #f6f6f6" "#f2f2f2 #2b2b2b"; do
+        read -r foreground background <<<"$colours"
+        for size in 16 22 24 32 64; do
+            tile=$folder/$icon$background$size.png
+            # A panel puts its own colour in the place of that one.
+            sed "s/#363636/$foreground/" "$icon" | rsvg-convert --width "$size" --height "$size" |
+                convert - -background "$background" -gravity center -extent "$((size + 16))x80" \
+                    -filter point -resize "$((magnification * 100))%" "$tile"
+            tiles+=("$tile")
+        done
+    done
+done
+montage "${tiles[@]}" -tile 10x -geometry +0+0 -mode concatenate "$sheet"

@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# Makes zephlin-VERSION.tar.gz of what git tracks, as the newest commit has it, and nothing else. The
+# same commit gives the same bytes.
+#
+#   make-source-package.sh VERSION FOLDER
+set -euo pipefail
+name=zephlin-$1
+folder=$(realpath "$2")
+cd "$(dirname "$0")/../.."
+git archive --format=tar.gz --prefix="$name/" --output="$folder/$name.tar.gz" HEAD
+echo "$folder/$name.tar.gz"
