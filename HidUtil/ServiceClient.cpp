@@ -54,21 +54,24 @@ milliseconds Exchange::remaining() const {
 RequestError Exchange::unreachable(int errorNumber) const {
   if (errorNumber == EACCES || errorNumber == EPERM) {
     return RequestError("no permission to talk to the keyboard service at " + path_ +
-                        reason(errorNumber) + "; check the permissions of the socket");
+                        reason(errorNumber) +
+                        R"(; everyone should have it: restart it as root with )"
+                        R"("systemctl restart zephlin-hidd.socket")");
   }
   return RequestError("no keyboard service at " + path_ + reason(errorNumber) +
-                      "; start it by running zephlin-hidd as root");
+                      R"(; start it as root with "systemctl start zephlin-hidd.socket", or )"
+                      R"(without systemd with "zephlin-hidd")");
 }
 
 RequestError Exchange::silent() const {
-  return RequestError("the keyboard service at " + path_ + " did not answer within " +
-                      std::to_string(servicePatience.count()) +
-                      " seconds; try again, or restart zephlin-hidd as root");
+  return misbehaving("did not answer within " + std::to_string(servicePatience.count()) +
+                     " seconds");
 }
 
 RequestError Exchange::misbehaving(const std::string& how) const {
-  return RequestError("the keyboard service at " + path_ + ' ' + how +
-                      "; try again, or restart zephlin-hidd as root");
+  return RequestError(
+      "the keyboard service at " + path_ + ' ' + how +
+      R"(; try again, or restart it as root with "systemctl restart zephlin-hidd")");
 }
 
 void Exchange::connect(const SocketAddress& address) {

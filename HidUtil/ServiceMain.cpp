@@ -2,6 +2,7 @@
 #include <systemd/sd-daemon.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -20,6 +21,7 @@
 #include "HidUtil/RequestHandler.h"
 #include "HidUtil/Server.h"
 #include "HidUtil/ServiceCommandLine.h"
+#include "HidUtil/SocketAddress.h"
 #include "HidUtil/StandardDescriptors.h"
 #include "HidUtil/VirtualKeyboardBus.h"
 #include "ZephlinCore/FileDescriptor.h"
@@ -80,7 +82,7 @@ void serve(const ServiceOptions& options) {
 int print(std::string_view text) {
   const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
   if (!written || std::fflush(stdout) != 0) {
-    throw RequestError("cannot write to standard output");
+    throw RequestError("cannot write to standard output" + reason(errno) + "; check where it goes");
   }
   return Done;
 }

@@ -15,11 +15,22 @@
 namespace zephlin {
 namespace {
 
+const char* advice(int errorNumber) {
+  switch (errorNumber) {
+    case EACCES:
+    case EPERM:
+      return "; run zephlin-hidd as root, or give its user access by a udev rule";
+    case ENOENT:
+    case ENODEV:
+    case ENXIO:
+      return "; run modprobe uinput as root, or start a kernel that has this module";
+    default:
+      return "";
+  }
+}
+
 BusError unusable(int errorNumber) {
-  return BusError("cannot use /dev/uinput" + reason(errorNumber) +
-                  (errorNumber == EACCES || errorNumber == EPERM
-                       ? "; run zephlin-hidd as root, or give its user access by a udev rule"
-                       : "; run modprobe uinput as root"));
+  return BusError("cannot use /dev/uinput" + reason(errorNumber) + advice(errorNumber));
 }
 
 FileDescriptor openUinput() {

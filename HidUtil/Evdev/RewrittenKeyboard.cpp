@@ -91,7 +91,9 @@ void RewrittenKeyboard::tryToGrab() {
       watchKeyboard_.disable();
       nextTry_.setDelay(timeBetweenTries);
       if (!std::exchange(hasReportedTrouble_, true)) {
-        observer_.hasTrouble("is held by another program; it is taken when that lets go");
+        observer_.hasTrouble(
+            "is held by another program (fuser -v lists who has it open); it is taken when that "
+            "lets go");
       }
   }
 }

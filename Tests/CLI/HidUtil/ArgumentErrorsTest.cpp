@@ -34,8 +34,7 @@ TEST(ArgumentErrors, ControlCharactersDoNotReachTheTerminal) {
             failure(R"(unknown matching key "\x1b\x0a"; known keys are PrimaryUsagePage, )"
                     "PrimaryUsage, VendorID, ProductID, Product, RegistryID"));
   EXPECT_EQ(test::run({hidutilProgram, "--socket", "/absent\n/s", "list"}),
-            failure(R"(no keyboard service at /absent\x0a/s (No such file or directory); start it )"
-                    "by running zephlin-hidd as root"));
+            absence(R"(/absent\x0a/s)", "No such file or directory"));
 }
 
 TEST(ArgumentErrors, MatchingHasToBeAnObjectOfKnownKeys) {

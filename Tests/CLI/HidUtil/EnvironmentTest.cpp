@@ -53,6 +53,14 @@ TEST(Environment, AListingThatCannotBeWrittenIsAnError) {
                                   "check where it goes (any change asked for has been made)"));
 }
 
+TEST(Environment, AHelpThatCannotBeWrittenIsAnErrorOfTheServiceToo) {
+  test::TestProcess child({serviceProgram, "--help"}, writeToFullDevice);
+  EXPECT_EQ(child.wait(),
+            (test::Outcome{1, "",
+                           "zephlin-hidd: cannot write to standard output (No space left on "
+                           "device); check where it goes\n"}));
+}
+
 TEST(Environment, AReaderThatIsGoneIsAnError) {
   const RunningService service;
   test::TestProcess child(service.command({"list"}), [] {

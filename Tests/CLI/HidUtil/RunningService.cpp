@@ -30,4 +30,10 @@ test::Outcome failure(const std::string& message) {
   return {1, "", "hidutil: " + message + "\n"};
 }
 
+test::Outcome absence(const std::string& path, const std::string& reason) {
+  return failure("no keyboard service at " + path + " (" + reason +
+                 R"(); start it as root with "systemctl start zephlin-hidd.socket", or without )"
+                 R"(systemd with "zephlin-hidd")");
+}
+
 }  // namespace zephlin

@@ -39,4 +39,7 @@ class RunningService {
 /// What hidutil does when it fails: status 1 and one line.
 test::Outcome failure(const std::string& message);
 
+/// What hidutil does when nobody listens at a path.
+test::Outcome absence(const std::string& path, const std::string& reason);
+
 }  // namespace zephlin
