@@ -14,7 +14,7 @@ TEST_F(CapsLockInMachine, ActsAtThePressAfterApplyAndAsEverAfterRestore) {
 }
 
 TEST_F(CapsLockInMachine, EachKeyboardHasItsOwnDelay) {
-  machine().plug(1);
+  machine().plug({1});
   EXPECT_EQ(typeHello(1), "HEe");
   apply(2);
   EXPECT_EQ(typeHello(0), "Hee");
@@ -23,7 +23,7 @@ TEST_F(CapsLockInMachine, EachKeyboardHasItsOwnDelay) {
                    R"(--set '{"CapsLockDelayOverride":300}')");
   EXPECT_EQ(typeHello(0), "Hee");
   EXPECT_EQ(textOf(1,
-                   [] {
+                   [&] {
                      tap(1, "caps_lock");
                      tap(1, "h");
                    }),
@@ -37,7 +37,7 @@ TEST_F(CapsLockInMachine, EachKeyboardHasItsOwnDelay) {
                      tap(1, "i");
                    }),
             "HI");
-  machine().pull(1);
+  machine().pull({1});
 }
 
 TEST_F(CapsLockInMachine, TheCloneLooksLikeItsKeyboard) {
@@ -53,19 +53,31 @@ TEST_F(CapsLockInMachine, TheCloneLooksLikeItsKeyboard) {
 }
 
 TEST_F(CapsLockInMachine, AKeyboardWithoutLightsIsInstantToo) {
-  machine().output(
-      "rm -f /tmp/keys; mkfifo /tmp/keys; LightlessKeyboard </tmp/keys & exec 9>/tmp/keys");
-  machine().waitUntil("hidutil list | grep -q Lightless");
-  const auto type = [](const std::string& keys) {
-    machine().output("for each in " + keys + "; do echo KEY_$each; sleep 0.3; done >&9");
-  };
-  const std::string hello =
-      "'CAPSLOCK 1' 'CAPSLOCK 0' 'H 1' 'H 0' 'CAPSLOCK 1' 'E 1' 'CAPSLOCK 0' "
-      "'E 0' 'E 1' 'E 0'";
-  EXPECT_EQ(textOf(0, [&] { type(hello); }), "HEe");
+  makeKeyboard();
+  const auto hello = [&] { turnSlowly(helloEvents); };
+  EXPECT_EQ(textOf(0, hello), "HEe");
   apply(2);
-  EXPECT_EQ(textOf(0, [&] { type(hello); }), "Hee");
-  machine().output("exec 9>&-");
+  EXPECT_EQ(textOf(0, hello), "Hee");
+  endKeyboard();
+  waitForClones(1);
+}
+
+TEST_F(CapsLockInMachine, AKeyboardThatIsAMouseTooKeepsItsMouse) {
+  makeKeyboard("mouse");
+  const auto usedMouse = [&] {
+    startJudge();
+    turnSlowly("'REL_X 5' 'BTN_LEFT 1' 'REL_Y -3' 'BTN_LEFT 0' 'REL_WHEEL 1'");
+    finishTyping(0);
+    return seen();
+  };
+  const std::string before = usedMouse();
+  EXPECT_EQ(before,
+            "moved REL_X 5\nkey BTN_LEFT 1\nmoved REL_Y -3\nkey BTN_LEFT 0\nmoved REL_WHEEL 1\n"
+            "key KEY_F12 1\nkey KEY_F12 0\n");
+  apply(2);
+  EXPECT_EQ(usedMouse(), before);
+  EXPECT_EQ(textOf(0, [&] { turnSlowly(helloEvents); }), "Hee");
+  endKeyboard();
   waitForClones(1);
 }
 

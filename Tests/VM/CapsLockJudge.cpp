@@ -4,6 +4,7 @@
 //   10.123456 + event3                 a keyboard appears
 //   10.123456 - event3 held=0          and goes, with so many keys down
 //   10.123456 key event3 KEY_A 1
+//   10.123456 moved event3 REL_X 5     a mouse in the same device
 //   10.123456 text H
 //   10.123456 lock 1                   Caps Lock goes on or off
 //
@@ -13,9 +14,7 @@
 #include <libevdev/libevdev.h>
 #include <libudev.h>
 #include <linux/input.h>
-#include <linux/kd.h>
 #include <poll.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -129,6 +128,10 @@ class Judge {
   }
 
   void take(const std::string& name, Device& device, const input_event& event) {
+    if (event.type == EV_REL) {
+      print("moved %s %s %d", name.c_str(), libevdev_event_code_get_name(EV_REL, event.code),
+            event.value);
+    }
     if (event.type != EV_KEY || event.value == 2 || event.code >= KEY_CNT) {
       return;
     }
@@ -163,15 +166,6 @@ class Judge {
   Seat seat_;
   std::map<std::string, Device> devices_;
 };
-
-/// The console has a lock and lights of its own, which a compositor switches off.
-void silenceConsole() {
-  const int console = ::open("/dev/tty0", O_RDWR | O_CLOEXEC);
-  if (::ioctl(console, KDSKBMODE, K_OFF) != 0) {
-    print("the console is not silent");
-  }
-  ::close(console);
-}
 
 }  // namespace
 }  // namespace zephlin

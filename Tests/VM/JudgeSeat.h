@@ -1,8 +1,13 @@
 #pragma once
 
+#include <fcntl.h>
+#include <linux/kd.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 #include <xkbcommon/xkbcommon.h>
 
 #include <array>
+#include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
@@ -13,14 +18,25 @@ namespace zephlin {
 constexpr xkb_keycode_t evdevOffset = 8;
 
 /// Prints a line with the time before it.
-template <typename... Arguments>
-void print(const char* format, Arguments... arguments) {
+[[gnu::format(printf, 1, 2)]] inline void print(const char* format, ...) {
   timespec now{};
   ::clock_gettime(CLOCK_MONOTONIC, &now);
   std::printf("%ld.%06ld ", static_cast<long>(now.tv_sec), now.tv_nsec / 1000);
-  std::printf(format, arguments...);
+  va_list arguments;
+  va_start(arguments, format);
+  std::vprintf(format, arguments);
+  va_end(arguments);
   std::printf("\n");
   std::fflush(stdout);
+}
+
+/// The console has a lock and lights of its own, which a compositor switches off.
+inline void silenceConsole() {
+  const int console = ::open("/dev/tty0", O_RDWR | O_CLOEXEC);
+  if (::ioctl(console, KDSKBMODE, K_OFF) != 0) {
+    print("the console is not silent");
+  }
+  ::close(console);
 }
 
 /// The state of XKB that all keyboards share, as in a compositor. It lasts as long as the program.

@@ -3,7 +3,7 @@
 namespace zephlin {
 namespace {
 
-constexpr int timesPlugged = 20;
+constexpr int timesPlugged = 100;
 
 /// What may go wrong while Caps Lock is instant.
 using TroubleInMachine = TypedMachine;
@@ -24,11 +24,11 @@ TEST_F(TroubleInMachine, PulledWithKeysDownLeavesNoneStuck) {
   machine().press(0, "a");
   machine().press(0, "caps_lock");
   waitUntilSeen("KEY_CAPSLOCK 1", 2);
-  machine().pull(0);
+  machine().pull({0});
   waitForClones(0);
   EXPECT_EQ(machine().output("grep -c ' 1$' /tmp/judge.log"),
             machine().output("expr $(grep -c ' 0$' /tmp/judge.log) + 0"));
-  machine().plug(0);
+  machine().plug({0});
 }
 
 TEST_F(TroubleInMachine, PluggingAndPullingLeavesNothingBehind) {
@@ -37,18 +37,22 @@ TEST_F(TroubleInMachine, PluggingAndPullingLeavesNothingBehind) {
     return std::stoi(
         machine().output("sed -n 's/VmRSS:[^0-9]*\\([0-9]*\\).*/\\1/p' /proc/$service/status"));
   };
-  const auto plugAndPull = [] {
-    machine().pull(0);
-    machine().plug(0);
-    machine().output("Zephlin apply");
+  const auto pullAndPlugAll = [] {
+    machine().pull({0, 1, 2, 3});
+    machine().plug({0, 1, 2, 3});
+    machine().output("Zephlin apply; sleep 0.7");
   };
-  plugAndPull();
+  machine().plug({1, 2, 3});
+  pullAndPlugAll();
   const std::string descriptorsBefore = descriptors();
   const int memoryBefore = memory();
-  for (int count = 0; count < timesPlugged; ++count) {
-    plugAndPull();
+  for (int count = 0; count < timesPlugged; count += VirtualMachine::places) {
+    pullAndPlugAll();
   }
   EXPECT_EQ(descriptors(), descriptorsBefore);
+  waitForClones(VirtualMachine::places);
+  machine().pull({1, 2, 3});
+  waitForClones(1);
   restore();
   EXPECT_LT(memory() - memoryBefore, 500) << "kilobytes";
 }
@@ -77,11 +81,7 @@ TEST_F(TroubleInMachine, AKilledServiceLeavesTheKeyboardWorkingAtOnce) {
 }
 
 TEST_F(TroubleInMachine, ActivationBringsAKilledServiceBack) {
-  machine().run("kill $service; wait $service");
-  machine().output(
-      "while :; do rm -f /run/zephlin/hidd.sock; systemd-socket-activate "
-      "-l /run/zephlin/hidd.sock zephlin-hidd; done >/tmp/service.log 2>&1 & keeper=$!");
-  machine().waitUntil("[ -S /run/zephlin/hidd.sock ]");
+  activateService();
   apply();
   EXPECT_EQ(typeHello(0), "Hee");
   machine().output("killall -9 zephlin-hidd");
@@ -90,9 +90,79 @@ TEST_F(TroubleInMachine, ActivationBringsAKilledServiceBack) {
   EXPECT_EQ(typeHello(0), "HEe");
   apply();
   EXPECT_EQ(typeHello(0), "Hee");
-  machine().run("kill -9 $keeper; killall zephlin-hidd; wait $keeper");
+  endActivation();
+}
+
+TEST_F(TroubleInMachine, AServiceKilledWithinATapLeavesCapsLockUpAndWorking) {
+  activateService("zephlin-hidd --tap-gap 50");
+  apply();
+  tap(0, "caps_lock");
+  waitForLight(0, true);
+  waitUntilSeen("KEY_CAPSLOCK 0");
+  // Stops the service when the tap's press comes out, so that its release cannot.
+  machine().output(
+      "active=$(pidof zephlin-hidd); { cat >/dev/null; : >/tmp/watching; until read -r line; case "
+      "$line in *'CAPSLOCK 1') true ;; *) false ;; esac; do :; done; kill -STOP $active; "
+      ": >/tmp/stopped; } </tmp/judge.log & until [ -e /tmp/watching ]; do sleep 0.1; done");
+  machine().press(0, "caps_lock");
+  machine().waitUntil("[ -e /tmp/stopped ]");
+  EXPECT_TRUE(seen().ends_with("lock 1\nkey KEY_CAPSLOCK 0\nkey KEY_CAPSLOCK 1\n")) << seen();
+  machine().output("killall -9 zephlin-hidd");
+  waitUntilSeen("KEY_CAPSLOCK 0", 2);
+  waitUntilSeen("lock 0");
+  machine().release(0, "caps_lock");
+  EXPECT_EQ(typeHello(0), "HEe");
+  apply();
+  EXPECT_EQ(typeHello(0), "Hee");
+  endActivation();
+  machine().output("rm /tmp/watching /tmp/stopped");
+}
+
+TEST_F(TroubleInMachine, AFloodThatOverrunsTheKernelsQueueLeavesNoKeyStuck) {
+  makeKeyboard();
+  apply(2);
+  machine().output("echo KEY_CAPSLOCK 1 >&9");
+  waitUntilSeen("KEY_CAPSLOCK 1");
+  // Stopped, the service cannot keep up with anybody.
+  machine().output(
+      "kill -STOP $service; { echo KEY_CAPSLOCK 0; echo KEY_A 1; for each in $(seq 300); do "
+      "echo KEY_J 1; echo KEY_J 0; done; echo KEY_B 1; } >&9");
+  machine().waitUntil("grep -q 'KEY_B 1' /tmp/made.log");
+  machine().output("kill -CONT $service");
+  waitUntilSeen("KEY_A 1");
+  waitUntilSeen("KEY_B 1");
+  waitUntilSeen("KEY_CAPSLOCK 0");
+  EXPECT_LT(std::stoi(machine().run("grep -c 'KEY_J 1' /tmp/judge.log").output), 300);
+  machine().output("{ echo KEY_A 0; echo KEY_B 0; } >&9");
+  waitUntilSeen("KEY_A 0");
+  waitUntilSeen("KEY_B 0");
+  EXPECT_EQ(textOf(0,
+                   [&] {
+                     turnSlowly(
+                         "'KEY_H 1' 'KEY_H 0' 'KEY_CAPSLOCK 1' 'KEY_E 1' 'KEY_CAPSLOCK 0' "
+                         "'KEY_E 0' 'KEY_E 1' 'KEY_E 0'");
+                   }),
+            "Hee");
+  endKeyboard();
+  waitForClones(1);
+}
+
+TEST_F(TroubleInMachine, ASecondServiceTakesTheKeyboardWhenTheFirstLetsGo) {
+  apply();
+  machine().output("zephlin-hidd --socket /tmp/second.sock 2>/tmp/second.log & second=$!");
+  machine().waitUntil("grep -q 'ready.* 1 keyboard' /tmp/second.log");
+  machine().output(
+      "hidutil --socket /tmp/second.sock property --set '{\"CapsLockDelayOverride\":0}'");
+  machine().waitUntil("grep -q 'is held by another program' /tmp/second.log");
+  EXPECT_EQ(typeHello(0), "Hee");
+  machine().output("Zephlin restore");
+  // It tries every five seconds.
+  waitForClones(1);
+  machine().output("sleep 6");
+  EXPECT_EQ(typeHello(0), "Hee");
+  machine().run("kill $second; wait $second");
   waitForClones(0);
-  machine().output("rm /run/zephlin/hidd.sock");
+  EXPECT_EQ(typeHello(0), "HEe");
 }
 
 TEST_F(TroubleInMachine, BackspaceEnterAndEscapeGiveAllKeyboardsBack) {

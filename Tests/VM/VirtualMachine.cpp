@@ -2,9 +2,11 @@
 
 #include <nlohmann/json.hpp>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 
 #include <array>
+#include <csignal>
 #include <stdexcept>
 #include <thread>
 
@@ -16,7 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 using nlohmann::json;
 
-constexpr int patienceMilliseconds = 60'000;
+constexpr int patienceMilliseconds = 120'000;
 constexpr auto timeBetweenTries = 50ms;
 
 FileDescriptor connectTo(const std::string& path) {
@@ -68,21 +70,27 @@ std::string LineStream::receive() {
 /// clang-format would put each word on a line of its own.
 // clang-format off
 std::vector<std::string> VirtualMachine::command(const std::string& images) const {
-  return {"/usr/bin/qemu-system-x86_64",
+  std::vector<std::string> command{
+          "/usr/bin/qemu-system-x86_64",
           "-machine", "pc,i8042=off", "-accel", "tcg", "-m", "512",
           "-nodefaults", "-no-user-config", "-no-reboot", "-display", "none",
           "-kernel", images + "/kernel", "-initrd", images + "/initramfs",
           "-append", "console=ttyS0 quiet panic=-1 no_console_suspend mem_sleep_default=deep",
-          "-device", "bochs-display,id=video0", "-device", "bochs-display,id=video1",
-          "-device", "qemu-xhci,id=usb",
           "-serial", "file:" + images + "/console.log",
           "-serial", "unix:" + directory_.file("shell") + ",server=on,wait=on",
           "-qmp", "unix:" + directory_.file("control") + ",server=on,wait=off"};
+  for (int place = 0; place < places; ++place) {
+    const std::string number = std::to_string(place);
+    command.insert(command.end(), {"-device", "bochs-display,id=video" + number,
+                                   "-device", "qemu-xhci,id=usb" + number});
+  }
+  return command;
 }
 // clang-format on
 
 VirtualMachine::VirtualMachine(const std::string& images)
-    : process_(command(images)),
+    // It goes with us, however we end.
+    : process_(command(images), [] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); }),
       shell_(directory_.file("shell")),
       control_(directory_.file("control")) {
   control("qmp_capabilities");
@@ -129,21 +137,28 @@ std::string VirtualMachine::keyboardIsThere(int keyboard) {
          std::to_string(keyboard);
 }
 
-void VirtualMachine::plug(int keyboard) {
-  const std::string number = std::to_string(keyboard);
-  control("device_add", {{"driver", "usb-kbd"},
-                         {"id", "keyboard" + number},
-                         {"bus", "usb.0"},
-                         {"serial", "K" + number},
-                         {"display", "video" + number}});
-  waitUntil(keyboardIsThere(keyboard));
+void VirtualMachine::plug(const std::vector<int>& keyboards) {
+  for (const int keyboard : keyboards) {
+    const std::string number = std::to_string(keyboard);
+    control("device_add", {{"driver", "usb-kbd"},
+                           {"id", "keyboard" + number},
+                           {"bus", "usb" + number + ".0"},
+                           {"serial", "K" + number},
+                           {"display", "video" + number}});
+  }
+  for (const int keyboard : keyboards) {
+    waitUntil(keyboardIsThere(keyboard));
+  }
   output("udevadm settle");
 }
 
-void VirtualMachine::pull(int keyboard) {
-  control("device_del", {{"id", "keyboard" + std::to_string(keyboard)}});
-  waitUntil("! { " + keyboardIsThere(keyboard) + "; }");
-  output("udevadm settle");
+void VirtualMachine::pull(const std::vector<int>& keyboards) {
+  for (const int keyboard : keyboards) {
+    control("device_del", {{"id", "keyboard" + std::to_string(keyboard)}});
+  }
+  for (const int keyboard : keyboards) {
+    waitUntil("! { " + keyboardIsThere(keyboard) + "; }");
+  }
 }
 
 void VirtualMachine::turn(int keyboard, const std::string& key, bool isDown) {

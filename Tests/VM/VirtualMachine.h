@@ -46,11 +46,15 @@ class VirtualMachine {
   /// Waits until a command line succeeds, half a minute or so.
   void waitUntil(const std::string& condition);
 
-  /// Plugs a keyboard that has its own place, 0 or 1, and waits until the kernel has it.
-  void plug(int keyboard);
+  /// How many keyboards have places.
+  static constexpr int places = 4;
 
-  /// Pulls it and waits until the kernel has noticed.
-  void pull(int keyboard);
+  /// Plugs keyboards into their places, each on a bus of its own, and waits until the kernel has
+  /// them.
+  void plug(const std::vector<int>& keyboards);
+
+  /// Pulls them and waits until the kernel has noticed.
+  void pull(const std::vector<int>& keyboards);
 
   /// Presses or releases a key, by QEMU's name for it.
   void press(int keyboard, const std::string& key) { turn(keyboard, key, true); }

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Makes what the virtual machine boots: buildImage.sh FOLDER PROGRAM...
+# Makes what the virtual machine boots: buildImage.sh FOLDER FILE...
 #
 # Puts "kernel" and "initramfs" into FOLDER: Debian's kernel with the modules for USB keyboards, its
-# udev, a shell, and the programs with the libraries that they need. The two Debian packages are
-# downloaded once, by apt-get, and only unpacked.
+# udev, a shell, and the files with the libraries that they need. Files of the system keep their
+# place, all others stand in /usr/bin. The kernel's package is downloaded once, by apt-get, and only
+# unpacked.
 set -euo pipefail
 
 folder=$1
@@ -22,7 +23,7 @@ done
 # Downloads and unpacks a package, unless that is done.
 fetch() {
     [ -d "packages/$1" ] && return
-    (cd packages && apt-get download -q "$1")
+    (cd packages && apt-get download -q -o APT::Sandbox::User="$(id -un)" "$1")
     dpkg-deb --extract "packages/$1"_*.deb "packages/$1.part"
     rm "packages/$1"_*.deb
     mv "packages/$1.part" "packages/$1"
@@ -30,6 +31,10 @@ fetch() {
 
 # The metapackage names the kernel that is current.
 kernel=$(apt-cache depends linux-image-amd64 | sed -n 's/^ *Depends: //p' | head -n 1)
+if [ -z "$kernel" ]; then
+    echo "apt-get knows no linux-image-amd64; run apt-get update" >&2
+    exit 1
+fi
 fetch "$kernel"
 version=${kernel#linux-image-}
 
@@ -75,10 +80,14 @@ input:x:104:zephlin
 zephlin:x:900:
 END
 
-for program in "$@"; do
-    with_libraries "$program"
-    mv "root$program" root/usr/bin/
+for file in "$@"; do
+    with_libraries "$file"
+    case $file in
+    /usr/bin/* | /usr/lib/*) ;;
+    *) mv "root$file" root/usr/bin/ ;;
+    esac
 done
 
-(cd root && find . | cpio --quiet --create --format=newc | gzip -1) >initramfs
+# Not compressed, as unpacking takes longer than loading.
+(cd root && find . | cpio --quiet --create --format=newc) >initramfs
 cp "packages/$kernel/boot/vmlinuz-$version" kernel

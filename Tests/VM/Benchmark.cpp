@@ -1,0 +1,39 @@
+// Boots the virtual machine and measures in it how late keys come (KeyDelays.cpp). Prints figures;
+// no test.
+
+#include <iostream>
+
+#include "Tests/VM/VirtualMachine.h"
+
+namespace {
+
+void measure() {
+  zephlin::VirtualMachine machine(VIRTUAL_MACHINE_IMAGES);
+  machine.output(
+      "zephlin-hidd 2>/dev/null & mkfifo /tmp/go; KeyDelays </tmp/go >/tmp/delays 2>&1 & "
+      "delays=$!; exec 9>/tmp/go");
+  machine.waitUntil("hidutil list | grep -q Piped");
+  machine.output(R"(hidutil property --matching '{"Product":"Rewritten"}' )"
+                 R"(--set '{"CapsLockDelayOverride":0}')");
+  // As their own service runs them: ahead of ordinary programs.
+  machine.output(
+      "piped=/dev/input/event$(grep -l -x Piped /sys/class/input/event*/device/name | "
+      "tr -c -d 0-9); nice -n -20 interception -g $piped | nice -n -20 uinput -d $piped &");
+  machine.waitUntil(
+      "[ $(grep -l -x -E 'Rewritten|Piped' /sys/class/input/event*/device/name | "
+      "wc -l) = 4 ]");
+  machine.output("udevadm settle; sleep 2; echo >&9");
+  std::cout << machine.run("wait $delays; cat /tmp/delays").output;
+}
+
+}  // namespace
+
+int main() {
+  try {
+    measure();
+  } catch (const std::exception& error) {
+    std::cerr << error.what() << '\n';
+    return 1;
+  }
+  return 0;
+}
