@@ -1,0 +1,13 @@
+"""The commands of the documents that are not run by this test, and why."""
+
+# What the whole command has to match.
+NOT_RUN = {
+    r"\./(run|test)\b.*": "builds and installs; CI runs it",
+    r"(cmake|ctest) .*": "builds, tests or measures all of the tree; ./test does the first two",
+    r"gdb .*": "waits for a person",
+    r"sudo (apt|adduser|modprobe|udevadm) .*": "changes the machine",
+    r"(sudo )?(systemctl|journalctl) .*": "needs systemd",
+    r"xcrun .*": "needs a Mac",
+    r"export ZEPHLIN_.*": "needs a Mac",
+    r"Packaging/macOS/.*": "needs a Mac",
+}
