@@ -35,7 +35,7 @@ FeedDownload::FeedDownload(const QUrl& url, std::function<void(const FeedResult&
     return;
   }
   reply_.reset(network_.get(requestOf(url)));
-  QObject::connect(reply_.get(), &QNetworkReply::downloadProgress, &timeLimit_, [this] {
+  QObject::connect(reply_.get(), &QNetworkReply::readyRead, &timeLimit_, [this] {
     if (reply_->bytesAvailable() > mostBytes) {
       finish({{}, "The answer is too long."});
     }

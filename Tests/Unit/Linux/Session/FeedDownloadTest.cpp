@@ -96,6 +96,13 @@ TEST_F(FeedDownloadTest, AnAnswerWithoutEndIsNotReadToItsEnd) {
   EXPECT_EQ(download(server_.url("/endless")).error, "The answer is too long.");
 }
 
+TEST_F(FeedDownloadTest, AnAnswerThatBreaksOffIsAnError) {
+  server_.answers["/short"] = "HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\nshort";
+  const auto result = download(server_.url("/short"), 200ms);
+  EXPECT_EQ(result.content, "");
+  EXPECT_NE(result.error, "");
+}
+
 TEST_F(FeedDownloadTest, AServerThatDoesNotAnswerIsGivenUp) {
   EXPECT_EQ(download(server_.url("/never"), 200ms).error, "The server did not answer in time.");
 }
