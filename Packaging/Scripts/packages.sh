@@ -49,7 +49,7 @@ need_build_packages() {
 
 # What building its application for the desktop takes besides; the rest of what is needed follows.
 need_desktop_build_packages() {
-    need_build_packages qt6-base-dev libqt6svg6-dev libxcb1-dev libxcb-xinput-dev libxcb-xkb-dev \
+    need_build_packages qt6-base-dev qt6-svg-dev libxcb1-dev libxcb-xinput-dev libxcb-xkb-dev \
         "$@"
 }
 

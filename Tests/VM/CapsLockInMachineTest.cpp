@@ -3,7 +3,7 @@
 namespace zephlin {
 namespace {
 
-using CapsLockInMachine = TypedMachine;
+class CapsLockInMachine : public TypedMachine {};
 
 TEST_F(CapsLockInMachine, ActsAtThePressAfterApplyAndAsEverAfterRestore) {
   EXPECT_EQ(typeHello(0), "HEe");

@@ -7,6 +7,8 @@
 
 #include <array>
 #include <csignal>
+#include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <thread>
 
@@ -76,7 +78,7 @@ std::vector<std::string> VirtualMachine::command(const std::string& images) cons
           "-nodefaults", "-no-user-config", "-no-reboot", "-display", "none",
           "-kernel", images + "/kernel", "-initrd", images + "/initramfs",
           "-append", "console=ttyS0 quiet panic=-1 no_console_suspend mem_sleep_default=deep",
-          "-serial", "file:" + images + "/console.log",
+          "-serial", "file:" + directory_.file("console"),
           "-serial", "unix:" + directory_.file("shell") + ",server=on,wait=on",
           "-qmp", "unix:" + directory_.file("control") + ",server=on,wait=off"};
   for (int place = 0; place < places; ++place) {
@@ -94,7 +96,13 @@ VirtualMachine::VirtualMachine(const std::string& images)
       shell_(directory_.file("shell")),
       control_(directory_.file("control")) {
   control("qmp_capabilities");
-  while (shell_.receive() != "@@ready") {
+  try {
+    while (shell_.receive() != "@@ready") {
+    }
+  } catch (const std::runtime_error& error) {
+    std::ostringstream message;
+    message << error.what() << '\n' << std::ifstream(directory_.file("console")).rdbuf();
+    throw std::runtime_error(message.str());
   }
 }
 
