@@ -16,7 +16,8 @@ ln -sf /usr/bin/udevadm /usr/sbin/systemd-udevd
 systemd-udevd --daemon
 udevadm trigger --action=add
 udevadm settle
-stty -F /dev/ttyS1 raw -echo
+# Whole lines: when a child ends, the shell forgets the part of a line that it has read so far.
+stty -F /dev/ttyS1 raw icanon -echo
 exec </dev/ttyS1 >/dev/ttyS1 2>&1
 echo "@@ready"
 while IFS= read -r line; do
