@@ -11,10 +11,6 @@ bool isKey(const InputEvent& event) {
   return event.type == EV_KEY && event.code < KEY_CNT;
 }
 
-bool isCapsLock(const InputEvent& event) {
-  return event.type == EV_KEY && event.code == KEY_CAPSLOCK;
-}
-
 }  // namespace
 
 Events CapsLockRewriter::take(const InputEvent& event, Time time) {
@@ -70,41 +66,38 @@ void CapsLockRewriter::takeWaiting(Time now) {
 
 void CapsLockRewriter::takeFrame(const Frame& frame, Time now) {
   Events passed;
-  Events withScanCode;
+  passed.reserve(frame.events.size());
   const auto end = frame.events.end() - 1;
-  for (auto event = frame.events.begin(); event != end; ++event) {
-    withScanCode.push_back(*event);
-    if (isScanCode(*event) && isKey(event[1])) {
-      continue;
+  for (auto next = frame.events.begin(); next != end;) {
+    const auto event = next;
+    next += isScanCode(*event) && isKey(event[1]) ? 2 : 1;
+    if (passes({event, next}, frame.time)) {
+      passed.insert(passed.end(), event, next);
     }
-    takeEvent(std::exchange(withScanCode, {}), frame.time, passed);
     if (capsLock_ == CapsLock::Tapping) {
       emit(passed);
-      openTap({{event + 1, frame.events.end()}, frame.time}, now);
+      openTap({{next, frame.events.end()}, frame.time}, now);
       return;
     }
   }
   emit(passed, *end);
 }
 
-/// Takes an event, behind its scan code if it has one, and adds to `passed` what passes at once.
-void CapsLockRewriter::takeEvent(const Events& event, Time time, Events& passed) {
+/// Whether an event, which stands behind its scan code if it has one, passes at once.
+bool CapsLockRewriter::passes(WithScanCode event, Time time) {
   const InputEvent& last = event.back();
   if (isKey(last) && last.value == KeyRepeated) {
-    return;
+    return false;
   }
-  if (isCapsLock(last) && !passesCapsLock(event, time)) {
-    return;
-  }
-  passed.insert(passed.end(), event.begin(), event.end());
+  return !isCapsLock(last) || passesCapsLock(event, time);
 }
 
-bool CapsLockRewriter::passesCapsLock(const Events& event, Time time) {
+bool CapsLockRewriter::passesCapsLock(WithScanCode event, Time time) {
   if (event.back().value == KeyReleased) {
     return passesRelease(time);
   }
   if (rule_.hold > std::chrono::milliseconds::zero()) {
-    withheld_ = event;
+    withheld_.assign(event.begin(), event.end());
     capsLock_ = CapsLock::Withheld;
     deadline_ = time + rule_.hold;
     return false;

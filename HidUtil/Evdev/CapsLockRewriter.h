@@ -4,6 +4,7 @@
 #include <chrono>
 #include <deque>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "HidUtil/Evdev/InputEvent.h"
@@ -68,6 +69,8 @@ class CapsLockRewriter {
     Tapped,    ///< Held, but released for the programs.
   };
 
+  using WithScanCode = std::span<const InputEvent>;
+
   struct Frame {
     Events events;  ///< Its end is the last one.
     Time time{};
@@ -75,8 +78,8 @@ class CapsLockRewriter {
 
   void takeWaiting(Time now);
   void takeFrame(const Frame& frame, Time now);
-  void takeEvent(const Events& event, Time time, Events& passed);
-  bool passesCapsLock(const Events& event, Time time);
+  bool passes(WithScanCode event, Time time);
+  bool passesCapsLock(WithScanCode event, Time time);
   bool passesRelease(Time time);
   void countHeldPress();
   void openTap(Frame rest, Time now);

@@ -26,6 +26,10 @@ constexpr bool endsFrame(const InputEvent& event) {
   return event.type == EV_SYN && (event.code == SYN_REPORT || event.code == SYN_DROPPED);
 }
 
+constexpr bool isCapsLock(const InputEvent& event) {
+  return event.type == EV_KEY && event.code == KEY_CAPSLOCK;
+}
+
 constexpr bool isScanCode(const InputEvent& event) {
   return event.type == EV_MSC && event.code == MSC_SCAN;
 }

@@ -5,6 +5,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <string>
 
@@ -59,9 +60,16 @@ KeyboardClone::KeyboardClone(const PhysicalKeyboard& original) : descriptor_(ope
 }
 
 void KeyboardClone::write(const std::vector<InputEvent>& events) {
-  for (const InputEvent& event : events) {
-    libevdev_uinput_write_event(device_.get(), event.type, event.code, event.value);
+  if (events.empty()) {
+    return;
   }
+  std::vector<input_event> written(events.size());
+  std::transform(events.begin(), events.end(), written.begin(), [](const InputEvent& each) {
+    return input_event{{}, each.type, each.code, each.value};
+  });
+  // At once, so that no key waits for three calls. The kernel takes all while there is a clone.
+  [[maybe_unused]] const ssize_t count =
+      ::write(descriptor_.get(), written.data(), written.size() * sizeof(input_event));
 }
 
 std::vector<InputEvent> KeyboardClone::takeLights() {

@@ -68,7 +68,8 @@ PhysicalKeyboard::Grab PhysicalKeyboard::grab() {
     }
     return Grab::TakenByAnother;
   }
-  takeEvents();  // Everyone has seen these.
+  while (takeEvent()) {  // Everyone has seen these.
+  }
   if (isAnyKeyHeld()) {
     libevdev_grab(device_.get(), LIBEVDEV_UNGRAB);
     return Grab::KeyIsHeld;
@@ -76,22 +77,20 @@ PhysicalKeyboard::Grab PhysicalKeyboard::grab() {
   return Grab::Done;
 }
 
-std::vector<PhysicalKeyboard::TimedEvent> PhysicalKeyboard::takeEvents() {
-  std::vector<TimedEvent> events;
-  unsigned flag = LIBEVDEV_READ_FLAG_NORMAL;
+std::optional<PhysicalKeyboard::TimedEvent> PhysicalKeyboard::takeEvent() {
   for (;;) {
     input_event event{};
-    const int status = libevdev_next_event(device_.get(), flag, &event);
-    if (status == -EAGAIN && flag == LIBEVDEV_READ_FLAG_NORMAL) {
-      return events;
+    const int status = libevdev_next_event(device_.get(), readFlag_, &event);
+    if (status == -EAGAIN && readFlag_ == LIBEVDEV_READ_FLAG_NORMAL) {
+      return std::nullopt;
     }
     if (status < 0 && status != -EAGAIN) {
       throwGone(-status);
     }
-    flag =
+    readFlag_ =
         status == LIBEVDEV_READ_STATUS_SYNC ? LIBEVDEV_READ_FLAG_SYNC : LIBEVDEV_READ_FLAG_NORMAL;
     if (status >= 0) {
-      events.push_back({{event.type, event.code, event.value}, timeOf(event)});
+      return TimedEvent{{event.type, event.code, event.value}, timeOf(event)};
     }
   }
 }

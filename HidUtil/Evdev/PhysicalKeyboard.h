@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,9 +37,9 @@ class PhysicalKeyboard {
   /// by those who have seen its press. Throws std::system_error if the device has gone.
   Grab grab();
 
-  /// What was typed since the last call. When the kernel's queue has overflowed, SYN_DROPPED is
-  /// followed by the differences. Throws std::system_error if the device has gone.
-  std::vector<TimedEvent> takeEvents();
+  /// The next of what was typed, if there is more. When the kernel's queue has overflowed,
+  /// SYN_DROPPED is followed by the differences. Throws std::system_error if the device has gone.
+  std::optional<TimedEvent> takeEvent();
 
   /// The state of each light that the keyboard really has.
   [[nodiscard]] std::vector<InputEvent> lights() const;
@@ -56,6 +57,7 @@ class PhysicalKeyboard {
   FileDescriptor descriptor_;
   std::unique_ptr<libevdev, Release> device_;
   std::vector<std::uint16_t> lightCodes_;
+  unsigned readFlag_ = LIBEVDEV_READ_FLAG_NORMAL;
 };
 
 }  // namespace zephlin

@@ -56,7 +56,8 @@ void RewrittenKeyboard::onKeyboard() {
     if (isGrabbed_) {
       rewriteTyped();
     } else {
-      keyboard_.takeEvents();
+      while (keyboard_.takeEvent()) {
+      }
       tryToGrab();
     }
   });
@@ -67,6 +68,7 @@ void RewrittenKeyboard::onDeadline() {
     const auto now = monotonicTime();
     // What was typed before the deadline may not have been read yet.
     if (rewriteTyped()) {
+      onLights();
       clone_.write(rewriter_.expire(now));
       waitForDeadline();
     }
@@ -110,12 +112,15 @@ void RewrittenKeyboard::startRewriting() {
 
 /// Returns false after the emergency chord, with which the keyboard has ended.
 bool RewrittenKeyboard::rewriteTyped() {
-  onLights();  // What is typed next is meant under the lights that are on now.
-  for (const auto& [event, time] : keyboard_.takeEvents()) {
+  while (const auto typed = keyboard_.takeEvent()) {
+    const InputEvent& event = typed->event;
     if (!isTyped(event)) {
       continue;
     }
-    clone_.write(rewriter_.take(event, time));
+    if (isCapsLock(event)) {
+      onLights();  // It is meant under the light that is on now.
+    }
+    clone_.write(rewriter_.take(event, typed->time));
     if (chord_.completes(event)) {
       const auto emergency = observer_.emergency;  // A copy, as the call ends this object.
       emergency();

@@ -71,10 +71,11 @@ std::string LineStream::receive() {
 
 /// clang-format would put each word on a line of its own.
 // clang-format off
-std::vector<std::string> VirtualMachine::command(const std::string& images) const {
+std::vector<std::string> VirtualMachine::command(const std::string& images, int processors) const {
   std::vector<std::string> command{
           "/usr/bin/qemu-system-x86_64",
-          "-machine", "pc,i8042=off", "-accel", "tcg", "-m", "512",
+          "-machine", "pc,i8042=off", "-m", "512",
+          "-accel", "tcg,thread=multi", "-smp", std::to_string(processors),
           "-nodefaults", "-no-user-config", "-no-reboot", "-display", "none",
           "-kernel", images + "/kernel", "-initrd", images + "/initramfs",
           "-append", "console=ttyS0 quiet panic=-1 no_console_suspend mem_sleep_default=deep",
@@ -90,9 +91,9 @@ std::vector<std::string> VirtualMachine::command(const std::string& images) cons
 }
 // clang-format on
 
-VirtualMachine::VirtualMachine(const std::string& images)
+VirtualMachine::VirtualMachine(const std::string& images, int processors)
     // It goes with us, however we end.
-    : process_(command(images), [] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); }),
+    : process_(command(images, processors), [] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); }),
       shell_(directory_.file("shell")),
       control_(directory_.file("control")) {
   control("qmp_capabilities");

@@ -35,7 +35,7 @@ class VirtualMachine {
   };
 
   /// `images` has what buildImage.sh has made. Returns when the machine has booted.
-  explicit VirtualMachine(const std::string& images);
+  explicit VirtualMachine(const std::string& images, int processors = 1);
 
   /// Runs a command line in the machine's shell.
   Outcome run(const std::string& command);
@@ -67,7 +67,7 @@ class VirtualMachine {
   void turn(int keyboard, const std::string& key, bool isDown);
   void control(const std::string& command,
                const nlohmann::json& arguments = nlohmann::json::object());
-  [[nodiscard]] std::vector<std::string> command(const std::string& images) const;
+  [[nodiscard]] std::vector<std::string> command(const std::string& images, int processors) const;
   Outcome receiveOutcome();
   static std::string keyboardIsThere(int keyboard);
 

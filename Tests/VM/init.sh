@@ -14,7 +14,7 @@ for module in evdev uinput xhci_pci usbhid hid_generic; do
 done
 ln -sf /usr/bin/udevadm /usr/sbin/systemd-udevd
 systemd-udevd --daemon
-udevadm trigger --action=add
+udevadm trigger --action=add --subsystem-match=input --subsystem-match=misc
 udevadm settle
 # Whole lines: when a child ends, the shell forgets the part of a line that it has read so far.
 stty -F /dev/ttyS1 raw icanon -echo
