@@ -22,9 +22,8 @@ const testing::Environment* const registered =
 
 }  // namespace
 
-LinuxEnvironment::LinuxEnvironment()
-    : sessionBus_("dbus-daemon", {"--session", "--nofork", "--print-address=1"}) {
-  qputenv("DBUS_SESSION_BUS_ADDRESS", sessionBus_.address());
+LinuxEnvironment::LinuxEnvironment() {
+  qputenv("DBUS_SESSION_BUS_ADDRESS", sessionBus_.address().c_str());
   qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + busFolder_.filePath("bus").toUtf8());
   systemBus_ = std::make_unique<test::PrivateSystemBus>();
   qputenv("QT_QPA_PLATFORM", "xcb");

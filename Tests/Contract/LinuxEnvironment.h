@@ -3,7 +3,7 @@
 #include <QTemporaryDir>
 #include <memory>
 
-#include "Tests/Unit/Linux/StatusItem/PrivateDesktop.h"
+#include "Tests/Support/Daemon.h"
 #include "Tests/Unit/Linux/Watching/Support/PrivateSystemBus.h"
 #include "Tests/Unit/Linux/Watching/Support/PrivateXServer.h"
 
@@ -21,7 +21,7 @@ class LinuxEnvironment {
  private:
   QTemporaryDir busFolder_;
   test::PrivateXServer xServer_;
-  test::Daemon sessionBus_;
+  test::MessageBus sessionBus_;
   std::unique_ptr<test::PrivateSystemBus> systemBus_;
 };
 

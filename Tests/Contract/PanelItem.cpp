@@ -1,6 +1,6 @@
 #include "Tests/Contract/PanelItem.h"
 
-#include <QDBusArgument>
+#include <algorithm>
 
 namespace zephlin::contract {
 
@@ -19,24 +19,15 @@ std::string withoutMnemonic(const std::string& label) {
   return shown;
 }
 
-/// Whether any pixel of the pictures is not transparent (StatusNotifierItem, IconPixmap).
-bool hasVisiblePicture(const QDBusArgument& pictures) {
-  bool isVisible = false;
-  pictures.beginArray();
-  while (!pictures.atEnd()) {
-    int width = 0;
-    int height = 0;
-    QByteArray pixels;
-    pictures.beginStructure();
-    pictures >> width >> height >> pixels;
-    pictures.endStructure();
-    constexpr qsizetype bytesPerPixel = 4;
-    for (qsizetype alpha = 0; alpha < pixels.size(); alpha += bytesPerPixel) {
-      isVisible = isVisible || pixels[alpha] != 0;
+/// Whether any pixel is not transparent.
+bool isVisible(const test::ShownPicture& picture) {
+  constexpr qsizetype bytesPerPixel = 4;
+  for (qsizetype alpha = 0; alpha < picture.pixels.size(); alpha += bytesPerPixel) {
+    if (picture.pixels[alpha] != 0) {
+      return true;
     }
   }
-  pictures.endArray();
-  return isVisible;
+  return false;
 }
 
 }  // namespace
@@ -63,8 +54,8 @@ bool choosePanelMenuItem(test::ShownItem& item, const std::string& title) {
 }
 
 bool hasPanelImage(test::ShownItem& item) {
-  return !item.text("IconName").empty() ||
-         hasVisiblePicture(item.property("IconPixmap").value<QDBusArgument>());
+  const auto pictures = item.pictures();
+  return !item.text("IconName").empty() || std::any_of(pictures.begin(), pictures.end(), isVisible);
 }
 
 }  // namespace zephlin::contract

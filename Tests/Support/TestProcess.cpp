@@ -112,6 +112,16 @@ void TestProcess::waitForErrors(const std::string& text) {
   }
 }
 
+std::string TestProcess::waitForLine() {
+  while (outcome_.output.find('\n') == std::string::npos) {
+    if (!outputPipe_.isOpen()) {
+      throw std::runtime_error("the child ended without writing a line: " + outcome_.errors);
+    }
+    readSome();
+  }
+  return outcome_.output.substr(0, outcome_.output.find('\n'));
+}
+
 void TestProcess::stopReading() {
   outputPipe_.close();
   errorPipe_.close();

@@ -49,6 +49,9 @@ class TestProcess {
   /// Waits until the child has written `text` on standard error.
   void waitForErrors(const std::string& text);
 
+  /// Waits for the first line on standard output and returns it without its line feed.
+  std::string waitForLine();
+
   /// Closes the reading ends of both pipes, as a reader that goes away does.
   void stopReading();
 

@@ -3,6 +3,7 @@
 
 #include <iostream>
 
+#include "Tests/VM/RunProgram.h"
 #include "Tests/VM/VirtualMachine.h"
 
 namespace {
@@ -32,11 +33,5 @@ void measure() {
 }  // namespace
 
 int main() {
-  try {
-    measure();
-  } catch (const std::exception& error) {
-    std::cerr << error.what() << '\n';
-    return 1;
-  }
-  return 0;
+  return zephlin::runProgram(measure);
 }

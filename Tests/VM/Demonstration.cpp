@@ -3,6 +3,7 @@
 #include <iostream>
 #include <stdexcept>
 
+#include "Tests/VM/RunProgram.h"
 #include "Tests/VM/Typist.h"
 
 namespace zephlin {
@@ -49,11 +50,5 @@ void demonstrate() {
 }  // namespace zephlin
 
 int main() {
-  try {
-    zephlin::demonstrate();
-  } catch (const std::exception& error) {
-    std::cerr << error.what() << '\n';
-    return 1;
-  }
-  return 0;
+  return zephlin::runProgram(zephlin::demonstrate);
 }

@@ -17,6 +17,7 @@
 
 #include "Tests/Bench/Ratio.h"
 #include "Tests/VM/JudgeSeat.h"
+#include "Tests/VM/RunProgram.h"
 
 namespace zephlin {
 namespace {
@@ -220,11 +221,5 @@ void measure() {
 }  // namespace zephlin
 
 int main() {
-  try {
-    zephlin::measure();
-  } catch (const std::exception& error) {
-    std::cerr << error.what() << '\n';
-    return 1;
-  }
-  return 0;
+  return zephlin::runProgram(zephlin::measure);
 }

@@ -65,12 +65,7 @@ std::string TrayItem::toolTip() const {
   argument >> icon;
   argument.beginArray();
   while (!argument.atEnd()) {
-    int width = 0;
-    int height = 0;
-    QByteArray pixels;
-    argument.beginStructure();
-    argument >> width >> height >> pixels;
-    argument.endStructure();
+    argument.asVariant();
   }
   argument.endArray();
   argument >> title;

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <sys/types.h>
-
+#include "Tests/Support/Daemon.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 namespace zephlin::test {
@@ -14,14 +13,12 @@ class PrivateDesktop {
   PrivateDesktop();
   PrivateDesktop(const PrivateDesktop&) = delete;
   PrivateDesktop& operator=(const PrivateDesktop&) = delete;
-  ~PrivateDesktop();
 
  private:
   void settleIn();
-  void startDisplay();
 
   TemporaryDirectory home_;
-  pid_t display_ = -1;
+  XServer display_;
 };
 
 }  // namespace zephlin::test

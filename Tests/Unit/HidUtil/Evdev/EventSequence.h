@@ -14,10 +14,6 @@ inline void requireThat(bool condition, const char* what) {
   }
 }
 
-inline bool isCapsLock(const InputEvent& event) {
-  return event.type == EV_KEY && event.code == KEY_CAPSLOCK;
-}
-
 inline bool isLeftOut(const InputEvent& event) {
   return isCapsLock(event) || (event.type == EV_KEY && event.value == KeyRepeated);
 }

@@ -7,9 +7,9 @@
 #include <filesystem>
 
 #include "Platform/Workspace.h"
+#include "Tests/Support/Daemon.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TestProcess.h"
-#include "Tests/Unit/Linux/Session/SessionBus.h"
 
 namespace zephlin {
 namespace {
@@ -28,7 +28,7 @@ class RunningInstanceTest : public testing::Test {
   static TestProcess start() { return TestProcess({SESSION_PROGRAM, "instance"}); }
 
   test::TemporaryDirectory directory_;
-  test::SessionBus bus_;
+  test::MessageBus bus_;
 };
 
 TEST_F(RunningInstanceTest, TheFirstIsTheInstanceAndTheNextOnesAskItToComeForward) {

@@ -3,30 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <functional>
 #include <memory>
 #include <optional>
 
+#include "Tests/Support/Daemon.h"
+
 namespace zephlin::test {
-
-/// A server of the test's own, killed at the end, or by the kernel when the test itself is.
-class Daemon {
- public:
-  /// Starts it and waits for its first line of output, which tells that it can be reached, and
-  /// where. Throws std::runtime_error if there is none within a minute.
-  Daemon(const QString& program, const QStringList& arguments);
-  Daemon(const Daemon&) = delete;
-  Daemon& operator=(const Daemon&) = delete;
-  ~Daemon();
-
-  [[nodiscard]] const QByteArray& address() const { return address_; }
-
- private:
-  QProcess process_;
-  QByteArray address_;
-};
 
 /// An X display, with or without a session bus, and an application on it. One in a process.
 class PrivateDesktop {
@@ -40,8 +24,8 @@ class PrivateDesktop {
 
  private:
   QTemporaryDir runtimeDirectory_;
-  Daemon display_;
-  std::optional<Daemon> bus_;
+  XServer display_;
+  std::optional<MessageBus> bus_;
   std::unique_ptr<QApplication> application_;
 };
 

@@ -72,20 +72,25 @@ std::string ShownItem::toolTip() {
   return (title + subtitle).toStdString();
 }
 
-std::vector<int> ShownItem::pictureWidths() {
+std::vector<ShownPicture> ShownItem::pictures() {
   const auto argument = property("IconPixmap").value<QDBusArgument>();
-  std::vector<int> widths;
+  std::vector<ShownPicture> pictures;
   argument.beginArray();
   while (!argument.atEnd()) {
-    int width = 0;
-    int height = 0;
-    QByteArray pixels;
+    ShownPicture& picture = pictures.emplace_back();
     argument.beginStructure();
-    argument >> width >> height >> pixels;
+    argument >> picture.width >> picture.height >> picture.pixels;
     argument.endStructure();
-    widths.push_back(width);
   }
   argument.endArray();
+  return pictures;
+}
+
+std::vector<int> ShownItem::pictureWidths() {
+  std::vector<int> widths;
+  for (const ShownPicture& picture : pictures()) {
+    widths.push_back(picture.width);
+  }
   return widths;
 }
 

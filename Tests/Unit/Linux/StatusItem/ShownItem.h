@@ -19,6 +19,13 @@ struct ShownEntry {
   }
 };
 
+/// A picture as an item sends it: four bytes for each pixel, the first of them its opacity.
+struct ShownPicture {
+  int width = 0;
+  int height = 0;
+  QByteArray pixels;
+};
+
 /// What a panel sees of an item and its menu, over a connection of its own. A call handles the
 /// events of the test's thread, where the item lives, until there is an answer.
 class ShownItem final : public QObject {
@@ -34,7 +41,8 @@ class ShownItem final : public QObject {
   }
   /// The lines of the text that a panel shows over the item.
   [[nodiscard]] std::string toolTip();
-  /// The widths of the pictures that the item sends.
+  /// The pictures that the item sends, and how wide they are.
+  [[nodiscard]] std::vector<ShownPicture> pictures();
   [[nodiscard]] std::vector<int> pictureWidths();
 
   [[nodiscard]] std::vector<ShownEntry> layout();

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QProcess>
 #include <QString>
+
+#include "Tests/Support/Daemon.h"
 
 namespace zephlin::test {
 
@@ -11,14 +12,11 @@ class PrivateSystemBus {
  public:
   /// Throws std::runtime_error where it does not start.
   PrivateSystemBus();
-  PrivateSystemBus(const PrivateSystemBus&) = delete;
-  PrivateSystemBus& operator=(const PrivateSystemBus&) = delete;
-  ~PrivateSystemBus();
 
   [[nodiscard]] static QString address() { return qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS"); }
 
  private:
-  QProcess daemon_;
+  Daemon daemon_;
 };
 
 /// A program on a bus that may have logind's name and sends its signals.

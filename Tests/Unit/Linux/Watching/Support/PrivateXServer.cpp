@@ -2,27 +2,17 @@
 
 #include <xcb/xtest.h>
 
+#include <QProcess>
 #include <stdexcept>
 
 namespace zephlin::test {
 
-PrivateXServer::PrivateXServer() {
-  server_.setStandardErrorFile(QProcess::nullDevice());
-  server_.start("Xvfb", {"-displayfd", "1", "-nolisten", "tcp", "-screen", "0", "320x240x24"});
-  if (!server_.waitForReadyRead()) {
-    throw std::runtime_error("Xvfb does not start");
-  }
-  display_.emplace("DISPLAY", ":" + server_.readLine().trimmed());
-  connection_ = X11Connection::open();
+PrivateXServer::PrivateXServer()
+    : display_("DISPLAY", ":" + QByteArray::fromStdString(server_.address())),
+      connection_(X11Connection::open()) {
   if (!connection_) {
     throw std::runtime_error("Xvfb cannot be reached");
   }
-}
-
-PrivateXServer::~PrivateXServer() {
-  connection_.reset();
-  server_.terminate();
-  server_.waitForFinished();
 }
 
 void PrivateXServer::setKeyboardMap(const QStringList& arguments) {
@@ -39,7 +29,6 @@ void PrivateXServer::tap(std::uint8_t keycode) {
 void PrivateXServer::kill() {
   connection_.reset();
   server_.kill();
-  server_.waitForFinished();
 }
 
 void PrivateXServer::sendKey(std::uint8_t type, std::uint8_t keycode) {

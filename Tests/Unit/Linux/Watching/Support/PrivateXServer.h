@@ -2,13 +2,12 @@
 
 #include <xcb/xcb.h>
 
-#include <QProcess>
-#include <QString>
+#include <QStringList>
 #include <cstdint>
 #include <memory>
-#include <optional>
 
 #include "Platform/Linux/Watching/X11Connection.h"
+#include "Tests/Support/Daemon.h"
 #include "Tests/Unit/Linux/Watching/Support/EnvironmentVariable.h"
 
 namespace zephlin::test {
@@ -25,7 +24,6 @@ class PrivateXServer {
   PrivateXServer();
   PrivateXServer(const PrivateXServer&) = delete;
   PrivateXServer& operator=(const PrivateXServer&) = delete;
-  ~PrivateXServer();
 
   /// Runs setxkbmap.
   void setKeyboardMap(const QStringList& arguments);
@@ -37,8 +35,8 @@ class PrivateXServer {
  private:
   void sendKey(std::uint8_t type, std::uint8_t keycode);
 
-  QProcess server_;
-  std::optional<EnvironmentVariable> display_;
+  XServer server_;
+  EnvironmentVariable display_;
   /// Kept, because the server begins anew when its last client leaves.
   std::unique_ptr<X11Connection> connection_;
 };
