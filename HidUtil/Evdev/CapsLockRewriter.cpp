@@ -1,5 +1,6 @@
 #include "HidUtil/Evdev/CapsLockRewriter.h"
 
+#include <iterator>
 #include <utility>
 
 namespace zephlin {
@@ -13,20 +14,25 @@ bool isKey(const InputEvent& event) {
 
 }  // namespace
 
-Events CapsLockRewriter::take(const InputEvent& event, Time time) {
-  output_ = expire(time);
+const Events& CapsLockRewriter::take(const InputEvent& event, Time time) {
+  expire(time);
   unfinished_.push_back(event);
   if (endsFrame(event)) {
     if (event.code == SYN_DROPPED) {
       unfinished_.back() = endOfFrame;
     }
-    waiting_.push_back({std::exchange(unfinished_, {}), time});
-    takeWaiting(time);
+    if (capsLock_ == CapsLock::Tapping) {
+      waiting_.push_back({unfinished_, time});
+    } else {
+      takeFrame(unfinished_, time, time);
+    }
+    unfinished_.clear();
   }
-  return std::exchange(output_, {});
+  return output_;
 }
 
-Events CapsLockRewriter::expire(Time now) {
+const Events& CapsLockRewriter::expire(Time now) {
+  output_.clear();
   while (deadline_ && now >= *deadline_) {
     if (capsLock_ == CapsLock::Withheld) {
       countHeldPress();
@@ -35,10 +41,11 @@ Events CapsLockRewriter::expire(Time now) {
       takeWaiting(now);
     }
   }
-  return std::exchange(output_, {});
+  return output_;
 }
 
-Events CapsLockRewriter::releaseAll() {
+const Events& CapsLockRewriter::releaseAll() {
+  output_.clear();
   unfinished_.clear();
   while (capsLock_ == CapsLock::Tapping) {
     closeTap();
@@ -46,45 +53,43 @@ Events CapsLockRewriter::releaseAll() {
   }
   deadline_.reset();
   capsLock_ = CapsLock::Up;
-  Events releases;
   for (std::uint16_t code = 0; code < KEY_CNT; ++code) {
     if (down_.test(code)) {
-      releases.push_back({EV_KEY, code, KeyReleased});
+      emitRelease(code);
     }
   }
-  emit(releases);
-  return std::exchange(output_, {});
+  endFrame();
+  return output_;
 }
 
 void CapsLockRewriter::takeWaiting(Time now) {
   while (capsLock_ != CapsLock::Tapping && !waiting_.empty()) {
     const Frame frame = std::move(waiting_.front());
     waiting_.pop_front();
-    takeFrame(frame, now);
+    takeFrame(frame.events, frame.time, now);
   }
 }
 
-void CapsLockRewriter::takeFrame(const Frame& frame, Time now) {
-  Events passed;
-  passed.reserve(frame.events.size());
-  const auto end = frame.events.end() - 1;
-  for (auto next = frame.events.begin(); next != end;) {
-    const auto event = next;
-    next += isScanCode(*event) && isKey(event[1]) ? 2 : 1;
-    if (passes({event, next}, frame.time)) {
-      passed.insert(passed.end(), event, next);
+void CapsLockRewriter::takeFrame(View frame, Time time, Time now) {
+  const auto end = frame.end() - 1;
+  for (auto next = frame.begin(); next != end;) {
+    const View event(next, isScanCode(next[0]) && isKey(next[1]) ? 2 : 1);
+    next += std::ssize(event);
+    if (passes(event, time)) {
+      emit(event);
     }
     if (capsLock_ == CapsLock::Tapping) {
-      emit(passed);
-      openTap({{next, frame.events.end()}, frame.time}, now);
+      endFrame();
+      deadline_ = now + rule_.gap;
+      waiting_.push_front({{next, frame.end()}, time});
       return;
     }
   }
-  emit(passed, *end);
+  endFrame(*end);
 }
 
 /// Whether an event, which stands behind its scan code if it has one, passes at once.
-bool CapsLockRewriter::passes(WithScanCode event, Time time) {
+bool CapsLockRewriter::passes(View event, Time time) {
   const InputEvent& last = event.back();
   if (isKey(last) && last.value == KeyRepeated) {
     return false;
@@ -92,7 +97,7 @@ bool CapsLockRewriter::passes(WithScanCode event, Time time) {
   return !isCapsLock(last) || passesCapsLock(event, time);
 }
 
-bool CapsLockRewriter::passesCapsLock(WithScanCode event, Time time) {
+bool CapsLockRewriter::passesCapsLock(View event, Time time) {
   if (event.back().value == KeyReleased) {
     return passesRelease(time);
   }
@@ -118,33 +123,37 @@ bool CapsLockRewriter::passesRelease(Time time) {
 
 void CapsLockRewriter::countHeldPress() {
   emit(withheld_);
+  endFrame();
   capsLock_ = CapsLock::Passed;
   deadline_.reset();
 }
 
-void CapsLockRewriter::openTap(Frame rest, Time now) {
-  deadline_ = now + rule_.gap;
-  waiting_.push_front(std::move(rest));
-}
-
 void CapsLockRewriter::closeTap() {
-  emit({{EV_KEY, KEY_CAPSLOCK, KeyReleased}});
+  emitRelease(KEY_CAPSLOCK);
+  endFrame();
   capsLock_ = CapsLock::Tapped;
   deadline_.reset();
 }
 
-/// Adds a frame to the output, if there is anything in it.
-void CapsLockRewriter::emit(const Events& events, const InputEvent& end) {
-  if (events.empty()) {
-    return;
-  }
+void CapsLockRewriter::emit(View events) {
   for (const InputEvent& event : events) {
     if (isKey(event)) {
       down_.set(event.code, event.value != KeyReleased);
     }
+    output_.push_back(event);
   }
-  output_.insert(output_.end(), events.begin(), events.end());
-  output_.push_back(end);
+}
+
+void CapsLockRewriter::emitRelease(std::uint16_t code) {
+  const InputEvent release{EV_KEY, code, KeyReleased};
+  emit({&release, 1});
+}
+
+/// Adds the end to what came out since the last one, if anything did.
+void CapsLockRewriter::endFrame(const InputEvent& end) {
+  if (!output_.empty() && !endsFrame(output_.back())) {
+    output_.push_back(end);
+  }
 }
 
 }  // namespace zephlin

@@ -49,16 +49,17 @@ class CapsLockRewriter {
   /// Whether the light of Caps Lock is lit, which shows whether the lock is on.
   void setLight(bool lit) { lit_ = lit; }
 
-  /// Takes the next event, which happened at `time`, and returns what comes out: whole frames.
-  Events take(const InputEvent& event, Time time);
+  /// Takes the next event, which happened at `time`, and returns what comes out: whole frames. Here
+  /// and below, the result is good until the next call.
+  const Events& take(const InputEvent& event, Time time);
 
   /// To be called when the deadline has come; does nothing before.
-  Events expire(Time now);
+  const Events& expire(Time now);
 
   [[nodiscard]] std::optional<Time> deadline() const { return deadline_; }
 
   /// Brings out what waits, releases every key and forgets the rest.
-  Events releaseAll();
+  const Events& releaseAll();
 
  private:
   enum class CapsLock {
@@ -69,7 +70,7 @@ class CapsLockRewriter {
     Tapped,    ///< Held, but released for the programs.
   };
 
-  using WithScanCode = std::span<const InputEvent>;
+  using View = std::span<const InputEvent>;
 
   struct Frame {
     Events events;  ///< Its end is the last one.
@@ -77,14 +78,15 @@ class CapsLockRewriter {
   };
 
   void takeWaiting(Time now);
-  void takeFrame(const Frame& frame, Time now);
-  bool passes(WithScanCode event, Time time);
-  bool passesCapsLock(WithScanCode event, Time time);
+  void takeFrame(View frame, Time time, Time now);
+  bool passes(View event, Time time);
+  bool passesCapsLock(View event, Time time);
   bool passesRelease(Time time);
   void countHeldPress();
-  void openTap(Frame rest, Time now);
   void closeTap();
-  void emit(const Events& events, const InputEvent& end = endOfFrame);
+  void emit(View events);
+  void emitRelease(std::uint16_t code);
+  void endFrame(const InputEvent& end = endOfFrame);
 
   CapsLockRule rule_;
   bool lit_ = false;
@@ -92,7 +94,7 @@ class CapsLockRewriter {
   std::optional<Time> deadline_;  ///< Just while Caps Lock is withheld or being tapped.
   Events withheld_;
   Events unfinished_;
-  std::deque<Frame> waiting_;
+  std::deque<Frame> waiting_;  ///< Empty but while Caps Lock is being tapped.
   std::bitset<KEY_CNT> down_;
   Events output_;
 };

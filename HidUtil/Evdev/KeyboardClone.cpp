@@ -63,13 +63,13 @@ void KeyboardClone::write(const std::vector<InputEvent>& events) {
   if (events.empty()) {
     return;
   }
-  std::vector<input_event> written(events.size());
-  std::transform(events.begin(), events.end(), written.begin(), [](const InputEvent& each) {
+  written_.resize(events.size());
+  std::transform(events.begin(), events.end(), written_.begin(), [](const InputEvent& each) {
     return input_event{{}, each.type, each.code, each.value};
   });
   // At once, so that no key waits for three calls. The kernel takes all while there is a clone.
   [[maybe_unused]] const ssize_t count =
-      ::write(descriptor_.get(), written.data(), written.size() * sizeof(input_event));
+      ::write(descriptor_.get(), written_.data(), written_.size() * sizeof(input_event));
 }
 
 std::vector<InputEvent> KeyboardClone::takeLights() {

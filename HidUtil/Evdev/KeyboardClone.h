@@ -1,6 +1,7 @@
 #pragma once
 
 #include <libevdev/libevdev-uinput.h>
+#include <linux/input.h>
 
 #include <memory>
 #include <vector>
@@ -34,6 +35,7 @@ class KeyboardClone {
 
   FileDescriptor descriptor_;
   std::unique_ptr<libevdev_uinput, Destroy> device_;
+  std::vector<input_event> written_;  ///< Kept, so that no key waits for memory.
 };
 
 }  // namespace zephlin

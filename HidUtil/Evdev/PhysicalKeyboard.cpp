@@ -78,17 +78,21 @@ PhysicalKeyboard::Grab PhysicalKeyboard::grab() {
 }
 
 std::optional<PhysicalKeyboard::TimedEvent> PhysicalKeyboard::takeEvent() {
+  // The descriptor does not block all the same; without that flag libevdev looks for more to read
+  // before each event that it hands out, not only when it has none left.
+  constexpr unsigned next = LIBEVDEV_READ_FLAG_NORMAL | LIBEVDEV_READ_FLAG_BLOCKING;
+  constexpr unsigned nextDifference = LIBEVDEV_READ_FLAG_SYNC;
   for (;;) {
     input_event event{};
-    const int status = libevdev_next_event(device_.get(), readFlag_, &event);
-    if (status == -EAGAIN && readFlag_ == LIBEVDEV_READ_FLAG_NORMAL) {
+    const int status =
+        libevdev_next_event(device_.get(), isCatchingUp_ ? nextDifference : next, &event);
+    if (status == -EAGAIN && !isCatchingUp_) {
       return std::nullopt;
     }
     if (status < 0 && status != -EAGAIN) {
       throwGone(-status);
     }
-    readFlag_ =
-        status == LIBEVDEV_READ_STATUS_SYNC ? LIBEVDEV_READ_FLAG_SYNC : LIBEVDEV_READ_FLAG_NORMAL;
+    isCatchingUp_ = status == LIBEVDEV_READ_STATUS_SYNC;
     if (status >= 0) {
       return TimedEvent{{event.type, event.code, event.value}, timeOf(event)};
     }

@@ -57,7 +57,7 @@ class PhysicalKeyboard {
   FileDescriptor descriptor_;
   std::unique_ptr<libevdev, Release> device_;
   std::vector<std::uint16_t> lightCodes_;
-  unsigned readFlag_ = LIBEVDEV_READ_FLAG_NORMAL;
+  bool isCatchingUp_ = false;  ///< The kernel's queue has overflowed.
 };
 
 }  // namespace zephlin

@@ -78,7 +78,9 @@ std::vector<std::string> VirtualMachine::command(const std::string& images, int 
           "-accel", "tcg,thread=multi", "-smp", std::to_string(processors),
           "-nodefaults", "-no-user-config", "-no-reboot", "-display", "none",
           "-kernel", images + "/kernel", "-initrd", images + "/initramfs",
-          "-append", "console=ttyS0 quiet panic=-1 no_console_suspend mem_sleep_default=deep",
+          "-append", "console=ttyS0 quiet panic=-1 no_console_suspend mem_sleep_default=deep "
+                     // Else the clock of several emulated processors is a slow chip's.
+                     "tsc=reliable",
           "-serial", "file:" + directory_.file("console"),
           "-serial", "unix:" + directory_.file("shell") + ",server=on,wait=on",
           "-qmp", "unix:" + directory_.file("control") + ",server=on,wait=off"};
