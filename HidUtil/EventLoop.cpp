@@ -31,6 +31,11 @@ bool EventSource::isEnabled() const {
   return sd_event_source_get_enabled(source_.get(), nullptr) > 0;
 }
 
+void EventSource::putFirst() {
+  checked(sd_event_source_set_priority(source_.get(), SD_EVENT_PRIORITY_IMPORTANT),
+          "putting an event source first");
+}
+
 void EventSource::setEvents(std::uint32_t events) {
   checked(sd_event_source_set_io_events(source_.get(), events), "watching a descriptor");
 }

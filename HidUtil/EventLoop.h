@@ -21,6 +21,9 @@ class EventSource {
   void disable();
   [[nodiscard]] bool isEnabled() const;
 
+  /// Has it called back before all others when several are due.
+  void putFirst();
+
   /// Only for a descriptor: which of EPOLLIN, EPOLLOUT to call back for. EPOLLHUP and EPOLLERR are
   /// always among them.
   void setEvents(std::uint32_t events);

@@ -14,8 +14,9 @@ bool isKey(const InputEvent& event) {
 
 }  // namespace
 
-const Events& CapsLockRewriter::take(const InputEvent& event, Time time) {
-  expire(time);
+const Events& CapsLockRewriter::take(const InputEvent& event, Time time, Time now) {
+  output_.clear();
+  passDeadlines(time, now);
   unfinished_.push_back(event);
   if (endsFrame(event)) {
     if (event.code == SYN_DROPPED) {
@@ -24,7 +25,7 @@ const Events& CapsLockRewriter::take(const InputEvent& event, Time time) {
     if (capsLock_ == CapsLock::Tapping) {
       waiting_.push_back({unfinished_, time});
     } else {
-      takeFrame(unfinished_, time, time);
+      takeFrame(unfinished_, time, now);
     }
     unfinished_.clear();
   }
@@ -33,14 +34,7 @@ const Events& CapsLockRewriter::take(const InputEvent& event, Time time) {
 
 const Events& CapsLockRewriter::expire(Time now) {
   output_.clear();
-  while (deadline_ && now >= *deadline_) {
-    if (capsLock_ == CapsLock::Withheld) {
-      countHeldPress();
-    } else {
-      closeTap();
-      takeWaiting(now);
-    }
-  }
+  passDeadlines(now, now);
   return output_;
 }
 
@@ -60,6 +54,18 @@ const Events& CapsLockRewriter::releaseAll() {
   }
   endFrame();
   return output_;
+}
+
+/// Does what is due by `time`; it is `now`.
+void CapsLockRewriter::passDeadlines(Time time, Time now) {
+  while (deadline_ && time >= *deadline_) {
+    if (capsLock_ == CapsLock::Withheld) {
+      countHeldPress();
+    } else {
+      closeTap();
+      takeWaiting(now);
+    }
+  }
 }
 
 void CapsLockRewriter::takeWaiting(Time now) {

@@ -49,9 +49,10 @@ class CapsLockRewriter {
   /// Whether the light of Caps Lock is lit, which shows whether the lock is on.
   void setLight(bool lit) { lit_ = lit; }
 
-  /// Takes the next event, which happened at `time`, and returns what comes out: whole frames. Here
-  /// and below, the result is good until the next call.
-  const Events& take(const InputEvent& event, Time time);
+  /// Takes the next event, which happened at `time` and is read at `now`, and returns what comes
+  /// out: whole frames. A tap's gap begins when its press comes out, a hold when the key went down.
+  /// Here and below, the result is good until the next call.
+  const Events& take(const InputEvent& event, Time time, Time now);
 
   /// To be called when the deadline has come; does nothing before.
   const Events& expire(Time now);
@@ -77,6 +78,7 @@ class CapsLockRewriter {
     Time time{};
   };
 
+  void passDeadlines(Time time, Time now);
   void takeWaiting(Time now);
   void takeFrame(View frame, Time time, Time now);
   bool passes(View event, Time time);

@@ -1,9 +1,11 @@
 #include "HidUtil/Evdev/EvdevKeyboardBus.h"
 
+#include <system_error>
 #include <utility>
 
 #include "HidUtil/Evdev/CapsLockDelay.h"
 #include "HidUtil/PrintableText.h"
+#include "HidUtil/SocketAddress.h"
 
 namespace zephlin {
 namespace {
@@ -64,8 +66,14 @@ void EvdevKeyboardBus::rewrite(BusHandle handle, Entry& entry, CapsLockRule rule
   observer.hasTrouble = [this, path = entry.node.path](const std::string& what) {
     log_(path + ' ' + what);
   };
-  entry.rewritten =
-      std::make_unique<RewrittenKeyboard>(loop_, entry.node.path, rule, std::move(observer));
+  try {
+    entry.rewritten =
+        std::make_unique<RewrittenKeyboard>(loop_, entry.node.path, rule, std::move(observer));
+  } catch (const std::system_error& error) {
+    if (error.code() != std::errc::no_such_device) {
+      throw BusError("cannot watch " + entry.node.path + reason(error.code().value()));
+    }
+  }
 }
 
 void EvdevKeyboardBus::letGoOfAll() {

@@ -6,7 +6,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <span>
 #include <string>
 
 #include "HidUtil/Evdev/KeyboardNode.h"
@@ -74,8 +76,10 @@ void KeyboardClone::write(const std::vector<InputEvent>& events) {
 
 std::vector<InputEvent> KeyboardClone::takeLights() {
   std::vector<InputEvent> lights;
-  input_event event{};
-  while (::read(descriptor_.get(), &event, sizeof event) == sizeof event) {
+  std::array<input_event, 16> events;  // As many as the kernel keeps.
+  const ssize_t count = ::read(descriptor_.get(), events.data(), sizeof events);
+  for (const input_event& event :
+       std::span(events).first(std::max<ssize_t>(count, 0) / sizeof(input_event))) {
     if (event.type == EV_LED) {
       lights.push_back({event.type, event.code, event.value});
     }

@@ -20,6 +20,7 @@ class KeyboardClone {
 
   [[nodiscard]] int descriptor() const { return descriptor_.get(); }
 
+  /// What the kernel does not take is lost.
   void write(const std::vector<InputEvent>& events);
 
   /// Which lights programs have turned since the last call.

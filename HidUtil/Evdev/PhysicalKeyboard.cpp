@@ -19,15 +19,29 @@ namespace {
 using KeyBits = std::array<unsigned char, KEY_CNT / 8>;
 using LightBits = std::array<unsigned char, LED_CNT / 8>;
 
-BusError unusable(const std::string& path, int errorNumber) {
-  return BusError("cannot open " + path + reason(errorNumber) +
-                  "; run zephlin-hidd as root or as a user in the group input");
+[[noreturn]] void throwGone(int errorNumber) {
+  throw std::system_error(errorNumber, std::generic_category(), "reading a keyboard");
+}
+
+[[noreturn]] void throwUnusable(const std::string& path, int errorNumber) {
+  switch (errorNumber) {
+    case ENOENT:
+    case ENODEV:
+    case ENXIO:
+      throwGone(ENODEV);
+    case EACCES:
+    case EPERM:
+      throw BusError("cannot open " + path + reason(errorNumber) +
+                     "; run zephlin-hidd as root or as a user in the group input");
+    default:
+      throw BusError("cannot open " + path + reason(errorNumber));
+  }
 }
 
 FileDescriptor openNode(const std::string& path) {
   FileDescriptor descriptor(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
   if (!descriptor.isOpen()) {
-    throw unusable(path, errno);
+    throwUnusable(path, errno);
   }
   return descriptor;
 }
@@ -37,16 +51,12 @@ std::chrono::microseconds timeOf(const input_event& event) {
          std::chrono::microseconds(event.input_event_usec);
 }
 
-[[noreturn]] void throwGone(int errorNumber) {
-  throw std::system_error(errorNumber, std::generic_category(), "reading a keyboard");
-}
-
 }  // namespace
 
 PhysicalKeyboard::PhysicalKeyboard(const std::string& path) : descriptor_(openNode(path)) {
   libevdev* device = nullptr;
   if (const int error = libevdev_new_from_fd(descriptor_.get(), &device); error < 0) {
-    throw unusable(path, -error);
+    throwUnusable(path, -error);
   }
   device_.reset(device);
   libevdev_set_clock_id(device, CLOCK_MONOTONIC);

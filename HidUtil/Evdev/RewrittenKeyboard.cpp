@@ -43,6 +43,9 @@ RewrittenKeyboard::RewrittenKeyboard(EventLoop& loop, const std::string& path, C
       watchLights_(loop.watch(clone_.descriptor(), EPOLLIN, [this](std::uint32_t) { onLights(); })),
       nextTry_(loop.timer([this] { unlessGone([this] { tryToGrab(); }); })),
       deadline_(loop.timer([this] { onDeadline(); })) {
+  for (EventSource* const each : {&watchKeyboard_, &watchLights_, &deadline_}) {
+    each->putFirst();
+  }
   watchKeyboard_.disable();
   nextTry_.setDelay(timeToFindTheClone);
 }
@@ -112,6 +115,7 @@ void RewrittenKeyboard::startRewriting() {
 
 /// Returns false after the emergency chord, with which the keyboard has ended.
 bool RewrittenKeyboard::rewriteTyped() {
+  const auto now = monotonicTime();
   while (const auto typed = keyboard_.takeEvent()) {
     const InputEvent& event = typed->event;
     if (!isTyped(event)) {
@@ -120,7 +124,12 @@ bool RewrittenKeyboard::rewriteTyped() {
     if (isCapsLock(event)) {
       onLights();  // It is meant under the light that is on now.
     }
-    clone_.write(rewriter_.take(event, typed->time));
+    clone_.write(rewriter_.take(event, typed->time, now));
+    if (endsFrame(event)) {
+      // Scan codes come back here as well, and the kernel keeps no more than sixteen events
+      // (drivers/input/misc/uinput.c): a light would be lost among them.
+      onLights();
+    }
     if (chord_.completes(event)) {
       const auto emergency = observer_.emergency;  // A copy, as the call ends this object.
       emergency();

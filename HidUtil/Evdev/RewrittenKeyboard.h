@@ -24,7 +24,8 @@ class RewrittenKeyboard {
     std::function<void(const std::string& what)> hasTrouble;  ///< For the log.
   };
 
-  /// Throws BusError if the device or uinput cannot be used.
+  /// Throws BusError if the device or uinput cannot be used, and std::system_error with ENODEV if
+  /// the device has gone.
   RewrittenKeyboard(EventLoop& loop, const std::string& path, CapsLockRule rule, Observer observer);
   RewrittenKeyboard(const RewrittenKeyboard&) = delete;
   RewrittenKeyboard& operator=(const RewrittenKeyboard&) = delete;

@@ -150,6 +150,40 @@ TEST_F(TroubleInMachine, AFloodThatOverrunsTheKernelsQueueLeavesNoKeyStuck) {
   waitForClones(1);
 }
 
+TEST_F(TroubleInMachine, ALightThatIsTurnedWhileMuchIsTypedIsNotLost) {
+  apply();
+  const auto turnLight = [](int value) {
+    machine().output(
+        "cd /sys/class/input; clone=$(grep -l ^zephlin-hidd/ event*/device/phys); cd; printf "
+        "'\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\021\\0\\001\\0\\00" +
+        std::to_string(value) + "\\0\\0\\0' >/dev/input/${clone%%/*}");
+  };
+  machine().output("kill -STOP $service");
+  tap(0, "a");
+  turnLight(1);
+  constexpr int more = 9;  // The kernel remembers about as many for the service.
+  for (int count = 0; count < more; ++count) {
+    tap(0, "a");
+    machine().output("sleep 0.1");  // The virtual keyboard remembers only sixteen events.
+  }
+  machine().output("kill -CONT $service");
+  waitUntilSeen("KEY_A 0", 1 + more);
+  waitForLight(0, true);
+  turnLight(0);
+  waitForLight(0, false);
+}
+
+TEST_F(TroubleInMachine, AKeyboardThatHasJustGoneKeepsNobodyFromSettingTheOthers) {
+  makeKeyboard();
+  machine().output(
+      "cd /sys/class/input; made=$(grep -l -x 'Made Keyboard' event*/device/name); cd; "
+      "made=/dev/input/${made%%/*}; mv $made /dev/away");
+  apply(1);
+  EXPECT_EQ(typeHello(0), "Hee");
+  machine().output("mv /dev/away $made");
+  endKeyboard();
+}
+
 TEST_F(TroubleInMachine, ASecondServiceTakesTheKeyboardWhenTheFirstLetsGo) {
   apply();
   machine().output("zephlin-hidd --socket /tmp/second.sock 2>/tmp/second.log & second=$!");

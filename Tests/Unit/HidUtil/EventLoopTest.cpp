@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <stdexcept>
+#include <string>
 #include <system_error>
 
 #include "HidUtil/EventLoop.h"
@@ -44,6 +45,32 @@ TEST(EventLoop, ADeferredCallComesInEveryTurnWhileItIsEnabled) {
   source.enable();
   loop.run();
   EXPECT_EQ(calls, 3);
+}
+
+TEST(EventLoop, WhatIsPutFirstIsCalledFirst) {
+  for (const bool isSecondFirst : {false, true}) {
+    EventLoop loop;
+    std::string calls;
+    const FileDescriptor event(::eventfd(1, EFD_CLOEXEC));
+    const FileDescriptor other(::eventfd(1, EFD_CLOEXEC));
+    const auto note = [&](char name) {
+      calls += name;
+      if (calls.size() == 2) {
+        stop(loop);
+      }
+    };
+    EventSource one = loop.watch(event.get(), EPOLLIN, [&](std::uint32_t) {
+      note('1');
+      one.disable();
+    });
+    EventSource two = loop.watch(other.get(), EPOLLIN, [&](std::uint32_t) {
+      note('2');
+      two.disable();
+    });
+    (isSecondFirst ? two : one).putFirst();
+    loop.run();
+    EXPECT_EQ(calls, isSecondFirst ? "21" : "12");
+  }
 }
 
 TEST(EventLoop, ADescriptorCallsBackWithWhatHolds) {

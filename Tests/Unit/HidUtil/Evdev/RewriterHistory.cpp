@@ -99,7 +99,7 @@ class History {
   void put(const InputEvent& event) {
     in_.push_back(event);
     frame_.push_back(event);
-    collect(rewriter_.take(event, now_));
+    collect(rewriter_.take(event, now_, now_));
   }
 
   void endFrame(milliseconds later, const InputEvent& end) {
@@ -108,7 +108,7 @@ class History {
     }
     frame_.clear();
     in_.push_back(end);
-    collect(rewriter_.take(end, now_));
+    collect(rewriter_.take(end, now_, now_));
     advance(later);
   }
 

@@ -120,7 +120,7 @@ class Scenario {
   void takeFrame(const Events& frame, milliseconds time) {
     now_ = time;
     for (const InputEvent& event : frame) {
-      printFrames(rewriter_.take(event, time));
+      printFrames(rewriter_.take(event, time, time));
     }
   }
 
