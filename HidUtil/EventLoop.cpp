@@ -47,6 +47,12 @@ void EventSource::setDelay(std::chrono::microseconds delay) {
   checked(sd_event_source_set_enabled(source_.get(), SD_EVENT_ONESHOT), "starting a timer");
 }
 
+void EventSource::setTime(std::chrono::microseconds time) {
+  checked(sd_event_source_set_time(source_.get(), static_cast<std::uint64_t>(time.count())),
+          "setting a timer");
+  checked(sd_event_source_set_enabled(source_.get(), SD_EVENT_ONESHOT), "starting a timer");
+}
+
 /// What sd-event keeps for a source. It is freed by sd-event, which does so only after a callback
 /// that is under way has returned.
 struct EventLoop::Callback {

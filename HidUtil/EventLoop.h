@@ -31,6 +31,9 @@ class EventSource {
   /// Only for a timer: calls back once, after `delay` from now.
   void setDelay(std::chrono::microseconds delay);
 
+  /// Only for a timer: calls back once, when the monotonic clock (clock_gettime(2)) says `time`.
+  void setTime(std::chrono::microseconds time);
+
  private:
   struct Release {
     void operator()(sd_event_source* source) const { sd_event_source_disable_unref(source); }

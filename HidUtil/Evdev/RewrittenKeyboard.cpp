@@ -149,7 +149,7 @@ void RewrittenKeyboard::setLight(const InputEvent& light) {
 
 void RewrittenKeyboard::waitForDeadline() {
   if (const auto deadline = rewriter_.deadline()) {
-    deadline_.setDelay(std::max(*deadline - monotonicTime(), 0us));
+    deadline_.setTime(*deadline);
   } else {
     deadline_.disable();
   }

@@ -34,6 +34,16 @@ TEST(EventLoop, ATimerDoesNothingUntilItIsGivenADelay) {
   EXPECT_FALSE(timer.isEnabled());
 }
 
+TEST(EventLoop, ATimerGoesOffWhenItsTimeHasCome) {
+  EventLoop loop;
+  EventSource timer = loop.timer([&] { stop(loop); });
+  const auto time = std::chrono::steady_clock::now() + 20ms;  // The monotonic clock, on Linux.
+  timer.setTime(std::chrono::ceil<std::chrono::microseconds>(time.time_since_epoch()));
+  loop.run();
+  EXPECT_GE(std::chrono::steady_clock::now(), time);
+  EXPECT_FALSE(timer.isEnabled());
+}
+
 TEST(EventLoop, ADeferredCallComesInEveryTurnWhileItIsEnabled) {
   EventLoop loop;
   int calls = 0;
