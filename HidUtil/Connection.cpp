@@ -42,7 +42,7 @@ Connection::Connection(EventLoop& loop, FileDescriptor socket, uid_t user,
       socket_(std::move(socket)),
       watch_(
           loop.watch(socket_.get(), EPOLLIN, [this](std::uint32_t events) { onSocket(events); })),
-      nextRequest_(loop.deferred([this] { takeRequest(); })),
+      nextRequest_(loop.timer([this] { takeRequest(); })),
       stalled_(loop.timer([this] { end(); })) {}
 
 void Connection::onSocket(std::uint32_t events) {
@@ -102,7 +102,7 @@ void Connection::proceed() {
   } else {
     watch_.setEvents(0);
     stalled_.disable();
-    nextRequest_.enable();
+    nextRequest_.setDelay(owner_.restBeforeRequest());
   }
 }
 
@@ -113,7 +113,10 @@ bool Connection::isOver() const {
 }
 
 void Connection::takeRequest() {
-  nextRequest_.disable();
+  if (const auto rest = owner_.restBeforeRequest(); rest > rest.zero()) {
+    nextRequest_.setDelay(rest);  // Another client's request was taken meanwhile.
+    return;
+  }
   if (subscribed_) {
     output_ += alreadySubscribed() + '\n';
     subscribed_ = false;

@@ -27,6 +27,9 @@ class ConnectionOwner {
   /// The response line, without line feed, to a request line of the connection.
   virtual std::string respond(std::string_view line, Connection& connection) = 0;
 
+  /// For how long the next request has to wait.
+  [[nodiscard]] virtual std::chrono::microseconds restBeforeRequest() = 0;
+
   /// The connection has nothing more to do and is to be destroyed, at best within this call.
   virtual void connectionEnded(Connection& connection) = 0;
 };

@@ -82,8 +82,6 @@ struct EventLoop::Trampoline {
     return call(userData, 0);
   }
 
-  static int defer(sd_event_source* /*source*/, void* userData) { return call(userData, 0); }
-
   static void destroy(void* userData) { delete static_cast<Callback*>(userData); }
 
   /// Hands the callback over to a source that was just made.
@@ -120,17 +118,6 @@ EventSource EventLoop::timer(std::function<void()> function) {
                             Trampoline::time, callback.get()),
           "making a timer");
   return Trampoline::adopt(source, std::move(callback));
-}
-
-EventSource EventLoop::deferred(std::function<void()> function) {
-  auto callback = std::make_unique<Callback>(
-      Callback{*this, [run = std::move(function)](std::uint32_t) { run(); }});
-  sd_event_source* source = nullptr;
-  checked(sd_event_add_defer(native(), &source, Trampoline::defer, callback.get()),
-          "making an event source");
-  EventSource result = Trampoline::adopt(source, std::move(callback));
-  result.disable();
-  return result;
 }
 
 void EventLoop::stopOnSignal(int signalNumber) {

@@ -57,9 +57,6 @@ class EventLoop {
   /// A timer that does nothing until it is given a delay.
   EventSource timer(std::function<void()> callback);
 
-  /// Calls back in every turn of the loop while it is enabled, which at first it is not.
-  EventSource deferred(std::function<void()> callback);
-
   /// Ends `run` with success when the signal arrives. Blocks the signal for the calling thread.
   void stopOnSignal(int signalNumber);
 

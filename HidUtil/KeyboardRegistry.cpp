@@ -79,7 +79,7 @@ std::vector<KeyboardRegistry::Change> KeyboardRegistry::plan(const Matching& mat
     }
     PropertySet after = properties;
     after.insert(entry.properties.begin(), entry.properties.end());
-    if (after.size() > maximumPropertiesOfAKeyboard) {
+    if (after.size() - after.count(capsLockDelayKey) > maximumPropertiesOfAKeyboard) {
       throw RequestError("keyboard " + toText(registryID) + " would have more than " +
                          std::to_string(maximumPropertiesOfAKeyboard) +
                          " properties; nothing is changed; set only properties that it has");

@@ -12,8 +12,17 @@ struct Free {
   void operator()(void* memory) const { std::free(memory); }
 };
 
+/// Sessions without a seat, such as those of cron, are always active (sd_session_is_active(3)).
+bool hasSeat(const char* session) {
+  char* seat = nullptr;
+  const bool result = sd_session_get_seat(session, &seat) >= 0;
+  const std::unique_ptr<char, Free> name(seat);
+  return result;
+}
+
 bool isActiveAndLocal(const char* session) {
-  return sd_session_is_active(session) > 0 && sd_session_is_remote(session) == 0;
+  return sd_session_is_active(session) > 0 && sd_session_is_remote(session) == 0 &&
+         hasSeat(session);
 }
 
 }  // namespace

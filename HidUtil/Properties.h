@@ -14,6 +14,10 @@ namespace zephlin {
 /// sets it and the bus.
 using PropertySet = std::map<std::string, std::int64_t, std::less<>>;
 
+/// The delay of Caps Lock, in milliseconds. There is always room for it.
+constexpr std::string_view capsLockDelayKey = "CapsLockDelayOverride";
+
+/// Besides that one.
 constexpr std::size_t maximumPropertiesOfAKeyboard = 64;
 constexpr std::size_t maximumPropertyKeyBytes = 128;
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <ctime>
 #include <optional>
 #include <system_error>
 
@@ -12,6 +13,15 @@
 
 namespace zephlin {
 namespace {
+
+/// After which the system may have descriptors again.
+constexpr std::chrono::seconds timeBetweenTries{1};
+
+std::chrono::nanoseconds timeOn(clockid_t clock) {
+  timespec time{};
+  ::clock_gettime(clock, &time);
+  return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
 
 std::optional<uid_t> peerOf(const FileDescriptor& socket) {
   ucred credentials{};
@@ -65,6 +75,11 @@ std::string Server::respond(std::string_view line, Connection& connection) {
   return encode(subscribes ? subscribe(connection) : response);
 }
 
+std::chrono::microseconds Server::restBeforeRequest() {
+  return std::chrono::ceil<std::chrono::microseconds>(
+      budget_.rest(timeOn(CLOCK_MONOTONIC), timeOn(CLOCK_THREAD_CPUTIME_ID)));
+}
+
 Response Server::subscribe(Connection& connection) {
   const uid_t user = connection.user();
   const auto subscriptions =
@@ -90,12 +105,16 @@ void Server::connectionEnded(Connection& connection) {
 }
 
 void Server::acceptOne() {
+  if (const auto rest = restBeforeRequest(); rest > rest.zero()) {
+    pauseAccepting(rest);
+    return;
+  }
   FileDescriptor socket(
       ::accept4(listening_.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
   if (socket.isOpen()) {
     welcome(std::move(socket));
   } else if (!concernsOneClient(errno)) {
-    pauseAccepting();
+    pauseAccepting(timeBetweenTries);
   }
 }
 
@@ -117,7 +136,7 @@ void Server::welcome(FileDescriptor socket) {
     ++connectionsOfUsers_[*user];
   } catch (const std::system_error&) {
     // The system cannot watch one more socket; the client sees its connection closed.
-    pauseAccepting();
+    pauseAccepting(timeBetweenTries);
   }
 }
 
@@ -127,9 +146,9 @@ bool Server::hasRoomFor(uid_t user) const {
          count->second < limits_.connectionsOfAUser;
 }
 
-void Server::pauseAccepting() {
+void Server::pauseAccepting(std::chrono::microseconds pause) {
   accepting_.disable();
-  retry_.setDelay(std::chrono::seconds(1));
+  retry_.setDelay(pause);
 }
 
 void Server::resumeAccepting() {

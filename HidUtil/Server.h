@@ -12,6 +12,7 @@
 #include "HidUtil/Connection.h"
 #include "HidUtil/EventLoop.h"
 #include "HidUtil/RequestHandler.h"
+#include "HidUtil/WorkBudget.h"
 #include "ZephlinCore/FileDescriptor.h"
 
 namespace zephlin {
@@ -30,6 +31,7 @@ struct ServerLimits {
 
 /// Accepts clients and has their requests handled, on the thread of the loop. When the system has
 /// no descriptor for one more client, it accepts no more until one leaves or a second has passed.
+/// However many requests there are, it works for half of the time at most.
 class Server final : private ConnectionOwner {
  public:
   /// `listening` does not block. The loop and the handler outlive the server.
@@ -40,18 +42,20 @@ class Server final : private ConnectionOwner {
 
  private:
   std::string respond(std::string_view line, Connection& connection) override;
+  [[nodiscard]] std::chrono::microseconds restBeforeRequest() override;
   Response subscribe(Connection& connection);
   void connectionEnded(Connection& connection) override;
 
   void acceptOne();
   void welcome(FileDescriptor socket);
   [[nodiscard]] bool hasRoomFor(uid_t user) const;
-  void pauseAccepting();
+  void pauseAccepting(std::chrono::microseconds pause);
   void resumeAccepting();
 
   EventLoop& loop_;
   RequestHandler& handler_;
   ServerLimits limits_;
+  WorkBudget budget_;
   FileDescriptor listening_;
   EventSource accepting_;
   EventSource retry_;

@@ -1,3 +1,4 @@
+#include <poll.h>
 #include <sys/resource.h>
 #include <systemd/sd-daemon.h>
 #include <unistd.h>
@@ -32,6 +33,14 @@ namespace {
 enum ExitStatus : int { Done = 0, Failed = 1, WrongUsage = 64 };
 
 void log(const std::string& text) {
+  // Whoever reads it may have stopped; the keyboards must not stop with him.
+  static int patienceMilliseconds = 100;
+  pollfd standardError{STDERR_FILENO, POLLOUT, 0};
+  if (::poll(&standardError, 1, patienceMilliseconds) == 0) {
+    patienceMilliseconds = 0;
+    return;
+  }
+  patienceMilliseconds = 100;
   // One write for the whole line, so that it stays whole among other programs' lines.
   const std::string line = "zephlin-hidd: " + text + '\n';
   std::fwrite(line.data(), 1, line.size(), stderr);

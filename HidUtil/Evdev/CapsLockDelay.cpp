@@ -12,7 +12,7 @@ constexpr std::int64_t systemDelay = 75;
 }  // namespace
 
 std::optional<std::chrono::milliseconds> capsLockDelay(const PropertySet& properties) {
-  const auto property = properties.find("CapsLockDelayOverride");
+  const auto property = properties.find(capsLockDelayKey);
   if (property == properties.end() || property->second < 0 || property->second == systemDelay) {
     return std::nullopt;
   }

@@ -2,9 +2,12 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
+#include <ctime>
 #include <fstream>
 #include <memory>
+#include <utility>
 
 #include "Tests/CLI/HidUtil/RunningService.h"
 
@@ -44,6 +47,72 @@ TEST(HostileClients, FiveHundredAtOnceAreAllServed) {
   for (RawClient& each : clients) {
     EXPECT_TRUE(each.receiveLine().starts_with(listAnswerStart));
   }
+}
+
+/// How much of a processor a process takes.
+class ProcessorShare {
+ public:
+  explicit ProcessorShare(pid_t process) { ::clock_getcpuclockid(process, &clock_); }
+
+  /// Since the last call.
+  double next() {
+    const auto wall = std::exchange(wall_, std::chrono::steady_clock::now());
+    const auto used = std::exchange(used_, usedSoFar());
+    return std::chrono::duration<double>(used_ - used) / (wall_ - wall);
+  }
+
+ private:
+  [[nodiscard]] std::chrono::nanoseconds usedSoFar() const {
+    timespec time{};
+    ::clock_gettime(clock_, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+  }
+
+  clockid_t clock_{};
+  std::chrono::steady_clock::time_point wall_;
+  std::chrono::nanoseconds used_{};
+};
+
+/// Anyone could have a real-time process killed that never rests (RLIMIT_RTTIME).
+TEST(HostileClients, AFloodOfRequestsLeavesTheServiceTimeToRest) {
+  RunningService service;
+  std::vector<RawClient> clients;
+  for (int count = 0; count < 8; ++count) {
+    clients.push_back(service.connect());
+  }
+  const std::string request = R"({"request":")" + std::string(3'000, 'x') + "\"}\n";
+  const auto flood = [&](std::chrono::milliseconds time) {
+    const auto end = std::chrono::steady_clock::now() + time;
+    while (std::chrono::steady_clock::now() < end) {
+      for (const RawClient& each : clients) {
+        each.sendWithoutWaiting(request);
+      }
+      for (RawClient& each : clients) {
+        while (each.hasLine()) {
+          each.receiveLine();
+        }
+      }
+    }
+  };
+  ProcessorShare share(service.process().id());
+  flood(std::chrono::milliseconds(200));
+  share.next();
+  flood(std::chrono::milliseconds(1000));
+  EXPECT_LT(share.next(), 0.8);
+}
+
+TEST(HostileClients, AReaderOfTheLogThatHasStoppedStopsNobody) {
+  const RunningService service;
+  // More than a pipe holds.
+  std::string properties;
+  for (int count = 0; count < 60; ++count) {
+    properties += (count == 0 ? "\"" : ",\"") + std::to_string(count) + "\":0";
+  }
+  RawClient client = service.connect();
+  for (int count = 0; count < 300; ++count) {
+    client.ask(R"({"request":"set","matching":{},"properties":{)" + properties + "}}");
+  }
+  EXPECT_TRUE(isServed(client));
 }
 
 TEST(HostileClients, HalfALineIsNoRequest) {

@@ -44,19 +44,6 @@ TEST(EventLoop, ATimerGoesOffWhenItsTimeHasCome) {
   EXPECT_FALSE(timer.isEnabled());
 }
 
-TEST(EventLoop, ADeferredCallComesInEveryTurnWhileItIsEnabled) {
-  EventLoop loop;
-  int calls = 0;
-  EventSource source = loop.deferred([&] {
-    if (++calls == 3) {
-      stop(loop);
-    }
-  });
-  source.enable();
-  loop.run();
-  EXPECT_EQ(calls, 3);
-}
-
 TEST(EventLoop, WhatIsPutFirstIsCalledFirst) {
   for (const bool isSecondFirst : {false, true}) {
     EventLoop loop;
@@ -99,12 +86,12 @@ TEST(EventLoop, ASourceMayEndItselfInItsOwnCallback) {
   EventLoop loop;
   const auto witness = std::make_shared<int>(0);
   std::optional<EventSource> source;
-  source = loop.deferred([&source, &loop, witness] {
+  source = loop.timer([&source, &loop, witness] {
     source.reset();
     ++*witness;  // What the callback holds is still there.
     stop(loop);
   });
-  source->enable();
+  source->setDelay(0us);
   loop.run();
   EXPECT_EQ(*witness, 1);
   EXPECT_EQ(witness.use_count(), 1);
@@ -112,8 +99,8 @@ TEST(EventLoop, ASourceMayEndItselfInItsOwnCallback) {
 
 TEST(EventLoop, AnExceptionOfACallbackLeavesRun) {
   EventLoop loop;
-  EventSource source = loop.deferred([] { throw std::runtime_error("oops"); });
-  source.enable();
+  EventSource source = loop.timer([] { throw std::runtime_error("oops"); });
+  source.setDelay(0us);
   EXPECT_THROW(loop.run(), std::runtime_error);
 }
 

@@ -122,8 +122,9 @@ TEST_F(KeyboardRegistryTest, AKeyboardHoldsOnlySoManyProperties) {
             "properties that it has");
   EXPECT_TRUE(bus.applied.empty());
   EXPECT_EQ(values("K0").at(1).value, 0);
-  registry.set({}, {{"K0", 5}});
+  registry.set({}, {{"K0", 5}, {"CapsLockDelayOverride", 0}});
   EXPECT_EQ(values("K0").at(1).value, 5);
+  EXPECT_EQ(values("CapsLockDelayOverride").at(1).value, 0);
 }
 
 TEST_F(KeyboardRegistryTest, KeepsTheKeyboardsOfSeveralBusesApart) {

@@ -30,6 +30,10 @@ TEST(LoginSessions, ARemoteSessionDoesNotCount) {
   EXPECT_EQ(answerWith({{user, true, true}}), "no");
 }
 
+TEST(LoginSessions, ASessionWithoutASeatDoesNotCount) {
+  EXPECT_EQ(answerWith({{user, true, false, false}}), "no");
+}
+
 TEST(LoginSessions, AnInactiveSessionDoesNotCount) {
   EXPECT_EQ(answerWith({{user, false, false}}), "no");
 }

@@ -12,6 +12,7 @@ struct RecordedLogin {
   uid_t user = 0;
   bool active = true;
   bool remote = false;
+  bool hasSeat = true;
 };
 
 /// Gives the calling process, which is a child of the test made for this, a /run of its own with
