@@ -15,9 +15,8 @@ AppcastUpdater::~AppcastUpdater() = default;
 
 void AppcastUpdater::checkForUpdates() {
   if (feed_.isEmpty()) {
-    show("Your system keeps Zephlin up to date",
-         "This build has no update address of its own. New versions come with the updates of your "
-         "system's package manager.");
+    show("Zephlin does not look for updates",
+         "This build has no update address. To update, install a newer package over this one.");
     return;
   }
   if (!download_) {

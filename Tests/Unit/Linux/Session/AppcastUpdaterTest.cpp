@@ -149,13 +149,13 @@ TEST_F(AppcastUpdaterTest, ClosingTheWindowEndsTheCheck) {
   EXPECT_EQ(server_.requests, 2);
 }
 
-TEST_F(AppcastUpdaterTest, ABuildWithoutAnAddressSaysWhereUpdatesComeFrom) {
+TEST_F(AppcastUpdaterTest, ABuildWithoutAnAddressSaysHowToUpdate) {
   AppcastUpdater updater(QUrl(), QVersionNumber(0, 9), UPDATES_MODULE);
   updater.checkForUpdates();
   updater.checkForUpdates();
   EXPECT_EQ(shown(),
-            "Your system keeps Zephlin up to date|This build has no update address of its own. New "
-            "versions come with the updates of your system's package manager.|OK");
+            "Zephlin does not look for updates|This build has no update address. To update, "
+            "install a newer package over this one.|OK");
 }
 
 }  // namespace
