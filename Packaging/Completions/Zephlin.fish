@@ -6,4 +6,4 @@ complete --command Zephlin --condition __fish_use_subcommand --arguments restore
 complete --command Zephlin --condition __fish_use_subcommand --arguments status \
     --description 'Count the keyboards by the delay that they report'
 complete --command Zephlin --condition __fish_use_subcommand --arguments help \
-    --description 'Print a short help'
+    --description 'Print the help'

@@ -14,7 +14,7 @@ complete --command hidutil --no-files
 complete --command hidutil --long-option socket --require-parameter --force-files \
     --description 'Where zephlin-hidd listens'
 complete --command hidutil --condition "not __fish_seen_subcommand_from $commands" \
-    --short-option h --long-option help --description 'Print a help'
+    --short-option h --long-option help --description 'Print the help'
 complete --command hidutil --condition "not __fish_seen_subcommand_from $commands" \
     --long-option version --description 'Print the version'
 
