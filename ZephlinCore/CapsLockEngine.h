@@ -17,8 +17,8 @@ namespace zephlin {
 /// number at once. Callers whose writes and read-backs must not interleave take turns themselves.
 ///
 /// Every operation throws `EngineError` when the tool ran and failed, and std::system_error (the
-/// platform's own error, unchanged) when it could not be launched. A failed operation can simply
-/// be repeated.
+/// platform's own error, unchanged) when it could not be launched or watched. A failed operation
+/// can simply be repeated.
 class CapsLockEngine {
  public:
   /// Selects every keyboard: HID usage page 1 (Generic Desktop), usage 6 (Keyboard); see the HID
@@ -43,7 +43,9 @@ class CapsLockEngine {
     /// Any other positive value.
     std::int64_t otherServices = 0;
 
+    /// All of them are instant. False where there are none.
     [[nodiscard]] bool isInstant() const;
+    /// Some of them are instant, and some are not.
     [[nodiscard]] bool isPartial() const;
     /// The sum of the counts; an overflow aborts the process.
     [[nodiscard]] std::int64_t totalServices() const;
@@ -55,8 +57,10 @@ class CapsLockEngine {
   class EngineError : public std::exception {
    public:
     struct HidutilFailed {
+      /// Or the number of the signal that ended the tool.
       std::int32_t exitStatus;
-      /// All that the tool wrote to standard output and standard error, untrimmed.
+      /// All that is kept of the tool's standard output and standard error, untrimmed; empty where
+      /// it is not valid UTF-8.
       std::string output;
     };
     /// The tool ran past `timeoutSeconds` and was killed.
@@ -85,7 +89,8 @@ class CapsLockEngine {
   void restoreDefault() const;
   /// Sets the override to `value` milliseconds on every keyboard; reads nothing back.
   void setOverride(std::int64_t value) const;
-  /// Counts the keyboard services by the delay they report.
+  /// Counts the keyboard services by the delay they report. Output that is not valid UTF-8 counts
+  /// as no keyboards.
   [[nodiscard]] Status status() const;
 
   std::string hidutilPath;

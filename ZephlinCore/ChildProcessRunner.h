@@ -31,10 +31,11 @@ constexpr std::size_t maximumChildOutputBytes = std::size_t{256} << 20U;
 /// the child left behind holds the pipe open. So the call blocks for `timeLimit` and a kill at
 /// most.
 ///
-/// Throws std::system_error when the child cannot be launched, naming the executable. Any thread,
-/// any number at once; nothing of a run is left when it returns or throws. Should the process
-/// ignore SIGCHLD, the disposition is set back to the default for good: a process that ignores it
-/// never learns how its children ended.
+/// Throws std::system_error when the child cannot be launched, naming an executable that cannot be
+/// run, and when it cannot be watched, be it that no thread can be had for the time limit or that
+/// reading or waiting fails; the child is killed then. Any thread, any number at once; nothing of a
+/// run is left when it returns or throws. Should the process ignore SIGCHLD, the disposition is set
+/// back to the default for good: a process that ignores it never learns how its children ended.
 ///
 /// This header is a seam: a program may link another body of it, in which keyboards are simulated.
 ChildProcessResult runChildProcess(const std::string& executable,
