@@ -20,8 +20,8 @@ class KeyboardWatcher : public std::enable_shared_from_this<KeyboardWatcher> {
   /// Called once. Devices that are there already cause no call. A source that the platform does not
   /// have is left out without a word.
   void start();
-  /// Ends all calls, but for one: a wake's second call finds the watcher gone by its weak
-  /// reference.
+  /// Ends all calls, but for one: the second call of a wake that has been told already still comes,
+  /// unless the watcher is gone by then.
   void stop();
 
  private:
