@@ -182,6 +182,8 @@ class Window {
   virtual void setContentSizeToFit() = 0;
   /// On the screen.
   virtual void center() = 0;
+  /// Shows the window, in front of the others and with the keyboard; one that is shown already
+  /// comes to the front. The system may refuse it both, and tells nothing of that.
   virtual void makeKeyAndOrderFront() = 0;
   /// The content view alone, without title bar and frame; absent where it cannot be drawn.
   virtual std::optional<std::string> contentAsPng() = 0;

@@ -21,18 +21,20 @@ class LinuxMainQueue final : public MainQueue {
   QObject context_;
 };
 
-/// Made after the QApplication. Its end waits for the work of its serial queues.
+/// Made after the QApplication. Its destruction waits until all work of its serial queues has run.
 class LinuxDispatch final : public Dispatch {
  public:
   MainQueue& mainQueue() override { return mainQueue_; }
-  /// There is one quality of service, and work that needs less than the user's own waits for it by
-  /// itself: its threads are those of any program.
+  /// Each queue has a thread, whose first work begins when the event loop has had its turn. The
+  /// quality of service changes nothing: the kernel schedules these threads like all others. Throws
+  /// std::system_error when no thread can be had.
   std::unique_ptr<SerialQueue> makeSerialQueue(const std::string& label,
                                                QualityOfService quality) override;
   std::unique_ptr<Timer> scheduleTimer(Interval interval, Tolerance tolerance,
                                        std::function<void()> tick) override;
 
-  /// Waits for the work of the serial queues, but not longer. Whether all of it is done.
+  /// Waits until all work of the serial queues has run, or `atMost` has passed. Whether all of it
+  /// has run.
   bool waitForSerialQueues(Delay atMost);
 
  private:

@@ -16,8 +16,9 @@ namespace zephlin {
 /// properties end with it, so a service that starts while devices are observed counts as devices
 /// that appear.
 ///
-/// The only input known is the Caps Lock key of keyboards. Codes of failures are errno's: EACCES
-/// where the user may not read the event devices, ENOENT where there are none.
+/// The only input known is the Caps Lock key of keyboards. Codes of failures are errno's: ENOTSUP
+/// for any other input, those of `openX11CapsLockKey` under X11, and those of `openEventDevices`
+/// elsewhere.
 class LinuxHidDevices final : public HidDevices {
  public:
   static constexpr const char* serviceSocketPath = "/run/zephlin/hidd.sock";
