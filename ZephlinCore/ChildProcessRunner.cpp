@@ -1,12 +1,14 @@
 #include "ZephlinCore/ChildProcessRunner.h"
 
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 #include "ZephlinCore/ChildProcess.h"
 #include "ZephlinCore/FileDescriptor.h"
@@ -47,32 +49,53 @@ void trimPartialCharacter(std::string& text) {
   text.erase(startsCharacter ? lead.base() - 1 : lead.base(), text.end());
 }
 
-/// Reads to the end of file, or to the deadline. What does not fit is read all the same, so that
-/// the child can go on.
-std::string readToEnd(const FileDescriptor& descriptor, Clock::time_point deadline) {
-  std::string output;
-  bool truncated = false;
-  std::array<char, 65536> buffer;
-  while (waitUntilReadable(descriptor, deadline)) {
-    const ssize_t count = ::read(descriptor.get(), buffer.data(), buffer.size());
-    if (count == 0) {
-      break;
-    }
-    if (count == -1) {
-      if (errno == EINTR) {
-        continue;
+/// What is kept of what is read from the child.
+class Output {
+ public:
+  /// Reads once and returns the number of bytes, 0 at the end of file. What does not fit is read
+  /// all the same, so that the child can go on.
+  std::size_t readFrom(const FileDescriptor& descriptor) {
+    ssize_t count = -1;
+    while ((count = ::read(descriptor.get(), buffer_.data(), buffer_.size())) == -1) {
+      if (errno != EINTR) {
+        throw std::system_error(errno, std::generic_category(), "read");
       }
-      throw std::system_error(errno, std::generic_category(), "read");
     }
     const auto read = static_cast<std::size_t>(count);
-    const std::size_t kept = std::min(read, maximumChildOutputBytes - output.size());
-    output.append(buffer.data(), kept);
-    truncated = truncated || kept < read;
+    const std::size_t kept = std::min(read, maximumChildOutputBytes - text_.size());
+    text_.append(buffer_.data(), kept);
+    truncated_ = truncated_ || kept < read;
+    return read;
   }
-  if (truncated) {
-    trimPartialCharacter(output);
+
+  std::string take() {
+    if (truncated_) {
+      trimPartialCharacter(text_);
+    }
+    return std::move(text_);
   }
-  return output;
+
+ private:
+  std::string text_;
+  bool truncated_ = false;
+  std::array<char, 65536> buffer_;
+};
+
+void readToEnd(const FileDescriptor& descriptor, Clock::time_point deadline, Output& output) {
+  while (waitUntilReadable(descriptor, deadline) && output.readFrom(descriptor) > 0) {
+  }
+}
+
+/// Reads what the pipe holds now, and no more: a process that the child left behind may go on
+/// writing.
+void readRest(const FileDescriptor& descriptor, Output& output) {
+  int waiting = 0;
+  if (::ioctl(descriptor.get(), FIONREAD, &waiting) == -1) {
+    throw std::system_error(errno, std::generic_category(), "ioctl");
+  }
+  while (waiting > 0) {
+    waiting -= static_cast<int>(output.readFrom(descriptor));
+  }
 }
 
 }  // namespace
@@ -86,7 +109,7 @@ ChildProcessResult runChildProcess(const std::string& executable,
 
   const auto deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(timeLimit);
   TimeoutFlag timeoutFlag;
-  ChildProcessResult result;
+  Output output;
   {
     const Watchdog watchdog(deadline, [&child, &timeoutFlag] {
       if (child.isRunning()) {
@@ -95,12 +118,17 @@ ChildProcessResult runChildProcess(const std::string& executable,
       }
     });
     // In this order: a child blocks while the pipe is full, and would never exit.
-    result.output = readToEnd(pipe.readEnd, deadline);
+    readToEnd(pipe.readEnd, deadline, output);
     child.waitUntilExit();
   }
+  // Should this process have been stopped, the deadline may have passed before all was read of a
+  // child that ended in time.
+  readRest(pipe.readEnd, output);
+  ChildProcessResult result;
   // The watchdog is gone: nothing can signal the identifier once reaping has freed it.
   result.terminationStatus = child.reap();
   result.timedOut = timeoutFlag.value();
+  result.output = output.take();
   return result;
 }
 

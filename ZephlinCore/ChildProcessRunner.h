@@ -27,9 +27,9 @@ constexpr std::size_t maximumChildOutputBytes = std::size_t{256} << 20U;
 /// The child inherits standard input, the environment and the working directory, and nothing else:
 /// no other descriptor, default signal dispositions, an empty signal mask. Its standard output and
 /// standard error are one pipe. All of it is read, then the child is reaped; a child that is still
-/// running after `timeLimit` is sent SIGKILL. Reading ends at the limit too, in case a process that
-/// the child left behind holds the pipe open. So the call blocks for `timeLimit` and a kill at
-/// most.
+/// running after `timeLimit` is sent SIGKILL. Waiting for more to read ends at the limit too, in
+/// case a process that the child left behind holds the pipe open. So the call blocks for
+/// `timeLimit` and a kill at most.
 ///
 /// Throws std::system_error when the child cannot be launched, naming an executable that cannot be
 /// run, and when it cannot be watched, be it that no thread can be had for the time limit or that

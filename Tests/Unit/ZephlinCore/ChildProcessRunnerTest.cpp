@@ -161,6 +161,19 @@ TEST(ChildProcessRunner, AKilledChildIsTimedOutThoughItsOwnChildHoldsThePipe) {
   EXPECT_EQ(::kill(grandchildOf(result), SIGKILL), 0);
 }
 
+TEST(ChildProcessRunner, ACallerThatStandsStillPastTheLimitGetsWhatAFinishedChildPrinted) {
+  EXPECT_EQ(inNewProcess([] {
+              struct sigaction action {};
+              action.sa_handler = [](int) { ::usleep(2'500'000); };
+              ::sigaction(SIGALRM, &action, nullptr);
+              const itimerval once{{0, 0}, {0, 100'000}};
+              ::setitimer(ITIMER_REAL, &once, nullptr);
+              const std::vector<std::string> script = {"-c", "sleep 0.3; echo text"};
+              return describe(runChildProcess("/bin/sh", script, Seconds(2)));
+            }),
+            "ended 0 text\n");
+}
+
 TEST(ChildProcessRunner, AChildThatExitsAtTheDeadlineEitherEndedOrTimedOut) {
   for (int milliseconds = 20; milliseconds < 60; ++milliseconds) {
     const ChildProcessResult result =
