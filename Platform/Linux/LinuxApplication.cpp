@@ -4,6 +4,7 @@
 #include <QIconEngine>
 #include <QMetaObject>
 #include <QWidget>
+#include <algorithm>
 #include <utility>
 
 #include "Platform/Linux/Display.h"
@@ -17,6 +18,13 @@ int& withReachableDisplay(int& argc) {
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && !isDisplayReachable()) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   }
+  return argc;
+}
+
+/// Every option just starts the application. Qt would take those that it knows, and end the process
+/// at one that it cannot follow.
+int& withoutOptions(int& argc) {
+  argc = std::min(argc, 1);
   return argc;
 }
 
@@ -51,7 +59,7 @@ class ThemeIconEngine final : public QIconEngine {
 }  // namespace
 
 LinuxApplication::LinuxApplication(int& argc, char** argv)
-    : application_(withReachableDisplay(argc), argv) {
+    : application_(withReachableDisplay(withoutOptions(argc)), argv) {
   QApplication::setApplicationName("Zephlin");
   QApplication::setApplicationVersion(ZEPHLIN_VERSION);
   QApplication::setDesktopFileName("com.quorvenel.zephlin");
