@@ -61,6 +61,11 @@ TEST(HidUtilOutputParser, APlusSignIsAllowedAndALoneSignDropsTheLine) {
   }
 }
 
+TEST(HidUtilOutputParser, LeadingZerosDoNotMakeAValueOctal) {
+  EXPECT_EQ(parse("a key 00075\nb key 010\nc key -010\n"),
+            (Rows{{"a", 75}, {"b", 10}, {"c", -10}}));
+}
+
 TEST(HidUtilOutputParser, AValueMustFitSixtyFourBits) {
   using Limits = std::numeric_limits<std::int64_t>;
   EXPECT_EQ(parse("a key 9223372036854775807\n"), (Rows{{"a", Limits::max()}}));
@@ -89,9 +94,18 @@ TEST(HidUtilOutputParser, ALowerCaseHeaderWordIsARegistryIdentifier) {
   EXPECT_EQ(parse("registryid key 3\n"), (Rows{{"registryid", 3}}));
 }
 
-TEST(HidUtilOutputParser, TabsDoNotSeparateColumns) {
-  EXPECT_EQ(parse("a\tkey\t12\n"), Rows());
-  EXPECT_EQ(parse("a\tb key 12\n"), (Rows{{"a\tb", 12}}));
+TEST(HidUtilOutputParser, AWordThatContainsTheHeaderWordIsARegistryIdentifier) {
+  EXPECT_EQ(parse("RegistryIDs key 1\nxRegistryID key 2\nRegistry key 3\n"),
+            (Rows{{"RegistryIDs", 1}, {"xRegistryID", 2}, {"Registry", 3}}));
+}
+
+TEST(HidUtilOutputParser, NoWhitespaceButSpacesSeparatesColumns) {
+  for (const std::string separator : {"\t", "\v", "\f", "\u00A0"}) {
+    EXPECT_EQ(parse("a" + separator + "key" + separator + "12\n"), Rows()) << separator;
+    EXPECT_EQ(parse("a" + separator + "b key 12\n"), (Rows{{"a" + separator + "b", 12}}));
+    EXPECT_EQ(parse(separator + "a key 12\n"), (Rows{{separator + "a", 12}}));
+    EXPECT_EQ(parse("a key " + separator + "12\n"), Rows()) << separator;
+  }
 }
 
 TEST(HidUtilOutputParser, SpacesAroundAndBetweenColumnsVanish) {
