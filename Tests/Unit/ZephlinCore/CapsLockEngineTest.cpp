@@ -39,6 +39,16 @@ TEST_F(CapsLockEngineTest, SetOverridePassesFiveArgumentsInOrder) {
   EXPECT_EQ(calls()[1].arguments[4], R"({"CapsLockDelayOverride":-1})");
 }
 
+TEST_F(CapsLockEngineTest, TheToolAtItsPathIsRun) {
+  const CapsLockEngine engine("/elsewhere/tool");
+  answer("");
+  answer("");
+  engine.applyInstant();
+  static_cast<void>(engine.status());
+  EXPECT_EQ(calls()[0].executable, "/elsewhere/tool");
+  EXPECT_EQ(calls()[1].executable, "/elsewhere/tool");
+}
+
 TEST_F(CapsLockEngineTest, ApplyInstantWritesZeroAndRestoreDefaultWritesMinusOne) {
   answer("what the tool prints is discarded\n");
   answer("");
@@ -103,6 +113,11 @@ TEST_F(CapsLockEngineTest, TheDefaultIsSeventyFiveExactly) {
   EXPECT_EQ(engine_.status(), (Status{0, 0, 2}));
 }
 
+TEST_F(CapsLockEngineTest, EveryNegativeValueIsTheDefault) {
+  answer("a k -2\nb k -75\nc k -9223372036854775808\n");
+  EXPECT_EQ(engine_.status(), (Status{0, 3, 0}));
+}
+
 TEST_F(CapsLockEngineTest, MinusZeroIsInstant) {
   answer("a k -0\n");
   EXPECT_EQ(engine_.status(), (Status{1, 0, 0}));
@@ -115,11 +130,18 @@ TEST_F(CapsLockEngineTest, AServiceListedTwiceCountsTwice) {
   EXPECT_TRUE(status.isInstant());
 }
 
+TEST_F(CapsLockEngineTest, AServiceWithAnotherDelayIsNotInstant) {
+  answer("a k 0\nb k 10\n");
+  const Status status = engine_.status();
+  EXPECT_EQ(status, (Status{1, 0, 1}));
+  EXPECT_TRUE(status.isPartial());
+  EXPECT_FALSE(status.isInstant());
+}
+
 TEST_F(CapsLockEngineTest, WithoutAnInstantServiceNothingIsPartial) {
   const Status status{0, 3, 2};
   EXPECT_FALSE(status.isInstant());
   EXPECT_FALSE(status.isPartial());
-  EXPECT_TRUE((Status{1, 0, 1}).isPartial());
 }
 
 TEST_F(CapsLockEngineTest, AFailureCarriesTheStatusAndTheWholeText) {

@@ -196,6 +196,7 @@ TEST(ChildProcessRunner, AnExecutableThatCannotBeLaunchedIsThePlatformsError) {
   };
   const NothingIsLeft nothingIsLeft;
   EXPECT_EQ(codeOf("/nonexistent/hidutil"), std::errc::no_such_file_or_directory);
+  EXPECT_EQ(codeOf("true"), std::errc::no_such_file_or_directory) << "PATH is not searched";
   EXPECT_EQ(codeOf("/"), std::errc::permission_denied);
   EXPECT_EQ(codeOf(__FILE__), std::errc::permission_denied);
 }
