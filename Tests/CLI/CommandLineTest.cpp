@@ -2,8 +2,11 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pty.h>
+#include <termios.h>
 #include <unistd.h>
 
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -130,6 +133,27 @@ TEST_F(CommandLineTest, AnUnknownWordIsReportedBeforeTheUsageText) {
   }
 }
 
+TEST_F(CommandLineTest, OnATerminalTheUnknownWordStandsAboveTheUsageText) {
+  termios raw{};
+  ::cfmakeraw(&raw);
+  int screen = -1;
+  int terminal = -1;
+  ASSERT_EQ(::openpty(&screen, &terminal, nullptr, &raw, nullptr), 0);
+  prepare_ = [terminal] {
+    ::dup2(terminal, STDOUT_FILENO);
+    ::dup2(terminal, STDERR_FILENO);
+  };
+  EXPECT_EQ(zephlin({"x"}).status, 2);
+  ::close(terminal);
+  std::string shown;
+  std::array<char, 4096> buffer;
+  for (ssize_t count = 0; (count = ::read(screen, buffer.data(), buffer.size())) > 0;) {
+    shown.append(buffer.data(), static_cast<std::size_t>(count));
+  }
+  ::close(screen);
+  EXPECT_EQ(shown, std::string("unknown command: x\n\n") + usage);
+}
+
 // Seen by what it says where its module is not installed.
 TEST_F(CommandLineTest, NoArgumentAndEveryUnknownOptionStartTheApplication) {
   program_ = directory_.path() / "Zephlin";
@@ -182,6 +206,10 @@ TEST_F(CommandLineTest, ApplyThatReachesOnlySomeKeyboardsSaysSoAndSucceeds) {
   replyToGet(listing({"0", "10"}));
   expect({"apply"}, 0,
          "Applied, but only 1 of 2 keyboard services confirmed the override. Re-run in a moment.\n",
+         "");
+  replyToGet(listing({"0", "10", "1000", "40", "75", "(null)"}));
+  expect({"apply"}, 0,
+         "Applied, but only 1 of 6 keyboard services confirmed the override. Re-run in a moment.\n",
          "");
 }
 
@@ -277,7 +305,7 @@ TEST_F(CommandLineTest, OutputThatIsNotUtf8CountsNothing) {
   expect({"status"}, 0, statusReport("0", "0", "0", "0") + "Zephlin override is NOT active.\n", "");
 }
 
-TEST_F(CommandLineTest, ARunningApplicationIsNotedAfterApplyAndRestoreButNotAfterStatus) {
+TEST_F(CommandLineTest, ARunningApplicationIsNotedAfterApplyAndRestoreAlone) {
   const std::string lockFile = directory_.path() / "com.quorvenel.zephlin.lock";
   const int file = ::open(lockFile.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
   struct flock lock {};
@@ -298,11 +326,20 @@ TEST_F(CommandLineTest, ARunningApplicationIsNotedAfterApplyAndRestoreButNotAfte
   expect({"status"}, 0,
          statusReport("1", "1", "0", "0") + "Zephlin override is ACTIVE on all keyboards.\n", "");
 
+  expect({"help"}, 0, usage, "");
+
   // No report, no note.
   replyToSet("X", 1);
+  expect({"apply"}, 1, "", "apply failed: hidutil exited with status 1: X\n");
   expect({"restore"}, 1, "", "restore failed: hidutil exited with status 1: X\n");
-  // A report that confirms nothing has one all the same.
+  // A report that confirms less, or nothing, has one all the same.
   replyToSet("");
+  replyToGet(listing({"0", "75"}));
+  expect(
+      {"apply"}, 0,
+      "Applied, but only 1 of 2 keyboard services confirmed the override. Re-run in a moment.\n" +
+          note + ". Prefer the ⇪ menu toggle while it runs.\n",
+      "");
   replyToGet("");
   expect({"apply"}, 1,
          "Apply command succeeded, but no keyboard service confirmed the override.\n" + note +
