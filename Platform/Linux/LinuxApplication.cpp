@@ -110,6 +110,7 @@ void LinuxApplication::run() {
 }
 
 void LinuxApplication::terminate() {
+  isTerminating_ = true;
   QApplication::exit(0);
 }
 

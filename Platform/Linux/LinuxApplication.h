@@ -26,6 +26,8 @@ class LinuxApplication final : public Application {
 
   void setServices(Services services) { services_ = std::move(services); }
   [[nodiscard]] bool isDisplayed() const;
+  /// Whether terminate() was called.
+  [[nodiscard]] bool isTerminating() const { return isTerminating_; }
   /// The user has started the application once more.
   void reopen();
 
@@ -43,6 +45,7 @@ class LinuxApplication final : public Application {
   QApplication application_;
   std::weak_ptr<ApplicationDelegate> delegate_;
   Services services_;
+  bool isTerminating_ = false;
 };
 
 }  // namespace zephlin

@@ -23,6 +23,7 @@ LinuxPlatform::LinuxPlatform(int& argc, char** argv)
     : qtMessages_(systemLog_),
       application_(argc, argv),
       userDefaults_(defaultsPath(), systemLog_),
+      statusBar_([this] { return application_.isTerminating(); }),
       hidDevices_(currentDesktopKind(), holdsInputBack),
       eventTaps_(currentDesktopKind(), holdsInputBack),
       loginService_(QApplication::applicationFilePath().toStdString(), systemLog_),

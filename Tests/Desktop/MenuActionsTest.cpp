@@ -79,6 +79,23 @@ TEST_F(MenuActions, QuitEndsTheApplicationAndLeavesTheOverride) {
   EXPECT_TRUE(desktop().keyboards().allAre("0"));
 }
 
+TEST_F(MenuActions, QuitRunsHidutilNoMore) {
+  App app(desktop());
+  app.waitForStatusLine("On. Every tap registers instantly");
+  const double chosenAt = monotonicSeconds();
+  app.menu().choose("Re-apply Now");
+  // It reads the status twice, for itself and for the menu, and that is the last of what is queued.
+  std::size_t runs = 0;
+  waitUntil("the status to be read", [&] {
+    const std::vector<HidutilRun> all = desktop().hidutil().all();
+    runs = all.size();
+    return runs >= 3 && all[runs - 3].sets && all[runs - 3].startedAt >= chosenAt;
+  });
+  app.menu().click(app.menu().entry("Quit Zephlin").id);
+  EXPECT_EQ(app.program().waitForEnd(), 0);
+  EXPECT_EQ(desktop().hidutil().all().size(), runs);
+}
+
 TEST_F(MenuActions, AThousandQuickClicksSettleOnTheLast) {
   App app(desktop());
   app.waitForStatusLine("On. Every tap registers instantly");

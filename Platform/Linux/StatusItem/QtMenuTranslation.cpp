@@ -56,7 +56,9 @@ std::unique_ptr<QAction> makeAction(const MenuItem& item) {
 
 }  // namespace
 
-QtMenuTranslation::QtMenuTranslation(std::shared_ptr<Menu> menu) : menu_(std::move(menu)) {
+QtMenuTranslation::QtMenuTranslation(std::shared_ptr<Menu> menu,
+                                     std::function<bool()> isTerminating)
+    : menu_(std::move(menu)), isTerminating_(std::move(isTerminating)) {
   QObject::connect(&qtMenu_, &QMenu::aboutToShow, &context_, [this] { update(); });
   showItems();
 }
@@ -116,7 +118,8 @@ void QtMenuTranslation::perform(const MenuAction& action) {
   if (const auto* function = std::get_if<std::function<void()>>(&action); function && *function) {
     (*function)();
   }
-  if (alive) {
+  // A delegate may set work going when it is asked, and a quit would wait for that.
+  if (alive && !isTerminating_()) {
     update();
   }
 }

@@ -2,6 +2,7 @@
 
 #include <QMenu>
 #include <QObject>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -13,12 +14,13 @@ namespace zephlin {
 /// itself may read it before it says that it opens it, and Qt 6.4 never tells it to read again.
 ///
 /// The menu's delegate is asked for its items by update(), whenever the QMenu is about to be shown
-/// and after each chosen action. What has not changed is left alone, and an entry that stays in its
-/// place keeps its QAction, so that an open menu changes under the user's eyes, a panel is sent
-/// single properties, and a choice that is under way finds its entry. Main thread.
+/// and after each chosen action, unless the application terminates by then. What has not changed is
+/// left alone, and an entry that stays in its place keeps its QAction, so that an open menu changes
+/// under the user's eyes, a panel is sent single properties, and a choice that is under way finds
+/// its entry. Main thread.
 class QtMenuTranslation {
  public:
-  explicit QtMenuTranslation(std::shared_ptr<Menu> menu);
+  QtMenuTranslation(std::shared_ptr<Menu> menu, std::function<bool()> isTerminating);
   QtMenuTranslation(const QtMenuTranslation&) = delete;
   QtMenuTranslation& operator=(const QtMenuTranslation&) = delete;
   ~QtMenuTranslation();
@@ -37,6 +39,7 @@ class QtMenuTranslation {
   void detachItems();
 
   std::shared_ptr<Menu> menu_;
+  std::function<bool()> isTerminating_;
   std::vector<std::weak_ptr<MenuItem>> items_;
   QMenu qtMenu_;
   // Destroyed first: what is still queued does not run.

@@ -1,6 +1,7 @@
 #include "Platform/Linux/StatusItem/QtStatusBar.h"
 
 #include <QGuiApplication>
+#include <utility>
 
 #include "Platform/Linux/StatusItem/QtStatusItem.h"
 #include "Platform/Linux/StatusItem/SymbolIcons.h"
@@ -19,11 +20,14 @@ class HiddenStatusItem final : public StatusItem {
 
 }  // namespace
 
+QtStatusBar::QtStatusBar(std::function<bool()> isTerminating)
+    : isTerminating_(std::move(isTerminating)) {}
+
 std::unique_ptr<StatusItem> QtStatusBar::makeStatusItem(double /*length*/) {
   if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
     return std::make_unique<HiddenStatusItem>();
   }
-  return std::make_unique<QtStatusItem>();
+  return std::make_unique<QtStatusItem>(isTerminating_);
 }
 
 std::optional<SymbolImage> QtStatusBar::systemSymbol(const std::string& name,

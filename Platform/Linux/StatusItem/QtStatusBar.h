@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "Platform/StatusBar.h"
 
 namespace zephlin {
@@ -9,11 +11,17 @@ namespace zephlin {
 /// Main thread, while the QApplication lives.
 class QtStatusBar final : public StatusBar {
  public:
+  /// `isTerminating` tells whether the application was asked to terminate.
+  explicit QtStatusBar(std::function<bool()> isTerminating);
+
   /// An item as high as the panel, whatever the length: panels here know no other. Without a
   /// display (Qt's platform "offscreen") the item has no button.
   std::unique_ptr<StatusItem> makeStatusItem(double length) override;
   std::optional<SymbolImage> systemSymbol(const std::string& name,
                                           const std::string& accessibilityDescription) override;
+
+ private:
+  std::function<bool()> isTerminating_;
 };
 
 }  // namespace zephlin

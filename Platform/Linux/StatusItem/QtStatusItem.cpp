@@ -20,8 +20,9 @@ QIcon blankIcon() {
 
 }  // namespace
 
-QtStatusItem::QtStatusItem()
-    : xembed_([this] { xembedTrayChanged(); }),
+QtStatusItem::QtStatusItem(std::function<bool()> isTerminating)
+    : isTerminating_(std::move(isTerminating)),
+      xembed_([this] { xembedTrayChanged(); }),
       finder_(xembed_, [this](TrayKind kind) { appearIn(kind); }) {
   nextPass_.setSingleShot(true);
   QObject::connect(&nextPass_, &QTimer::timeout, &context_, [this] { showMenu(); });
@@ -46,7 +47,7 @@ void QtStatusItem::setButtonToolTip(const std::string& text) {
 }
 
 void QtStatusItem::setMenu(std::shared_ptr<Menu> menu) {
-  menu_ = std::make_shared<QtMenuTranslation>(std::move(menu));
+  menu_ = std::make_shared<QtMenuTranslation>(std::move(menu), isTerminating_);
   if (tray_) {
     // The delegate is not called from within a call of its own.
     nextPass_.start();

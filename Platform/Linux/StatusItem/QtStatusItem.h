@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QSystemTrayIcon>
 #include <QTimer>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,7 +19,8 @@ namespace zephlin {
 /// and again when the panel is started anew. Main thread, while the QApplication lives.
 class QtStatusItem final : public StatusItem {
  public:
-  QtStatusItem();
+  /// `isTerminating` is as QtStatusBar's.
+  explicit QtStatusItem(std::function<bool()> isTerminating);
   QtStatusItem(const QtStatusItem&) = delete;
   QtStatusItem& operator=(const QtStatusItem&) = delete;
   ~QtStatusItem() override;
@@ -36,6 +38,7 @@ class QtStatusItem final : public StatusItem {
   void showMenu();
   void openMenu();
 
+  std::function<bool()> isTerminating_;
   std::optional<SymbolImage> image_;
   std::string toolTip_;
   std::shared_ptr<QtMenuTranslation> menu_;

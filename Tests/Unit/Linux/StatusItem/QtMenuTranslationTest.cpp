@@ -18,8 +18,9 @@ class QtMenuTranslationTest : public ::testing::Test {
   }
 
   std::shared_ptr<SampleMenu> sample_ = SampleMenu::make();
+  bool isTerminating_ = false;
   std::unique_ptr<QtMenuTranslation> translation_ =
-      std::make_unique<QtMenuTranslation>(sample_->menu);
+      std::make_unique<QtMenuTranslation>(sample_->menu, [this] { return isTerminating_; });
 };
 
 constexpr int titleLine = 0;
@@ -153,6 +154,15 @@ TEST_F(QtMenuTranslationTest, AnActionMayDestroyTheTranslation) {
   const int rebuilds = sample_->rebuilds;
   QCoreApplication::processEvents();
   EXPECT_FALSE(translation_);
+  EXPECT_EQ(sample_->rebuilds, rebuilds);
+}
+
+TEST_F(QtMenuTranslationTest, AnActionThatTerminatesTheApplicationIsNotFollowedByQuestions) {
+  sample_->commandChosen = [this] { isTerminating_ = true; };
+  const int rebuilds = sample_->rebuilds;
+  entry(command).trigger();
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(isTerminating_);
   EXPECT_EQ(sample_->rebuilds, rebuilds);
 }
 

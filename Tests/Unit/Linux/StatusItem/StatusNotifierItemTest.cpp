@@ -52,7 +52,7 @@ class StatusNotifierItemTest : public ::testing::Test {
   }
 
   InstalledIcons icons_{true};
-  QtStatusBar bar_;
+  QtStatusBar bar_{[] { return false; }};
   std::unique_ptr<StatusItem> item_;
   std::optional<ShownItem> shown_;
 };

@@ -33,7 +33,7 @@ class StatusNotifierMenuTest : public ::testing::Test {
   }
 
   FakePanel panel_;
-  QtStatusBar bar_;
+  QtStatusBar bar_{[] { return false; }};
   std::shared_ptr<SampleMenu> sample_ = SampleMenu::make();
   std::unique_ptr<StatusItem> item_;
   std::unique_ptr<ShownItem> shown_;

@@ -26,7 +26,7 @@ class XEmbedItemTest : public ::testing::Test {
     return waitUntil([&tray, &colour] { return tray.hasIcon() && tray.iconColour() == colour; });
   }
 
-  QtStatusBar bar_;
+  QtStatusBar bar_{[] { return false; }};
   std::shared_ptr<SampleMenu> sample_ = SampleMenu::make();
   std::unique_ptr<StatusItem> item_;
 };
