@@ -55,6 +55,14 @@ TEST_F(AboutAlert, ClosesWithEnterAndWithEscape) {
   }
 }
 
+TEST_F(AboutAlert, IsShownOnceHoweverOftenItIsChosen) {
+  for (int choice = 0; choice < 3; ++choice) {
+    open();
+  }
+  desktop().fingers().tap(Key::Escape);
+  desktop().screen().waitUntilNoWindow("Zephlin");
+}
+
 TEST_F(AboutAlert, LetsTheKeyboardsBeWatchedWhileItIsOpen) {
   open();
   desktop().keyboards().waitUntilAllAre("0");

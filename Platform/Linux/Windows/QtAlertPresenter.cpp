@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QIcon>
-#include <QMessageBox>
 #include <QPushButton>
 
 #include "Platform/Linux/Windows/ViewRealiser.h"
@@ -37,10 +36,21 @@ void addButtons(QMessageBox& box, const Alert& alert) {
   box.setEscapeButton(last);
 }
 
+void comeToFront(QMessageBox& box) {
+  box.show();
+  box.raise();
+  box.activateWindow();
+}
+
 }  // namespace
 
 void QtAlertPresenter::runModal(const Alert& alert) {
+  if (shown_) {
+    comeToFront(*shown_);
+    return;
+  }
   QMessageBox box;
+  shown_ = &box;
   box.setObjectName(QStringLiteral("alert"));
   box.setWindowFlag(Qt::WindowStaysOnTopHint);
   box.setWindowTitle(QApplication::applicationDisplayName());
@@ -50,9 +60,7 @@ void QtAlertPresenter::runModal(const Alert& alert) {
   box.setInformativeText(QString::fromStdString(alert.informativeText));
   setIcon(box, alert.style);
   addButtons(box, alert);
-  box.show();
-  box.raise();
-  box.activateWindow();
+  comeToFront(box);
   box.exec();
 }
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QMessageBox>
+#include <QPointer>
+
 #include "Platform/Alert.h"
 
 namespace zephlin {
@@ -8,8 +11,12 @@ namespace zephlin {
 /// Main thread.
 class QtAlertPresenter final : public AlertPresenter {
  public:
-  /// Also returns when the user closes or hides the alert, and when the application quits.
+  /// Also returns when the user closes or hides the alert, and when the application quits. Where an
+  /// alert is shown already, that one comes to the front, and this returns at once.
   void runModal(const Alert& alert) override;
+
+ private:
+  QPointer<QMessageBox> shown_;
 };
 
 }  // namespace zephlin

@@ -23,13 +23,18 @@ class PlatformWithQtAlerts final : public DelegatingPlatform {
   QtAlertPresenter alerts_;
 };
 
-QMessageBox* findAlert() {
+QList<QMessageBox*> findAlerts() {
+  QList<QMessageBox*> found;
   for (QWidget* widget : QApplication::topLevelWidgets()) {
     if (widget->objectName() == "alert") {
-      return static_cast<QMessageBox*>(widget);
+      found.append(static_cast<QMessageBox*>(widget));
     }
   }
-  return nullptr;
+  return found;
+}
+
+QMessageBox* findAlert() {
+  return findAlerts().value(0);
 }
 
 class AlertTest : public testing::Test {
@@ -115,6 +120,25 @@ TEST_F(AlertTest, EnterPushesTheFirstButtonAndEscClosesWhereThereAreSeveral) {
                         .buttons = {"First", "Second"}});
     EXPECT_EQ(pushed, expected);
   }
+}
+
+TEST_F(AlertTest, IsRaisedAndNotShownTwiceWhenItIsAskedForAgain) {
+  runAbout([this](QMessageBox& box) {
+    QWidget other;
+    other.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    QTimer::singleShot(0, [&box] {
+      for (QMessageBox* shown : findAlerts()) {
+        if (shown != &box) {
+          ADD_FAILURE() << "a second alert";
+          shown->reject();
+        }
+      }
+    });
+    runAboutAlert(platform_);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&box));
+    box.accept();
+  });
 }
 
 TEST_F(AlertTest, IsGoneWhenTheApplicationQuits) {
