@@ -63,6 +63,23 @@ TEST_F(AboutAlert, IsShownOnceHoweverOftenItIsChosen) {
   desktop().screen().waitUntilNoWindow("Zephlin");
 }
 
+TEST_F(AboutAlert, LetsOtherWindowsBeUsedWhileItIsOpen) {
+  const Screen& screen = desktop().screen();
+  const auto openTapTest = [&] {
+    app_.menu().choose("Tap Test…");
+    waitUntil("the window to be in front",
+              [&] { return screen.titleOfActiveWindow() == "Tap Test"; });
+    return screen.waitForWindow("Tap Test");
+  };
+  open();
+  openTapTest();
+  desktop().fingers().tap(Key::Escape);
+  screen.waitUntilNoWindow("Tap Test");
+  screen.close(openTapTest());
+  screen.waitUntilNoWindow("Tap Test");
+  EXPECT_TRUE(screen.windowTitled("Zephlin").has_value());
+}
+
 TEST_F(AboutAlert, LetsTheKeyboardsBeWatchedWhileItIsOpen) {
   open();
   desktop().keyboards().waitUntilAllAre("0");

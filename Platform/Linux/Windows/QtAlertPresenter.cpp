@@ -52,6 +52,8 @@ void QtAlertPresenter::runModal(const Alert& alert) {
   QMessageBox box;
   shown_ = &box;
   box.setObjectName(QStringLiteral("alert"));
+  // Of a box without a parent, which blocks no window.
+  box.setWindowModality(Qt::WindowModal);
   box.setWindowFlag(Qt::WindowStaysOnTopHint);
   box.setWindowTitle(QApplication::applicationDisplayName());
   box.setTextFormat(Qt::RichText);
