@@ -39,8 +39,8 @@ class Platform {
   virtual std::unique_ptr<Updater> makeStartedUpdater() = 0;
 };
 
-/// This machine's desktop, for the process's arguments, of which it takes those that it knows. Both
-/// outlive it. One at a time. Main thread.
+/// This machine's desktop, for the process's arguments, which it may change and which outlive it.
+/// One at a time. Main thread.
 std::unique_ptr<Platform> makePlatform(int& argc, char** argv);
 
 }  // namespace zephlin
