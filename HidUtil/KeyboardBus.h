@@ -50,9 +50,9 @@ class KeyboardBus {
   virtual void start(KeyboardBusObserver& observer) = 0;
 
   /// Gives a keyboard all properties that it is to carry from now on, in place of the former ones.
-  /// Throws BusError if the keyboard cannot carry them; the former ones are then still in force,
-  /// and a set that was once accepted is accepted again. A keyboard that is gone but not yet
-  /// reported so is no error, as its properties go with it. Does not call the observer.
+  /// Throws BusError if the keyboard cannot carry them; the former ones are then still in force.
+  /// A keyboard that is gone but not yet reported so is no error, as its properties go with it.
+  /// Does not call the observer.
   virtual void applyProperties(BusHandle handle, const PropertySet& properties) = 0;
 };
 

@@ -119,7 +119,7 @@ std::string KeyboardRegistry::rollBack(const std::vector<Change>& changes, std::
     }
   }
   return stuck.empty() ? "; nothing is changed"
-                       : "; could not be undone on" + printable(stuck) + ", replug these keyboards";
+                       : "; could not be undone on" + stuck + ", replug these keyboards";
 }
 
 std::optional<KeyboardRegistry::Origin> KeyboardRegistry::origin(RegistryID registryID) const {

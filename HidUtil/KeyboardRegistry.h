@@ -52,7 +52,7 @@ class KeyboardRegistry final : public KeyboardBusObserver {
                                                std::string_view key) const;
 
   /// Sets all properties on all matching keyboards and returns these, or throws RequestError and
-  /// has changed nothing.
+  /// has changed nothing; its text names the keyboards on which that cannot be undone.
   std::vector<RegistryID> set(const Matching& matching, const PropertySet& properties);
 
   [[nodiscard]] std::optional<Origin> origin(RegistryID registryID) const;

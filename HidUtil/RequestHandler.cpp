@@ -68,7 +68,7 @@ Response RequestHandler::perform(const PullRequest& request, uid_t user) {
   }
   if (origin->bus != &virtualKeyboards_) {
     throw RequestError("keyboard " + toText(request.registryID) +
-                       " is not a virtual one; pull its plug by hand");
+                       " is not one that hidutil plug has made; unplug it by hand");
   }
   virtualKeyboards_.pull(origin->handle);
   return PullResponse{};

@@ -20,8 +20,8 @@ class RequestHandler {
   RequestHandler(KeyboardRegistry& registry, VirtualKeyboardBus& virtualKeyboards,
                  const Permissions& permissions, Log log);
 
-  /// `user` is who asks, as the system vouches for it. A request that fails has changed nothing.
-  /// A SubscribeResponse is a promise that the caller keeps, as connections are its own.
+  /// `user` is who asks, as the system vouches for it. A request that fails has changed nothing, or
+  /// says what. A SubscribeResponse is a promise that the caller keeps, as connections are its own.
   Response respond(std::string_view line, uid_t user);
 
  private:

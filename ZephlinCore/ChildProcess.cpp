@@ -97,9 +97,7 @@ void resetSignals() {
   }
   const int error = errno;
   // Nobody is left to be told should this fail; the parent then sees a child that exits with 127.
-  if (::write(launch.errorReport, &error, sizeof error) == -1) {
-    ::_exit(127);
-  }
+  [[maybe_unused]] const ssize_t count = ::write(launch.errorReport, &error, sizeof error);
   ::_exit(127);
 }
 

@@ -19,7 +19,7 @@ struct CapsLockRule {
 
   /// The time between a press and the release that was brought forward. Some compositors miss a
   /// key that is down for no time at all.
-  std::chrono::microseconds gap{5000};
+  std::chrono::microseconds gap{0};
 
   bool operator==(const CapsLockRule&) const = default;
 };

@@ -63,7 +63,7 @@ void EvdevKeyboardBus::rewrite(BusHandle handle, Entry& entry, CapsLockRule rule
   observer.emergency = [this] { letGoOfAll(); };
   // The node itself is removed when udev says so.
   observer.gone = [this, handle] { entries_.at(handle).rewritten.reset(); };
-  observer.hasTrouble = [this, path = entry.node.path](const std::string& what) {
+  observer.reportTrouble = [this, path = entry.node.path](const std::string& what) {
     log_(path + ' ' + what);
   };
   try {

@@ -77,9 +77,9 @@ void KeyboardClone::write(const std::vector<InputEvent>& events) {
 std::vector<InputEvent> KeyboardClone::takeLights() {
   std::vector<InputEvent> lights;
   std::array<input_event, 16> events;  // As many as the kernel keeps.
-  const ssize_t count = ::read(descriptor_.get(), events.data(), sizeof events);
-  for (const input_event& event :
-       std::span(events).first(std::max<ssize_t>(count, 0) / sizeof(input_event))) {
+  const ssize_t bytes = ::read(descriptor_.get(), events.data(), sizeof events);
+  const std::size_t count = bytes < 0 ? 0 : static_cast<std::size_t>(bytes) / sizeof(input_event);
+  for (const input_event& event : std::span(events).first(count)) {
     if (event.type == EV_LED) {
       lights.push_back({event.type, event.code, event.value});
     }

@@ -3,7 +3,7 @@
 namespace zephlin {
 
 /// Has the process run ahead of ordinary ones, so that keys are not late when the machine is busy.
-/// Returns whether the system allows it; all works without, too.
-bool takeRealTimePriority();
+/// All works without, too, where the system does not allow it.
+void takeRealTimePriority();
 
 }  // namespace zephlin

@@ -96,7 +96,7 @@ void RewrittenKeyboard::tryToGrab() {
       watchKeyboard_.disable();
       nextTry_.setDelay(timeBetweenTries);
       if (!std::exchange(hasReportedTrouble_, true)) {
-        observer_.hasTrouble(
+        observer_.reportTrouble(
             "is held by another program (fuser -v lists who has it open); it is taken when that "
             "lets go");
       }

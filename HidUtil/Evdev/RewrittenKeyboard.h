@@ -19,9 +19,9 @@ class RewrittenKeyboard {
  public:
   /// Each of these is the last thing that a callback of the loop does, so it may end the keyboard.
   struct Observer {
-    std::function<void()> emergency;                          ///< The chord was pressed.
-    std::function<void()> gone;                               ///< The device has gone.
-    std::function<void(const std::string& what)> hasTrouble;  ///< For the log.
+    std::function<void()> emergency;                             ///< The chord was pressed.
+    std::function<void()> gone;                                  ///< The device has gone.
+    std::function<void(const std::string& what)> reportTrouble;  ///< For the log.
   };
 
   /// Throws BusError if the device or uinput cannot be used, and std::system_error with ENODEV if

@@ -30,8 +30,7 @@ void SimulatedApplication::setDelegate(std::weak_ptr<ApplicationDelegate> delega
 
 void SimulatedApplication::run() {
   postLaunch();
-  stopped_ = false;
-  while (!stopped_ && !hasTerminated() && loop_.step()) {
+  while (!hasTerminated() && loop_.step()) {
   }
 }
 

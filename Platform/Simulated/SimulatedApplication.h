@@ -21,17 +21,14 @@ class SimulatedApplication final : public Application {
   void setMainMenu(std::shared_ptr<Menu> menu) override { mainMenu_ = std::move(menu); }
   bool handOverToRunningInstance() override { return anotherInstanceRuns; }
   void activateIgnoringOtherApps() override { ++activations_; }
-  /// Launches, then pumps the loop until the application has terminated, `stopRunning` was called
-  /// or no event is left.
+  /// Launches, then pumps the loop until the application has terminated or no event is left.
   void run() override;
   /// Is recorded and ends `run`; returns.
-  void terminate() override { ++terminations_; }
+  void terminate() override { hasTerminated_ = true; }
 
   /// Tells the delegate through the main queue that launching has finished, and works off what is
   /// due.
   void launch();
-  /// Ends `run`, as a test may wish.
-  void stopRunning() { stopped_ = true; }
 
   /// Performs the item of the main menu that has this key equivalent and is enabled, and returns
   /// its title. Absent where there is none.
@@ -49,8 +46,7 @@ class SimulatedApplication final : public Application {
   [[nodiscard]] std::optional<ActivationPolicy> activationPolicy() const { return policy_; }
   [[nodiscard]] const std::shared_ptr<Menu>& mainMenu() const { return mainMenu_; }
   [[nodiscard]] std::size_t activations() const { return activations_; }
-  [[nodiscard]] bool hasTerminated() const { return terminations_ > 0; }
-  [[nodiscard]] std::size_t terminations() const { return terminations_; }
+  [[nodiscard]] bool hasTerminated() const { return hasTerminated_; }
   /// All but Terminate.
   [[nodiscard]] const std::vector<ResponderAction>& responderActions() const {
     return responderActions_;
@@ -64,9 +60,8 @@ class SimulatedApplication final : public Application {
   std::optional<ActivationPolicy> policy_;
   std::shared_ptr<Menu> mainMenu_;
   std::size_t activations_ = 0;
-  std::size_t terminations_ = 0;
+  bool hasTerminated_ = false;
   std::vector<ResponderAction> responderActions_;
-  bool stopped_ = false;
 };
 
 }  // namespace zephlin

@@ -73,7 +73,6 @@ class SimulatedHidutil {
   void failSets(HidutilFault::Kind fault, std::optional<int> times = std::nullopt);
   void failGets(HidutilFault::Kind fault, std::optional<int> times = std::nullopt);
   void clearFaults();
-  [[nodiscard]] bool hasFaults() const { return setFault_ || getFault_; }
 
   /// All runs, in the order in which they started.
   [[nodiscard]] const std::vector<HidutilCall>& calls() const { return calls_; }

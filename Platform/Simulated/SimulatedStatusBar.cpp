@@ -43,7 +43,7 @@ std::unique_ptr<StatusItem> SimulatedStatusBar::makeStatusItem(double length) {
 
 std::optional<SymbolImage> SimulatedStatusBar::systemSymbol(
     const std::string& name, const std::string& accessibilityDescription) {
-  if (!symbolsAvailable_ || missingSymbols_.contains(name)) {
+  if (missingSymbols_.contains(name)) {
     return std::nullopt;
   }
   return SymbolImage{name, accessibilityDescription, false};
@@ -77,7 +77,6 @@ bool SimulatedStatusBar::openMenu() {
     delegate->menuNeedsUpdate(*menu);
   }
   tracking_.menuIsOpen = true;
-  ++menuOpenings_;
   return true;
 }
 

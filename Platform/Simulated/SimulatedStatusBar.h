@@ -38,7 +38,6 @@ class SimulatedStatusBar final : public StatusBar {
   /// Items made from now on have a button, or have none.
   void setButtonsAvailable(bool available) { buttonsAvailable_ = available; }
   /// No symbol is found any more, or all are again.
-  void setSymbolsAvailable(bool available) { symbolsAvailable_ = available; }
   void removeSymbol(const std::string& name) { missingSymbols_.insert(name); }
 
   /// The items that are shown, in the order in which they were made.
@@ -61,16 +60,13 @@ class SimulatedStatusBar final : public StatusBar {
   [[nodiscard]] std::shared_ptr<MenuItem> menuItem(const std::string& title) const;
   /// The title of the second entry; empty where there is none.
   [[nodiscard]] std::string statusLine() const;
-  [[nodiscard]] std::size_t menuOpenings() const { return menuOpenings_; }
 
  private:
   SimulatedApplication& application_;
   SimulatedTracking& tracking_;
   bool buttonsAvailable_ = true;
-  bool symbolsAvailable_ = true;
   std::set<std::string> missingSymbols_;
   std::vector<std::weak_ptr<const SimulatedStatusItemState>> items_;
-  std::size_t menuOpenings_ = 0;
 };
 
 }  // namespace zephlin

@@ -132,7 +132,6 @@ void VirtualLoop::runUntil(VirtualTicks time) {
 void VirtualLoop::run(Events::iterator event) {
   const Events::node_type node = events_.extract(event);
   now_ = std::max(now_, node.key().deadline);
-  ++eventsRun_;
   node.mapped().work();
   finishTurn();
 }

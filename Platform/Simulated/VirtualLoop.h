@@ -62,7 +62,6 @@ class VirtualLoop {
   void runUntilIdleNow() { runUntil(now_); }
   [[nodiscard]] std::optional<VirtualTicks> nextDeadline() const;
   [[nodiscard]] std::size_t pendingEvents() const { return events_.size(); }
-  [[nodiscard]] std::uint64_t eventsRun() const { return eventsRun_; }
 
   /// Called on the main thread after each event and at the end of each pumping.
   void addTurnObserver(std::function<void()> observer) {
@@ -95,7 +94,6 @@ class VirtualLoop {
   /// Up to which time a background thread may let time pass by itself, if nothing is due before.
   VirtualTicks horizon_ = 0;
   std::uint64_t nextSequence_ = 0;
-  std::uint64_t eventsRun_ = 0;
   Events events_;
   std::vector<std::unique_ptr<Background>> backgrounds_;
   Background* current_ = nullptr;

@@ -81,7 +81,7 @@ TEST_F(RequestHandlerTest, PlugsAndPulls) {
 
 TEST_F(RequestHandlerTest, PullsOnlyVirtualKeyboards) {
   EXPECT_EQ(respond(R"({"request":"pull","registryID":"100000003"})", root),
-            error("keyboard 100000003 is not a virtual one; pull its plug by hand"));
+            error("keyboard 100000003 is not one that hidutil plug has made; unplug it by hand"));
   EXPECT_EQ(registry.size(), 3U);
 }
 

@@ -147,7 +147,7 @@ class Scenario {
     }
   }
 
-  CapsLockRewriter rewriter_{CapsLockRule{}};
+  CapsLockRewriter rewriter_{CapsLockRule{milliseconds(0), milliseconds(5)}};
   milliseconds now_{0};
   std::string text_;
 };
