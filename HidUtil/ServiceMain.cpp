@@ -34,13 +34,13 @@ enum ExitStatus : int { Done = 0, Failed = 1, WrongUsage = 64 };
 
 void log(const std::string& text) {
   // Whoever reads it may have stopped; the keyboards must not stop with him.
-  static int patienceMilliseconds = 100;
+  constexpr int patienceMilliseconds = 100;
+  static bool hasStopped = false;
   pollfd standardError{STDERR_FILENO, POLLOUT, 0};
-  if (::poll(&standardError, 1, patienceMilliseconds) == 0) {
-    patienceMilliseconds = 0;
+  hasStopped = ::poll(&standardError, 1, hasStopped ? 0 : patienceMilliseconds) == 0;
+  if (hasStopped) {
     return;
   }
-  patienceMilliseconds = 100;
   // One write for the whole line, so that it stays whole among other programs' lines.
   const std::string line = "zephlin-hidd: " + text + '\n';
   std::fwrite(line.data(), 1, line.size(), stderr);
