@@ -4,7 +4,7 @@ namespace zephlin {
 
 AllSignalsBlocked::AllSignalsBlocked() noexcept : previous_() {
   sigset_t all;
-  ::sigfillset(&all);
+  sigfillset(&all);
   ::pthread_sigmask(SIG_SETMASK, &all, &previous_);
 }
 

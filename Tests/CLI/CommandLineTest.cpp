@@ -395,8 +395,8 @@ TEST_F(CommandLineTest, HidutilInheritsNoMoreThanItShould) {
   const Outcome result = zephlin({"status"});
   EXPECT_EQ(result.errors,
             "status failed: hidutil exited with status 1: descriptors: 0 1 2\n"
-            "SigBlk:\t0000000000000000\n"
-            "SigIgn:\t0000000000000000\n"
+            "blocked:\n"
+            "ignored:\n"
             "directory: /usr\n"
             "marker: a value\n"
             "input: \n\n");

@@ -170,30 +170,4 @@ Outcome run(const std::vector<std::string>& command) {
   return TestProcess(command).wait();
 }
 
-std::string inNewProcess(const std::function<std::string()>& work) {
-  Pipe pipe = makePipe();
-  // Far from the descriptors that `work` may close or count.
-  FileDescriptor report(::fcntl(pipe.writeEnd.get(), F_DUPFD_CLOEXEC, 200));
-  pipe.writeEnd.close();
-  TestProcess process([&] {
-    std::string text;
-    try {
-      text = work();
-    } catch (const std::exception& error) {
-      text = std::string("exception: ") + error.what();
-    }
-    if (::write(report.get(), text.data(), text.size()) == -1) {
-      throw failure("write");
-    }
-  });
-  report.close();
-  std::string text;
-  std::array<char, 4096> chunk;
-  for (ssize_t count = 0; (count = ::read(pipe.readEnd.get(), chunk.data(), chunk.size())) > 0;) {
-    text.append(chunk.data(), static_cast<std::size_t>(count));
-  }
-  process.wait();
-  return text;
-}
-
 }  // namespace zephlin::test

@@ -24,8 +24,7 @@ struct Outcome {
 void PrintTo(const Outcome& outcome, std::ostream* stream);
 
 /// A child process with an empty standard input and pipes for its standard output and error. It is
-/// killed if it still runs at
-/// the end. Waiting throws std::runtime_error after a minute.
+/// killed if it still runs at the end. Waiting throws std::runtime_error after a minute.
 class TestProcess {
  public:
   /// Runs in the child. What it throws ends the child with status 125 and the text on its standard
@@ -74,9 +73,5 @@ class TestProcess {
 
 /// Runs a program to its end.
 Outcome run(const std::vector<std::string>& command);
-
-/// Runs `work` in a child, so that it can spoil its descriptors, signals and limits as it likes,
-/// and returns the text that it returns there. An exception is returned as its text.
-std::string inNewProcess(const std::function<std::string()>& work);
 
 }  // namespace zephlin::test

@@ -20,7 +20,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/prctl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -79,10 +79,10 @@ void leaveGrandchild() {
 
 std::string openDescriptors() {
   std::vector<int> numbers;
-  DIR* const directory = ::opendir("/proc/self/fd");
+  DIR* const directory = ::opendir("/dev/fd");
   while (const dirent* entry = ::readdir(directory)) {
     const int number = std::atoi(entry->d_name);
-    if (entry->d_name[0] != '.' && number != ::dirfd(directory)) {
+    if (entry->d_name[0] != '.' && number != dirfd(directory)) {
       numbers.push_back(number);
     }
   }
@@ -95,14 +95,23 @@ std::string openDescriptors() {
   return text;
 }
 
+void describeSignals() {
+  sigset_t mask;
+  ::sigprocmask(SIG_SETMASK, nullptr, &mask);
+  std::string blocked = "blocked:";
+  std::string ignored = "ignored:";
+  for (int signal = 1; signal < NSIG; ++signal) {
+    struct sigaction action {};
+    ::sigaction(signal, nullptr, &action);
+    blocked += sigismember(&mask, signal) == 1 ? " " + std::to_string(signal) : "";
+    ignored += action.sa_handler == SIG_IGN ? " " + std::to_string(signal) : "";
+  }
+  print(blocked + "\n" + ignored + "\n");
+}
+
 void describe() {
   print("descriptors:" + openDescriptors() + "\n");
-  std::ifstream status("/proc/self/status");
-  for (std::string line; std::getline(status, line);) {
-    if (line.starts_with("SigBlk") || line.starts_with("SigIgn")) {
-      print(line + "\n");
-    }
-  }
+  describeSignals();
   char directory[4096];
   print(std::string("directory: ") + ::getcwd(directory, sizeof directory) + "\n");
   const char* const marker = std::getenv("TEST_MARKER");
@@ -182,7 +191,8 @@ int main(int argc, char* argv[]) {
   }
   if (mode == "die-by") {
     print(word(words, 2));
-    ::prctl(PR_SET_DUMPABLE, 0);  // No core file.
+    const rlimit tooSmall{1, 1};
+    ::setrlimit(RLIMIT_CORE, &tooSmall);  // No core file.
     ::kill(::getpid(), std::atoi(word(words, 1).c_str()));
     hang();
   }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "Platform/Linux/Session/LinuxSystemLog.h"
+#include "Tests/Support/InNewProcess.h"
 #include "Tests/Support/TestProcess.h"
 
 namespace {
