@@ -1,53 +1,48 @@
 #include "ZephlinCore/ChildProcess.h"
 
-#include <dirent.h>
-#include <fcntl.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <charconv>
-#include <chrono>
 #include <csignal>
-#include <cstring>
-#include <memory>
 #include <system_error>
-#include <thread>
 #include <utility>
 #include <vector>
 
-#include "ZephlinCore/SignalMask.h"
+#include "ZephlinCore/CloseOnExec.h"
+
+extern char** environ;  // macOS declares it nowhere.
 
 namespace zephlin {
 
 namespace {
 
-/// Room for descriptors that other threads open between the count and the fork.
-constexpr int descriptorReserve = 128;
-/// Taken where the system does not list a process's descriptors (no /proc in a bare chroot).
-constexpr int assumedDescriptorLimit = 65536;
+void require(int error, const char* what) {
+  if (error != 0) {
+    throw std::system_error(error, std::generic_category(), what);
+  }
+}
 
-struct DirectoryCloser {
-  void operator()(DIR* directory) const noexcept { ::closedir(directory); }
+/// Owns posix_spawn's file actions.
+struct FileActions {
+  FileActions() : value() { require(::posix_spawn_file_actions_init(&value), "posix_spawn"); }
+  FileActions(const FileActions&) = delete;
+  FileActions& operator=(const FileActions&) = delete;
+  ~FileActions() { ::posix_spawn_file_actions_destroy(&value); }
+
+  posix_spawn_file_actions_t value;
 };
 
-/// A number above every open descriptor. Descriptors are handed out lowest first, so this is small
-/// even where the process may open a thousand million of them.
-int descriptorLimit() {
-  const std::unique_ptr<DIR, DirectoryCloser> directory(::opendir("/dev/fd"));
-  if (!directory) {
-    return assumedDescriptorLimit;
-  }
-  int highest = 0;
-  while (const dirent* entry = ::readdir(directory.get())) {
-    int descriptor = 0;
-    const char* const end = entry->d_name + std::strlen(entry->d_name);
-    std::from_chars(entry->d_name, end, descriptor);
-    highest = std::max(highest, descriptor);
-  }
-  return highest + descriptorReserve;
-}
+/// Owns posix_spawn's attributes.
+struct Attributes {
+  Attributes() : value() { require(::posix_spawnattr_init(&value), "posix_spawn"); }
+  Attributes(const Attributes&) = delete;
+  Attributes& operator=(const Attributes&) = delete;
+  ~Attributes() { ::posix_spawnattr_destroy(&value); }
+
+  posix_spawnattr_t value;
+};
 
 /// A process that ignores SIGCHLD, or asked for no zombies, has its children reaped by the system,
 /// and their statuses are lost.
@@ -65,62 +60,38 @@ void keepChildStatuses() {
   ::sigaction(SIGCHLD, &action, nullptr);
 }
 
-/// All that the child needs, made before the fork: behind it, in a process that has threads, only
-/// async-signal-safe functions may be called (POSIX, fork).
-struct Launch {
-  const char* executable;
-  char* const* arguments;
-  int output;
-  int errorReport;
-  int descriptorLimit;
-};
-
-void resetSignals() {
-  struct sigaction action {};
-  action.sa_handler = SIG_DFL;
-  for (int signal = 1; signal < NSIG; ++signal) {
-    ::sigaction(signal, &action, nullptr);  // Fails for those that cannot be caught anyway.
-  }
-  sigset_t none;
-  ::sigemptyset(&none);
-  ::sigprocmask(SIG_SETMASK, &none, nullptr);
-}
-
-/// The child's side of the fork. Every signal is blocked when it begins.
-[[noreturn]] void becomeExecutable(const Launch& launch) {
-  if (::dup2(launch.output, STDOUT_FILENO) != -1 && ::dup2(launch.output, STDERR_FILENO) != -1) {
-    for (int descriptor = STDERR_FILENO + 1; descriptor < launch.descriptorLimit; ++descriptor) {
-      ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
-    }
-    resetSignals();
-    ::execv(launch.executable, launch.arguments);
-  }
-  const int error = errno;
-  // Nobody is left to be told should this fail; the parent then sees a child that exits with 127.
-  [[maybe_unused]] const ssize_t count = ::write(launch.errorReport, &error, sizeof error);
-  ::_exit(127);
-}
-
-/// Waits until the child has become its executable, which closes the pipe; returns the error number
-/// of a failure, or 0.
-int readErrorReport(const FileDescriptor& report) {
-  int error = 0;
-  while (::read(report.get(), &error, sizeof error) == -1 && errno == EINTR) {
-  }
-  return error;
+/// Default dispositions and an empty mask.
+void resetSignals(posix_spawnattr_t& attributes) {
+  sigset_t signals;
+  sigfillset(&signals);
+  require(::posix_spawnattr_setsigdefault(&attributes, &signals), "posix_spawn");
+  sigemptyset(&signals);
+  require(::posix_spawnattr_setsigmask(&attributes, &signals), "posix_spawn");
+  require(::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK),
+          "posix_spawn");
 }
 
 std::vector<char*> argumentVector(const std::string& executable,
                                   std::span<const std::string> arguments) {
   std::vector<char*> vector;
   vector.reserve(arguments.size() + 2);
-  // execv promises not to write to the strings; its type is older than const.
+  // posix_spawn promises not to write to the strings; its type is older than const.
   vector.push_back(const_cast<char*>(executable.c_str()));
   for (const std::string& argument : arguments) {
     vector.push_back(const_cast<char*>(argument.c_str()));
   }
   vector.push_back(nullptr);
   return vector;
+}
+
+/// Reaps a child. Returns an error number or 0.
+int waitFor(pid_t process, int& status) {
+  while (::waitpid(process, &status, 0) == -1) {
+    if (errno != EINTR) {
+      return errno;
+    }
+  }
+  return 0;
 }
 
 /// macOS reports a stopped child too, though only ended ones are asked for.
@@ -133,35 +104,29 @@ bool hasEnded(const siginfo_t& info) {
 ChildProcess::ChildProcess(const std::string& executable, std::span<const std::string> arguments,
                            const FileDescriptor& output) {
   keepChildStatuses();
-  Pipe report = makePipe();
+  FileActions actions;
+  for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
+    require(::posix_spawn_file_actions_adddup2(&actions.value, output.get(), stream),
+            "posix_spawn");
+  }
+  Attributes attributes;
+  resetSignals(attributes.value);
+  require(inheritStandardDescriptorsOnly(actions.value, attributes.value), "posix_spawn");
   const std::vector<char*> vector = argumentVector(executable, arguments);
-  const Launch launch{executable.c_str(), vector.data(), output.get(), report.writeEnd.get(),
-                      descriptorLimit()};
-  {
-    // A handler of this process must not run in the child before the dispositions are reset.
-    const AllSignalsBlocked blocked;
-    processIdentifier_ = ::fork();
-    if (processIdentifier_ == 0) {
-      becomeExecutable(launch);
-    }
-  }
-  if (processIdentifier_ == -1) {
-    throw std::system_error(errno, std::generic_category(), executable);
-  }
-  report.writeEnd.close();
-  if (const int error = readErrorReport(report.readEnd)) {
-    reap();
-    throw std::system_error(error, std::generic_category(), executable);
-  }
+  require(::posix_spawn(&processIdentifier_, executable.c_str(), &actions.value, &attributes.value,
+                        vector.data(), environ),
+          executable.c_str());
 }
 
 ChildProcess::~ChildProcess() {
   if (processIdentifier_ == -1) {
     return;
   }
-  kill();
-  while (::waitpid(processIdentifier_, nullptr, 0) == -1 && errno == EINTR) {
+  if (isRunning()) {  // The number is a stranger's once somebody else has reaped the child.
+    kill();
   }
+  int status = 0;
+  waitFor(processIdentifier_, status);
 }
 
 bool ChildProcess::isRunning() const {
@@ -177,23 +142,15 @@ void ChildProcess::kill() const {
 
 void ChildProcess::waitUntilExit() const {
   siginfo_t info{};
-  while (!hasEnded(info)) {
-    if (::waitid(P_PID, static_cast<id_t>(processIdentifier_), &info, WEXITED | WNOWAIT) == -1 &&
-        errno != EINTR) {
-      throw std::system_error(errno, std::generic_category(), "waitid");
-    }
+  while (::waitid(P_PID, static_cast<id_t>(processIdentifier_), &info, WEXITED | WNOWAIT) == 0
+             ? !hasEnded(info)
+             : errno == EINTR) {
   }
 }
 
 std::int32_t ChildProcess::reap() {
   int status = 0;
-  while (::waitpid(processIdentifier_, &status, 0) == -1) {
-    if (errno != EINTR) {
-      processIdentifier_ = -1;
-      throw std::system_error(errno, std::generic_category(), "waitpid");
-    }
-  }
-  processIdentifier_ = -1;
+  require(waitFor(std::exchange(processIdentifier_, -1), status), "waitpid");
   return WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status);
 }
 

@@ -10,7 +10,8 @@
 
 namespace zephlin {
 
-/// Owns one running child process. Destroying it kills and reaps a child that was not reaped.
+/// Owns one running child process. Destroying it kills and reaps a child that was not reaped, be it
+/// by `reap` or by other code of the process.
 ///
 /// The process identifier is the child's for as long as it is unreaped, so `isRunning` and `kill`
 /// may be called from any thread until `reap` is; the owner sees to that order.
@@ -26,11 +27,11 @@ class ChildProcess {
 
   [[nodiscard]] bool isRunning() const;
   void kill() const;
-  /// Blocks until the child has ended and leaves it to be reaped. Throws std::system_error when
-  /// somebody else has reaped it.
+  /// Blocks until the child has ended, and leaves it to be reaped.
   void waitUntilExit() const;
   /// Blocks until the child has ended, and takes its termination status: the exit status, or the
-  /// number of the signal that ended it. Called once. Throws as `waitUntilExit` does.
+  /// number of the signal that ended it. Called once. Throws std::system_error when other code of
+  /// the process has reaped it.
   std::int32_t reap();
 
  private:

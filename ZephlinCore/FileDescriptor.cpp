@@ -8,18 +8,17 @@
 #include <system_error>
 #include <utility>
 
+#include "ZephlinCore/CloseOnExec.h"
+
 namespace zephlin {
 
 namespace {
 
-/// The first descriptor that is no standard stream.
+/// The first descriptor that is not a standard stream.
 constexpr int firstOrdinaryDescriptor = 3;
 
-FileDescriptor withoutExec(FileDescriptor descriptor) {
+FileDescriptor ordinary(FileDescriptor descriptor) {
   if (descriptor.get() >= firstOrdinaryDescriptor) {
-    if (::fcntl(descriptor.get(), F_SETFD, FD_CLOEXEC) == -1) {
-      throw std::system_error(errno, std::generic_category(), "fcntl");
-    }
     return descriptor;
   }
   FileDescriptor moved(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, firstOrdinaryDescriptor));
@@ -54,12 +53,12 @@ void FileDescriptor::close() noexcept {
 
 Pipe makePipe() {
   std::array<int, 2> ends{};
-  if (::pipe(ends.data()) == -1) {
+  if (openCloseOnExecPipe(ends.data()) == -1) {
     throw std::system_error(errno, std::generic_category(), "pipe");
   }
   FileDescriptor readEnd(ends[0]);
   FileDescriptor writeEnd(ends[1]);
-  return {withoutExec(std::move(readEnd)), withoutExec(std::move(writeEnd))};
+  return {ordinary(std::move(readEnd)), ordinary(std::move(writeEnd))};
 }
 
 }  // namespace zephlin
