@@ -1,6 +1,7 @@
 #include "StandIns/Actions.h"
 #include "StandIns/CallLog.h"
-#import "Support/MacTest.h"
+#import "Support/Mac.h"
+#import "Support/StandInMac.h"
 
 namespace zephlin::test {
 namespace {
@@ -15,7 +16,7 @@ class AlertTest : public MacTest {
 
 TEST_F(AlertTest, TheAlertShowsItsTextsAndItsButtonAndGoesWhenThatIsClicked) {
   Calls texts;
-  whenModal([&] {
+  mac::whenModal([&] {
     texts = labelTexts([[NSApp modalWindow] contentView]);
     clickInModalWindow("OK");
   });
@@ -34,7 +35,7 @@ TEST_F(AlertTest, TimersAndTheMainQueueGoOnWhileTheAlertIsModalAndTheKeyboardWai
   const auto input = platform().hidDevices().openInput(
       {.deviceUsagePage = 1, .deviceUsage = 6, .usagePage = 7, .usage = 57},
       [&](std::int64_t) { ++values; });
-  whenModal([&] {
+  mac::whenModal([&] {
     standins::reportKey(7, 57, 1);
     platform().dispatch().mainQueue().post([&] { posted = true; });
   });

@@ -17,7 +17,7 @@ std::string contents(const std::string& path) {
 
 TEST(EndToEndTest, ThePreviewOfTheWholeProgramWritesItsPictureAndExits) {
   const TemporaryDirectory folder;
-  TestProcess program({ZEPHLIN_ON_STAND_INS}, [&folder] {
+  TestProcess program({ZEPHLIN_WITH_FAKE_HIDUTIL}, [&folder] {
     ::setenv("ZEPHLIN_PREVIEW", "taptest", 1);
     ::setenv("ZEPHLIN_PREVIEW_OUT", folder.file("preview.png").c_str(), 1);
   });
@@ -27,7 +27,7 @@ TEST(EndToEndTest, ThePreviewOfTheWholeProgramWritesItsPictureAndExits) {
 
 TEST(EndToEndTest, ThePreviewToAPlaceThatCannotBeWrittenExitsAllTheSame) {
   const TemporaryDirectory folder;
-  TestProcess program({ZEPHLIN_ON_STAND_INS}, [&folder] {
+  TestProcess program({ZEPHLIN_WITH_FAKE_HIDUTIL}, [&folder] {
     ::setenv("ZEPHLIN_PREVIEW", "taptest", 1);
     ::setenv("ZEPHLIN_PREVIEW_OUT", folder.file("missing/preview.png").c_str(), 1);
   });
@@ -35,7 +35,7 @@ TEST(EndToEndTest, ThePreviewToAPlaceThatCannotBeWrittenExitsAllTheSame) {
 }
 
 TEST(EndToEndTest, ACommandRunsWithoutTheApplication) {
-  TestProcess program({ZEPHLIN_ON_STAND_INS, "apply"}, [] { ::unsetenv("DISPLAY"); });
+  TestProcess program({ZEPHLIN_WITH_FAKE_HIDUTIL, "apply"}, [] { ::unsetenv("DISPLAY"); });
   const Outcome outcome = program.wait();
   EXPECT_EQ(outcome.status, 0) << outcome.errors;
   EXPECT_EQ(outcome.output,

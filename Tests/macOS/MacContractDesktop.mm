@@ -3,16 +3,14 @@
 #include <chrono>
 #include <thread>
 
-#include "StandIns/Actions.h"
-#import "StandIns/AppKit/ModalAlert.h"
-#import "StandIns/AppKit/StatusMenu.h"
-#include "StandIns/Knobs.h"
+#import "Support/Mac.h"
 #import "Support/MacTest.h"
 #include "Tests/Contract/ContractDesktop.h"
 
 namespace zephlin::contract {
 namespace {
 
+namespace mac = test::mac;
 using test::clickButton;
 using test::labelTexts;
 using test::windowTitled;
@@ -20,8 +18,7 @@ using test::windowTitled;
 class MacContractDesktop final : public ContractDesktop {
  public:
   MacContractDesktop() {
-    standins::knobs() = {};
-    standins::knobs().terminateReturns = true;
+    mac::reset();
     restartPlatform();
   }
 
@@ -53,29 +50,25 @@ class MacContractDesktop final : public ContractDesktop {
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
   }
 
-  void plugKeyboard() override { standins::attachDevice(); }
-  void sleepAndWake() override { standins::wake(); }
-  void pressCapsLock() override {
-    standins::knobs().modifierFlags ^= modifierCapsLock;
-    standins::reportKey(7, 57, 1);
-    standins::postEvent(12, standins::knobs().modifierFlags);
-  }
-  void releaseCapsLock() override { standins::reportKey(7, 57, 0); }
+  void plugKeyboard() override { mac::plugKeyboard(); }
+  void sleepAndWake() override { test::wakeFromSleep(); }
+  void pressCapsLock() override { mac::pressCapsLock(); }
+  void releaseCapsLock() override { mac::releaseCapsLock(); }
 
-  bool openMenu() override { return standins::openStatusMenu() != nil; }
+  bool openMenu() override { return test::openStatusMenu() != nil; }
   std::vector<ShownMenuItem> menuItems() override;
   bool chooseMenuItem(const std::string& title) override;
   void closeMenu() override {}
   std::string statusToolTip() override {
-    NSString* const text = [[standins::shownStatusItem() button] toolTip];
+    NSString* const text = [[mac::shownStatusItem() button] toolTip];
     return text == nil ? "" : [text UTF8String];
   }
-  bool isStatusImageShown() override { return [[standins::shownStatusItem() button] image] != nil; }
+  bool isStatusImageShown() override { return [[mac::shownStatusItem() button] image] != nil; }
 
   std::vector<ShownAlert> alerts() override;
   void dismissAlert() override {
     clickButton([[NSApp modalWindow] contentView], alerts().at(0).buttons.at(0));
-    standins::wakeEventLoop();
+    mac::wakeEventLoop();
   }
   bool isWindowShown() override { return [windowTitled(windowTitle) isVisible]; }
   std::vector<std::string> windowTexts() override { return labelTexts(content()); }
@@ -90,11 +83,8 @@ class MacContractDesktop final : public ContractDesktop {
     [[NSUserDefaults standardUserDefaults]
         removePersistentDomainForName:[[NSProcessInfo processInfo] processName]];
   }
-  void switchLoginItemOff() override {
-    standins::knobs().registrationNeedsApproval = true;
-    standins::knobs().loginStatus = static_cast<int>(LoginServiceStatus::RequiresApproval);
-  }
-  void makeLoginItemsFail() override { standins::knobs().loginError = "not permitted"; }
+  void switchLoginItemOff() override { mac::switchLoginItemOff(); }
+  void makeLoginItemsFail() override { mac::makeLoginItemsFail(); }
 
  private:
   static constexpr double patience = 30;
@@ -103,7 +93,7 @@ class MacContractDesktop final : public ContractDesktop {
   static void takeTurn() {
     const AutoreleasePool pool;
     NSString* const mode =
-        standins::modalAlert() == nil ? NSDefaultRunLoopMode : NSModalPanelRunLoopMode;
+        mac::modalAlert() == nil ? NSDefaultRunLoopMode : NSModalPanelRunLoopMode;
     [[NSRunLoop mainRunLoop] runMode:mode beforeDate:[NSDate dateWithTimeIntervalSinceNow:0.005]];
   }
 
@@ -112,7 +102,7 @@ class MacContractDesktop final : public ContractDesktop {
 
 std::vector<ShownMenuItem> MacContractDesktop::menuItems() {
   std::vector<ShownMenuItem> shown;
-  for (NSMenuItem* item in [[standins::shownStatusItem() menu] itemArray]) {
+  for (NSMenuItem* item in [[mac::shownStatusItem() menu] itemArray]) {
     const bool isSeparator = [item isSeparatorItem];
     shown.push_back({isSeparator ? "" : [[item title] UTF8String], isSeparator,
                      isSeparator || [item isEnabled], [item state] == NSControlStateValueOn});
@@ -121,7 +111,7 @@ std::vector<ShownMenuItem> MacContractDesktop::menuItems() {
 }
 
 bool MacContractDesktop::chooseMenuItem(const std::string& title) {
-  NSMenu* const menu = [standins::shownStatusItem() menu];
+  NSMenu* const menu = [mac::shownStatusItem() menu];
   const NSInteger index = [menu indexOfItemWithTitle:[NSString stringWithUTF8String:title.c_str()]];
   if (index < 0 || ![[menu itemAtIndex:index] isEnabled]) {
     return false;
@@ -131,7 +121,7 @@ bool MacContractDesktop::chooseMenuItem(const std::string& title) {
 }
 
 std::vector<ShownAlert> MacContractDesktop::alerts() {
-  NSAlert* const alert = standins::modalAlert();
+  NSAlert* const alert = mac::modalAlert();
   if (alert == nil) {
     return {};
   }

@@ -3,7 +3,7 @@
 #include "StandIns/Actions.h"
 #include "StandIns/CallLog.h"
 #include "StandIns/Knobs.h"
-#import "Support/MacTest.h"
+#import "Support/StandInMac.h"
 #include "Support/Throwing.h"
 
 namespace zephlin::test {
@@ -73,13 +73,13 @@ TEST_F(ServicesTest, WakingIsObservedAtTheWorkspacesCentreUntilTheObservationGoe
   EXPECT_EQ(standins::calls({"NSWorkspace"}),
             Calls{"NSWorkspace addObserverForName:NSWorkspaceDidWakeNotification object:any "
                   "queue:main"});
-  standins::wake();
+  wakeFromSleep();
   EXPECT_EQ(wakes, 1);
   [[NSNotificationCenter defaultCenter] postNotificationName:NSWorkspaceDidWakeNotification
                                                       object:nil];
   EXPECT_EQ(wakes, 1) << "the default centre is another one";
   observation.reset();
-  standins::wake();
+  wakeFromSleep();
   EXPECT_EQ(wakes, 1);
 }
 
@@ -90,8 +90,8 @@ TEST_F(ServicesTest, AWakeObservationMayBeDestroyedByItsOwnCall) {
     observation.reset();
     ++wakes;
   });
-  standins::wake();
-  standins::wake();
+  wakeFromSleep();
+  wakeFromSleep();
   EXPECT_EQ(wakes, 1);
 }
 

@@ -2,7 +2,7 @@
 #import "StandIns/AppKit/SymbolImage.h"
 #include "StandIns/CallLog.h"
 #include "StandIns/Knobs.h"
-#import "Support/MacTest.h"
+#import "Support/StandInMac.h"
 
 namespace zephlin::test {
 namespace {
@@ -96,8 +96,8 @@ TEST_F(StatusItemTest, TheMenuIsAttachedEmptyWithItsDelegateAndWithoutEnablingIt
 
 TEST_F(StatusItemTest, EachOpeningRebuildsTheMenu) {
   const auto delegate = attachMenu();
-  standins::openStatusMenu();
-  NSMenu* const menu = standins::openStatusMenu();
+  openStatusMenu();
+  NSMenu* const menu = openStatusMenu();
   ASSERT_EQ([menu numberOfItems], 4);
   EXPECT_FALSE([[menu itemAtIndex:0] isEnabled]);
   EXPECT_TRUE([[menu itemAtIndex:0] target] == nil);
@@ -112,7 +112,7 @@ TEST_F(StatusItemTest, EachOpeningRebuildsTheMenu) {
 
 TEST_F(StatusItemTest, AnActionIsPerformedAlsoWhenItRebuildsTheMenu) {
   const auto delegate = attachMenu();
-  NSMenu* const menu = standins::openStatusMenu();
+  NSMenu* const menu = openStatusMenu();
   delegate->toggled->action = [] {};
   [menu performActionForItemAtIndex:2];
   EXPECT_EQ(delegate->actions, 1);
@@ -120,7 +120,7 @@ TEST_F(StatusItemTest, AnActionIsPerformedAlsoWhenItRebuildsTheMenu) {
 
 TEST_F(StatusItemTest, ATitleChangesInTheOpenMenu) {
   const auto delegate = attachMenu();
-  NSMenu* const menu = standins::openStatusMenu();
+  NSMenu* const menu = openStatusMenu();
   ASSERT_TRUE(delegate->toggled->titleDidChange);
   delegate->toggled->setTitle("Changed…");
   EXPECT_STREQ([[[menu itemAtIndex:2] title] UTF8String], "Changed…");
@@ -128,9 +128,9 @@ TEST_F(StatusItemTest, ATitleChangesInTheOpenMenu) {
 
 TEST_F(StatusItemTest, AMenuWhoseDelegateHasGoneStaysAsItIs) {
   auto delegate = attachMenu();
-  standins::openStatusMenu();
+  openStatusMenu();
   delegate.reset();
-  EXPECT_EQ([standins::openStatusMenu() numberOfItems], 4);
+  EXPECT_EQ([openStatusMenu() numberOfItems], 4);
 }
 
 TEST_F(StatusItemTest, NothingOfTheMenuOutlivesTheItem) {
@@ -140,8 +140,8 @@ TEST_F(StatusItemTest, NothingOfTheMenuOutlivesTheItem) {
     const AutoreleasePool pool;
     item_ = platform().systemStatusBar().makeStatusItem(squareStatusItemLength);
     const auto delegate = attachMenu();
-    standins::openStatusMenu();
-    standins::openStatusMenu();
+    openStatusMenu();
+    openStatusMenu();
     item_.reset();
   }
   EXPECT_EQ(liveObjectsOf("NSMenu"), menus);

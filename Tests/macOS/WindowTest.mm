@@ -2,6 +2,7 @@
 
 #include "StandIns/CallLog.h"
 #include "StandIns/Knobs.h"
+#import "Support/StandInMac.h"
 
 namespace zephlin::test {
 namespace {

@@ -25,8 +25,6 @@ void reportKey(int usagePage, int usage, long value);
 /// An event of this type, with these flags, passes the event taps that want it. The notices about a
 /// tap itself come without an event, and to every tap.
 void postEvent(std::uint32_t type, std::uint64_t flags);
-/// The machine wakes from sleep.
-void wake();
 /// Fires each timer of the main run loop that has this interval.
 void fireTimers(double interval);
 /// Does the work on the event loop once the application that runs next has launched.

@@ -7,7 +7,7 @@
 
 namespace zephlin::test {
 
-/// The whole application on a Mac where time stands still, from its launch to its end.
+/// The whole application on a Mac, from its launch to its end.
 class ApplicationTest : public MacTest {
  protected:
   /// Launches the application, does the script on its event loop, and returns when it has
@@ -22,6 +22,8 @@ class ApplicationTest : public MacTest {
   static std::string statusLine();
   static std::string symbolName();
   static std::string toolTip();
+  /// Chooses the tap test from the menu.
+  static void openTapTest();
   /// The tap test's window, or nil.
   static NSWindow* tapTestWindow();
   /// The texts of its labels.

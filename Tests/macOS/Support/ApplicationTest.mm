@@ -1,52 +1,52 @@
 #import "Support/ApplicationTest.h"
 
-#include "StandIns/Actions.h"
-#import "StandIns/AppKit/StatusMenu.h"
-#import "StandIns/AppKit/SymbolImage.h"
-#import "StandIns/RunLoop.h"
+#import "Support/Mac.h"
 #include "Zephlin/RunApplication.h"
 
 namespace zephlin::test {
 
 void ApplicationTest::launch(const std::function<void()>& script) {
-  standins::whenLaunched([&script] {
-    standins::settle();
+  mac::whenLaunched([&script] {
+    mac::settle();
     script();
     [NSApp terminate:nil];
   });
   EXPECT_EQ(runApplication(platform()), 0);
-  standins::settle();
+  mac::settle();
   releasePlatform();
 }
 
 NSMenu* ApplicationTest::openMenu() {
-  return standins::openStatusMenu();
+  return openStatusMenu();
 }
 
 NSMenuItem* ApplicationTest::item(const std::string& title) {
-  NSMenu* const menu = [standins::shownStatusItem() menu];
+  NSMenu* const menu = [mac::shownStatusItem() menu];
   const NSInteger index = [menu indexOfItemWithTitle:[NSString stringWithUTF8String:title.c_str()]];
   return static_cast<NSMenuItem*>([menu itemAtIndex:index]);
 }
 
 void ApplicationTest::choose(const std::string& title) {
-  NSMenu* const menu = [standins::shownStatusItem() menu];
+  NSMenu* const menu = [mac::shownStatusItem() menu];
   [menu performActionForItemAtIndex:[menu indexOfItem:item(title)]];
-  standins::settle();
+  mac::settle();
 }
 
 std::string ApplicationTest::statusLine() {
-  return [[[[standins::shownStatusItem() menu] itemAtIndex:1] title] UTF8String];
+  return [[[[mac::shownStatusItem() menu] itemAtIndex:1] title] UTF8String];
 }
 
 std::string ApplicationTest::symbolName() {
-  const auto* const image =
-      static_cast<StandInSymbolImage*>([[standins::shownStatusItem() button] image]);
-  return image == nil ? std::string() : [image->_symbolName UTF8String];
+  return mac::symbolName([[mac::shownStatusItem() button] image]);
 }
 
 std::string ApplicationTest::toolTip() {
-  return [[[standins::shownStatusItem() button] toolTip] UTF8String];
+  return [[[mac::shownStatusItem() button] toolTip] UTF8String];
+}
+
+void ApplicationTest::openTapTest() {
+  openMenu();
+  choose("Tap Test…");
 }
 
 NSWindow* ApplicationTest::tapTestWindow() {

@@ -1,10 +1,8 @@
 #include "Support/FakeHidutil.h"
 
-#include <sys/syscall.h>
-#include <unistd.h>
-
 #include <mutex>
 #include <optional>
+#include <thread>
 
 #include "ZephlinCore/ChildProcessRunner.h"
 
@@ -13,6 +11,8 @@ namespace zephlin {
 namespace test {
 
 namespace {
+
+const std::thread::id mainThread = std::this_thread::get_id();
 
 struct State {
   std::mutex mutex;
@@ -40,7 +40,7 @@ std::string listing(const std::optional<std::string>& value) {
 
 ChildProcessResult run(std::span<const std::string> arguments) {
   const std::scoped_lock lock(state().mutex);
-  state().neverOnMainThread = state().neverOnMainThread && ::syscall(SYS_gettid) != ::getpid();
+  state().neverOnMainThread = state().neverOnMainThread && std::this_thread::get_id() != mainThread;
   const bool isSet = arguments[arguments.size() - 2] == "--set";
   if (isSet) {
     state().sets.push_back(valueOf(arguments.back()));

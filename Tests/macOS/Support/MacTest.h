@@ -25,7 +25,12 @@ Calls labelTexts(NSView* view);
 /// The application's window with this title, or nil.
 NSWindow* windowTitled(const std::string& title);
 
-/// A Mac as new: all knobs and records at rest, no stored settings, time that stands still.
+/// Opens the status item's menu as AppKit does, asking the delegate for its items; nil without one.
+NSMenu* openStatusMenu();
+/// Tells everyone that the machine has woken from sleep.
+void wakeFromSleep();
+
+/// A Mac as new, without stored settings. Time stands still where it can (Support/Mac.h).
 class MacTest : public ::testing::Test {
  protected:
   MacTest();
@@ -36,15 +41,8 @@ class MacTest : public ::testing::Test {
 
   /// Lets the main run loop take turns until the condition holds.
   static void waitUntil(const std::function<bool()>& condition);
-  /// Runs the work while an alert is modal.
-  static void whenModal(std::function<void()> work);
   /// Clicks the button of the modal window that has this title.
   static void clickInModalWindow(const std::string& title);
-  /// How many objects of the class, and of none of its subclasses, there are.
-  static int liveObjectsOf(const char* className);
-
-  /// The log lines that were written, without dates.
-  [[nodiscard]] static Calls logLines();
 
  private:
   AutoreleasePool pool_;

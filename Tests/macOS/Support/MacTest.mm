@@ -1,40 +1,11 @@
 #import "Support/MacTest.h"
 
-#include <mutex>
-
-#include "StandIns/Actions.h"
-#include "StandIns/CallLog.h"
-#include "StandIns/Knobs.h"
-#import "StandIns/RunLoop.h"
 #include "Support/FakeHidutil.h"
+#import "Support/Mac.h"
 
 namespace zephlin::test {
 
 namespace {
-
-struct Log {
-  std::mutex mutex;
-  Calls lines;
-};
-
-Log& log() {
-  static Log instance;
-  return instance;
-}
-
-// What GNUstep hands over is "date time program[process:thread] text" and a line feed.
-void keepLine(NSString* message) {
-  std::string line = [message UTF8String];
-  const auto text = line.find("] ");
-  line = line.substr(text == std::string::npos ? 0 : text + 2);
-  const std::scoped_lock lock(log().mutex);
-  log().lines.push_back(line.substr(0, line.rfind('\n')));
-}
-
-void forgetLines() {
-  const std::scoped_lock lock(log().mutex);
-  log().lines.clear();
-}
 
 void forgetSettings() {
   NSUserDefaults* const defaults = [NSUserDefaults standardUserDefaults];
@@ -84,24 +55,31 @@ NSWindow* windowTitled(const std::string& title) {
   return nil;
 }
 
+NSMenu* openStatusMenu() {
+  NSMenu* const menu = [mac::shownStatusItem() menu];
+  [static_cast<id<NSMenuDelegate>>([menu delegate]) menuNeedsUpdate:menu];
+  return menu;
+}
+
+void wakeFromSleep() {
+  [[[NSWorkspace sharedWorkspace] notificationCenter]
+      postNotificationName:NSWorkspaceDidWakeNotification
+                    object:[NSWorkspace sharedWorkspace]];
+}
+
 MacTest::MacTest() {
-  GSDebugAllocationActive(YES);
-  _NSLog_printf_handler = keepLine;
-  standins::knobs() = {};
-  standins::knobs().terminateReturns = true;
-  standins::stopTime();
+  mac::reset();
+  mac::stopTime();
   int argumentCount = 0;
   platform_ = makePlatform(argumentCount, nullptr);
-  standins::forgetCalls();
-  forgetLines();
   forgetSettings();
   FakeHidutil::shared().reset();
 }
 
 MacTest::~MacTest() {
-  standins::settle();
+  mac::settle();
   platform_.reset();
-  standins::resumeTime();
+  mac::resumeTime();
 }
 
 void MacTest::waitUntil(const std::function<bool()>& condition) {
@@ -112,22 +90,9 @@ void MacTest::waitUntil(const std::function<bool()>& condition) {
   }
 }
 
-void MacTest::whenModal(std::function<void()> work) {
-  standins::postInModes([NSArray arrayWithObject:NSModalPanelRunLoopMode], std::move(work));
-}
-
 void MacTest::clickInModalWindow(const std::string& title) {
   clickButton([[NSApp modalWindow] contentView], title);
-  standins::wakeEventLoop();
-}
-
-int MacTest::liveObjectsOf(const char* className) {
-  return GSDebugAllocationCount(NSClassFromString([NSString stringWithUTF8String:className]));
-}
-
-Calls MacTest::logLines() {
-  const std::scoped_lock lock(log().mutex);
-  return log().lines;
+  mac::wakeEventLoop();
 }
 
 }  // namespace zephlin::test

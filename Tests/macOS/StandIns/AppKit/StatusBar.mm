@@ -76,10 +76,4 @@ NSStatusItem* shownStatusItem() {
   return [shownItems() lastObject];
 }
 
-NSMenu* openStatusMenu() {
-  NSMenu* const menu = [shownStatusItem() menu];
-  [static_cast<id<NSMenuDelegate>>([menu delegate]) menuNeedsUpdate:menu];
-  return menu;
-}
-
 }  // namespace standins

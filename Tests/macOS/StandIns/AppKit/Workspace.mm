@@ -1,6 +1,5 @@
 #import <AppKit/AppKit.h>
 
-#import "StandIns/Actions.h"
 #import "StandIns/CallLog.h"
 #import "StandIns/Knobs.h"
 
@@ -76,13 +75,3 @@
 }
 
 @end
-
-namespace standins {
-
-void wake() {
-  [[[NSWorkspace sharedWorkspace] notificationCenter]
-      postNotificationName:NSWorkspaceDidWakeNotification
-                    object:[NSWorkspace sharedWorkspace]];
-}
-
-}  // namespace standins
