@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Platform/Platform.h"
+#include "Tests/Contract/ShownWindow.h"
 
 namespace zephlin::contract {
 
@@ -15,6 +16,8 @@ struct ShownMenuItem {
   bool isSeparator = false;
   bool isEnabled = true;
   bool isChecked = false;
+  /// Modifiers and key, such as "Command-Q"; Command is Control on a desktop without it.
+  std::string keyEquivalent{};
 
   bool operator==(const ShownMenuItem&) const = default;
 };
@@ -75,6 +78,12 @@ class ContractDesktop {
   virtual std::vector<std::string> windowTexts() = 0;
   virtual bool pressButton(const std::string& title) = 0;
   virtual void closeWindow() = 0;
+  /// The window with this title that is shown; without views where there is none.
+  virtual ShownWindow shownWindow(const std::string& title) = 0;
+  /// Whether digits of one width can be told from others in what is shown.
+  [[nodiscard]] virtual bool tellsDigitWidths() const { return true; }
+  /// The user makes the desktop dark, or light.
+  virtual void setDark(bool isDark) = 0;
 
   // The user's settings.
   /// Puts a text where a Boolean is expected.

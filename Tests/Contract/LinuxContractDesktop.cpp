@@ -10,6 +10,7 @@
 #include "Tests/Contract/ContractDesktop.h"
 #include "Tests/Contract/KeyboardService.h"
 #include "Tests/Contract/LinuxEnvironment.h"
+#include "Tests/Contract/LinuxShownWindow.h"
 #include "Tests/Contract/PanelItem.h"
 #include "Tests/Contract/ShownWindows.h"
 #include "Tests/Contract/UserFolders.h"
@@ -81,14 +82,26 @@ class LinuxContractDesktop final : public ContractDesktop {
   void dismissAlert() override {
     qobject_cast<QMessageBox*>(QApplication::activeModalWidget())->buttons().front()->click();
   }
-  bool isWindowShown() override { return shownWindow() != nullptr; }
-  std::vector<std::string> windowTexts() override { return labelTexts(*shownWindow()); }
+  bool isWindowShown() override { return contract::shownWindow(windowTitle) != nullptr; }
+  std::vector<std::string> windowTexts() override {
+    return labelTexts(*contract::shownWindow(windowTitle));
+  }
   bool pressButton(const std::string& title) override {
-    return contract::pressButton(*shownWindow(), title);
+    return contract::pressButton(*contract::shownWindow(windowTitle), title);
   }
   void closeWindow() override {
     QCloseEvent event;
-    QApplication::sendEvent(shownWindow()->windowHandle(), &event);
+    QApplication::sendEvent(contract::shownWindow(windowTitle)->windowHandle(), &event);
+  }
+
+  ShownWindow shownWindow(const std::string& title) override {
+    QWidget* const window = contract::shownWindow(title);
+    return window == nullptr ? ShownWindow() : readBack(*window);
+  }
+  // Only a font whose digits have several widths would tell.
+  [[nodiscard]] bool tellsDigitWidths() const override { return false; }
+  void setDark(bool isDark) override {
+    QApplication::setPalette(isDark ? QPalette(Qt::black) : QPalette(Qt::white));
   }
 
   void storeTextInDefaults(const std::string& key, const std::string& text) override {

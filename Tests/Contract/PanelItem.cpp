@@ -1,5 +1,6 @@
 #include "Tests/Contract/PanelItem.h"
 
+#include <QDBusArgument>
 #include <algorithm>
 
 namespace zephlin::contract {
@@ -17,6 +18,13 @@ std::string withoutMnemonic(const std::string& label) {
     shown += label.substr(index, 1);
   }
   return shown;
+}
+
+/// A list of key equivalents, each a list of keys.
+std::string keyEquivalentOf(const test::ShownEntry& entry) {
+  const auto shortcuts = qdbus_cast<QList<QStringList>>(entry.properties.value("shortcut"));
+  QStringList keys = shortcuts.value(0);
+  return keys.replaceInStrings("Control", "Command").join('-').toStdString();
 }
 
 /// Whether any pixel is not transparent.
@@ -38,7 +46,8 @@ std::vector<ShownMenuItem> panelMenuItems(test::ShownItem& item) {
     items.push_back({.title = withoutMnemonic(entry.label()),
                      .isSeparator = entry.properties.value("type") == "separator",
                      .isEnabled = entry.properties.value("enabled", true).toBool(),
-                     .isChecked = entry.properties.value("toggle-state").toInt() == 1});
+                     .isChecked = entry.properties.value("toggle-state").toInt() == 1,
+                     .keyEquivalent = keyEquivalentOf(entry)});
   }
   return items;
 }

@@ -31,9 +31,9 @@ std::vector<ShownAlert> shownAlerts() {
   return shown;
 }
 
-QWidget* shownWindow() {
+QWidget* shownWindow(const std::string& title) {
   for (QWidget* const widget : QApplication::topLevelWidgets()) {
-    if (widget->isVisible() && widget->windowTitle() == windowTitle) {
+    if (widget->isVisible() && widget->windowTitle().toStdString() == title) {
       return widget;
     }
   }

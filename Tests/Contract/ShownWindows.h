@@ -10,8 +10,8 @@ namespace zephlin::contract {
 
 /// The message boxes that are shown.
 std::vector<ShownAlert> shownAlerts();
-/// The window of the test, if it is shown, or null.
-QWidget* shownWindow();
+/// The window with this title, if it is shown, or null.
+QWidget* shownWindow(const std::string& title);
 std::vector<std::string> labelTexts(const QWidget& window);
 /// False where the window has no such button.
 bool pressButton(const QWidget& window, const std::string& title);

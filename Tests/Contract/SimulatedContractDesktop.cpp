@@ -1,10 +1,24 @@
 #include <algorithm>
+#include <cctype>
 
 #include "Platform/Simulated/SimulatedDesktop.h"
 #include "Tests/Contract/ContractDesktop.h"
+#include "Tests/Contract/SimulatedShownWindow.h"
 
 namespace zephlin::contract {
 namespace {
+
+std::string keyEquivalentOf(const MenuItem& item) {
+  if (item.keyEquivalent.empty()) {
+    return "";
+  }
+  const auto held = [&item](ModifierFlags modifier) {
+    return (item.keyEquivalentModifierMask & modifier) != 0;
+  };
+  return std::string(held(modifierCommand) ? "Command-" : "") +
+         (held(modifierShift) ? "Shift-" : "") +
+         static_cast<char>(std::toupper(static_cast<unsigned char>(item.keyEquivalent.front())));
+}
 
 class SimulatedContractDesktop final : public ContractDesktop {
  public:
@@ -49,6 +63,8 @@ class SimulatedContractDesktop final : public ContractDesktop {
   std::vector<std::string> windowTexts() override { return window()->labelTexts(); }
   bool pressButton(const std::string& title) override { return window()->pressButton(title); }
   void closeWindow() override { window()->close(); }
+  ShownWindow shownWindow(const std::string& title) override;
+  void setDark(bool /*isDark*/) override {}
 
   void storeTextInDefaults(const std::string& key, const std::string& text) override {
     storage_->set(key, text);
@@ -73,10 +89,19 @@ class SimulatedContractDesktop final : public ContractDesktop {
 std::vector<ShownMenuItem> SimulatedContractDesktop::menuItems() {
   std::vector<ShownMenuItem> shown;
   for (const auto& item : desktop_->systemStatusBar().menuItems()) {
-    shown.push_back(
-        {item->title(), item->isSeparator, item->isEnabled, static_cast<bool>(item->isChecked)});
+    shown.push_back({item->title(), item->isSeparator, item->isEnabled,
+                     static_cast<bool>(item->isChecked), keyEquivalentOf(*item)});
   }
   return shown;
+}
+
+ShownWindow SimulatedContractDesktop::shownWindow(const std::string& title) {
+  for (const auto& window : desktop_->windows().windows()) {
+    if (window->isShown && window->description.title == title) {
+      return laidOut(*window);
+    }
+  }
+  return {};
 }
 
 std::vector<ShownAlert> SimulatedContractDesktop::alerts() {

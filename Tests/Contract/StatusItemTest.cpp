@@ -81,7 +81,7 @@ TEST_F(StatusItemTest, TheMenuIsShownAsItIs) {
                                         {.title = "", .isSeparator = true},
                                         {.title = "Switch", .isChecked = true},
                                         {.title = "Off Limits", .isEnabled = false},
-                                        {.title = "Command…"}}));
+                                        {.title = "Command…", .keyEquivalent = "Command-K"}}));
 }
 
 TEST_F(StatusItemTest, TheDelegateIsAskedEachTimeBeforeTheMenuOpens) {

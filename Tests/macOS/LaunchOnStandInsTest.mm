@@ -2,8 +2,8 @@
 #include "StandIns/CallLog.h"
 #include "StandIns/Knobs.h"
 #import "Support/ApplicationTest.h"
-#include "Support/FakeHidutil.h"
 #import "Support/StandInMac.h"
+#include "Tests/Support/FakeHidutil.h"
 
 namespace zephlin::test {
 namespace {

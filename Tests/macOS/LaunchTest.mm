@@ -1,5 +1,5 @@
 #import "Support/ApplicationTest.h"
-#include "Support/FakeHidutil.h"
+#include "Tests/Support/FakeHidutil.h"
 
 namespace zephlin::test {
 namespace {

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <thread>
 
+#import "ShownViews.h"
 #import "Support/Mac.h"
 #import "Support/MacTest.h"
 #include "Tests/Contract/ContractDesktop.h"
@@ -14,6 +15,16 @@ namespace mac = test::mac;
 using test::clickButton;
 using test::labelTexts;
 using test::windowTitled;
+
+std::string keyEquivalentOf(NSMenuItem* item) {
+  NSString* const key = [[item keyEquivalent] uppercaseString];
+  if ([key length] == 0) {
+    return "";
+  }
+  const ModifierFlags held = [item keyEquivalentModifierMask];
+  return std::string((held & modifierCommand) != 0 ? "Command-" : "") +
+         ((held & modifierShift) != 0 ? "Shift-" : "") + [key UTF8String];
+}
 
 class MacContractDesktop final : public ContractDesktop {
  public:
@@ -75,6 +86,12 @@ class MacContractDesktop final : public ContractDesktop {
   bool pressButton(const std::string& title) override { return clickButton(content(), title); }
   void closeWindow() override { [windowTitled(windowTitle) performClose:nil]; }
 
+  ShownWindow shownWindow(const std::string& title) override {
+    NSWindow* const window = windowTitled(title);
+    return [window isVisible] ? test::readBack(window) : ShownWindow();
+  }
+  void setDark(bool isDark) override { mac::setDark(isDark); }
+
   void storeTextInDefaults(const std::string& key, const std::string& text) override {
     [[NSUserDefaults standardUserDefaults] setObject:[NSString stringWithUTF8String:text.c_str()]
                                               forKey:[NSString stringWithUTF8String:key.c_str()]];
@@ -105,7 +122,8 @@ std::vector<ShownMenuItem> MacContractDesktop::menuItems() {
   for (NSMenuItem* item in [[mac::shownStatusItem() menu] itemArray]) {
     const bool isSeparator = [item isSeparatorItem];
     shown.push_back({isSeparator ? "" : [[item title] UTF8String], isSeparator,
-                     isSeparator || [item isEnabled], [item state] == NSControlStateValueOn});
+                     isSeparator || [item isEnabled], [item state] == NSControlStateValueOn,
+                     keyEquivalentOf(item)});
   }
   return shown;
 }

@@ -1,6 +1,6 @@
 #import "Support/ApplicationTest.h"
-#include "Support/FakeHidutil.h"
 #import "Support/Mac.h"
+#include "Tests/Support/FakeHidutil.h"
 
 namespace zephlin::test {
 namespace {

@@ -1,7 +1,7 @@
 # What runs on a Mac as well as on the stand-ins. Support/Mac.h has a body for each: RealMac.mm, and
 # StandInMac.mm. On a Mac each test is a process of its own, since an application launches once.
 set(MAC_TEST_SUPPORT_SOURCES
-  Support/FakeHidutil.cpp
+  ../Support/FakeHidutil.cpp
   Support/MacTest.mm)
 set(MAC_APPLICATION_TEST_SOURCES
   LaunchTest.mm
@@ -9,7 +9,8 @@ set(MAC_APPLICATION_TEST_SOURCES
   Support/ApplicationTest.mm
   TapTestTest.mm)
 set(MAC_CONTRACT_DESKTOP_SOURCES
-  MacContractDesktop.mm)
+  MacContractDesktop.mm
+  ShownViews.mm)
 foreach(list MAC_TEST_SUPPORT_SOURCES MAC_APPLICATION_TEST_SOURCES MAC_CONTRACT_DESKTOP_SOURCES)
   list(TRANSFORM ${list} PREPEND ${CMAKE_CURRENT_LIST_DIR}/)
 endforeach()

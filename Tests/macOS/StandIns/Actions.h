@@ -25,6 +25,8 @@ void reportKey(int usagePage, int usage, long value);
 /// An event of this type, with these flags, passes the event taps that want it. The notices about a
 /// tap itself come without an event, and to every tap.
 void postEvent(std::uint32_t type, std::uint64_t flags);
+/// The user makes the desktop dark, or light: AppKit updates all layers then.
+void setDark(bool isDark);
 /// Fires each timer of the main run loop that has this interval.
 void fireTimers(double interval);
 /// Does the work on the event loop once the application that runs next has launched.

@@ -32,6 +32,8 @@ struct Knobs {
   std::set<std::string> symbols = {"capslock", "capslock.fill", "exclamationmark.triangle"};
   /// Whether NSApplication's terminate: ends the event loop instead of the process.
   bool terminateReturns = false;
+  /// Colours of layers are others in the dark.
+  bool isDark = false;
   bool viewsCanBeCached = true;
   bool imagesCanBeEncoded = true;
 };

@@ -31,6 +31,11 @@ std::string symbolName(NSImage* image);
 /// The alert that is modal, or nil.
 NSAlert* modalAlert();
 
+/// The user makes the desktop dark, or light.
+void setDark(bool isDark);
+/// Whether the colour, where the view is, looks like the one of a layer; false for none.
+bool isShown(NSColor* color, CGColorRef shown, NSView* view);
+
 // What takes hands, or the user's consent. On a real Mac these throw std::logic_error.
 void plugKeyboard();
 void pressCapsLock();

@@ -1,7 +1,7 @@
 #import "Support/MacTest.h"
 
-#include "Support/FakeHidutil.h"
 #import "Support/Mac.h"
+#include "Tests/Support/FakeHidutil.h"
 
 namespace zephlin::test {
 

@@ -142,6 +142,19 @@ NSAlert* modalAlert() {
   return alert;
 }
 
+void setDark(bool isDark) {
+  [NSApp setAppearance:[NSAppearance appearanceNamed:isDark ? NSAppearanceNameDarkAqua
+                                                            : NSAppearanceNameAqua]];
+}
+
+bool isShown(NSColor* color, CGColorRef shown, NSView* view) {
+  __block bool isEqual = false;
+  [[view effectiveAppearance] performAsCurrentDrawingAppearance:^{
+    isEqual = CGColorEqualToColor([color CGColor], shown);
+  }];
+  return isEqual;
+}
+
 void plugKeyboard() {
   failWithoutHands();
 }

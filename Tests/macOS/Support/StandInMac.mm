@@ -101,6 +101,16 @@ NSAlert* modalAlert() {
   return standins::modalAlert();
 }
 
+void setDark(bool isDark) {
+  standins::setDark(isDark);
+}
+
+bool isShown(NSColor* color, CGColorRef shown, NSView* view) {
+  (void)view;
+  // A CGColorRef is an NSColor here.
+  return [reinterpret_cast<NSColor*>([color CGColor]) isEqual:reinterpret_cast<NSColor*>(shown)];
+}
+
 void plugKeyboard() {
   standins::attachDevice();
 }

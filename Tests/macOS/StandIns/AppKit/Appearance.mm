@@ -1,5 +1,12 @@
 #import <AppKit/AppKit.h>
 
+#include <map>
+#include <tuple>
+
+#import "StandIns/Actions.h"
+#import "StandIns/Knobs.h"
+#import "StandIns/RunLoop.h"
+
 // Some values in place of the system's, so that pictures can be looked at.
 
 namespace {
@@ -8,17 +15,46 @@ NSColor* color(CGFloat red, CGFloat green, CGFloat blue, CGFloat alpha) {
   return [NSColor colorWithCalibratedRed:red green:green blue:blue alpha:alpha];
 }
 
+/// A font of its own for each size, weight and kind of digits, as AppKit has it, though GNUstep
+/// draws with two weights and knows one kind. They are kept.
+NSFont* systemFont(CGFloat size, NSFontWeight weight, bool hasMonospacedDigits) {
+  static std::map<std::tuple<CGFloat, NSFontWeight, bool>, NSFont*> fonts;
+  NSFont*& font = fonts[{size, weight, hasMonospacedDigits}];
+  if (font == nil) {
+    NSFont* const drawn = weight > NSFontWeightMedium ? [NSFont boldSystemFontOfSize:size]
+                                                      : [NSFont systemFontOfSize:size];
+    // The copy shares what the font owns, so that is never released.
+    font = static_cast<NSFont*>(NSCopyObject([drawn retain], 0, nullptr));
+  }
+  return font;
+}
+
+BOOL isSameFont(id self, SEL selector, id other) {
+  (void)selector;
+  return self == other ? YES : NO;
+}
+
 }  // namespace
+
+@interface StandInFonts : NSObject
+@end
+
+@implementation StandInFonts
+
++ (void)load {
+  standins::replaceMethod("NSFont", @selector(isEqual:), reinterpret_cast<IMP>(isSameFont));
+}
+
+@end
 
 @implementation NSFont (StandIn)
 
 + (NSFont*)systemFontOfSize:(CGFloat)fontSize weight:(NSFontWeight)weight {
-  return weight > NSFontWeightMedium ? [NSFont boldSystemFontOfSize:fontSize]
-                                     : [NSFont systemFontOfSize:fontSize];
+  return systemFont(fontSize, weight, false);
 }
 
 + (NSFont*)monospacedDigitSystemFontOfSize:(CGFloat)fontSize weight:(NSFontWeight)weight {
-  return [self systemFontOfSize:fontSize weight:weight];
+  return systemFont(fontSize, weight, true);
 }
 
 @end
@@ -38,7 +74,21 @@ NSColor* color(CGFloat red, CGFloat green, CGFloat blue, CGFloat alpha) {
 }
 
 - (CGColorRef)CGColor {
-  return reinterpret_cast<CGColorRef>([[self retain] autorelease]);
+  NSColor* const shown = standins::knobs().isDark
+                             ? [self colorWithAlphaComponent:[self alphaComponent] / 2]
+                             : [[self retain] autorelease];
+  return reinterpret_cast<CGColorRef>(shown);
 }
 
 @end
+
+namespace standins {
+
+void setDark(bool isDark) {
+  knobs().isDark = isDark;
+  for (NSWindow* window in [NSApp windows]) {
+    [[window contentView] setNeedsDisplay:YES];
+  }
+}
+
+}  // namespace standins

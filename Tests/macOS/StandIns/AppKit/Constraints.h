@@ -49,6 +49,7 @@
 @property BOOL translatesAutoresizingMaskIntoConstraints;
 @property(readonly) NSSize fittingSize;
 - (void)layoutSubtreeIfNeeded;
+- (NSRect)alignmentRectForFrame:(NSRect)frame;
 @property BOOL wantsLayer;
 @property(nullable) CALayer* layer;
 @property(readonly) BOOL wantsUpdateLayer;

@@ -99,6 +99,10 @@ NSLayoutConstraint* makeConstraint(NSLayoutAnchor* first, NSLayoutAnchor* second
   return standins::fittingSize(self);
 }
 
+- (NSRect)alignmentRectForFrame:(NSRect)frame {
+  return frame;
+}
+
 - (void)layoutSubtreeIfNeeded {
   standins::record("NSView layoutSubtreeIfNeeded");
   standins::layOut(self);

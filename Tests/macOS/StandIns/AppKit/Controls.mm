@@ -42,6 +42,7 @@
   [label setBordered:NO];
   [label setBezeled:NO];
   [label setDrawsBackground:NO];
+  [[label cell] setWraps:NO];
   return label;
 }
 

@@ -1,4 +1,4 @@
-#include "Support/FakeHidutil.h"
+#include "Tests/Support/FakeHidutil.h"
 
 #include <mutex>
 #include <optional>

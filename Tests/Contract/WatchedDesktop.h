@@ -1,0 +1,87 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <utility>
+
+#include "Platform/Platform.h"
+
+namespace zephlin::contract {
+
+/// A desktop's platform, but for what depends on the machine and its user: the Caps Lock key is the
+/// test's, time stands still, and the program does not run from a bundle.
+class WatchedDesktop final : public Platform,
+                             private Clock,
+                             private EventTaps,
+                             private HidDevices,
+                             private ProcessInfo {
+ public:
+  explicit WatchedDesktop(Platform& desktop) : desktop_(desktop) {}
+
+  Dispatch& dispatch() override { return desktop_.dispatch(); }
+  Clock& clock() override { return *this; }
+  Application& application() override { return desktop_.application(); }
+  ProcessInfo& processInfo() override { return *this; }
+  Workspace& workspace() override { return desktop_.workspace(); }
+  UserDefaults& standardUserDefaults() override { return desktop_.standardUserDefaults(); }
+  SystemLog& systemLog() override { return desktop_.systemLog(); }
+  StatusBar& systemStatusBar() override { return desktop_.systemStatusBar(); }
+  AlertPresenter& alerts() override { return desktop_.alerts(); }
+  WindowServer& windows() override { return desktop_.windows(); }
+  HidDevices& hidDevices() override { return *this; }
+  EventTaps& eventTaps() override { return *this; }
+  LoginService& loginService() override { return desktop_.loginService(); }
+  std::unique_ptr<Updater> makeStartedUpdater() override { return desktop_.makeStartedUpdater(); }
+
+  /// Whether the press channel may be opened.
+  bool inputIsAllowed = true;
+
+  void pressCapsLock() { valueArrived_(1); }
+  /// The system accepts a press, so many seconds later.
+  void toggleCapsLockAfter(double seconds) {
+    now_.secondsSince1970 += seconds;
+    flags_ ^= modifierCapsLock;
+    touchModifiers();
+  }
+  /// An event that changes nothing.
+  void touchModifiers() { flagsChanged_(EventType::FlagsChanged, flags_); }
+
+ private:
+  [[nodiscard]] WallTime now() const override { return now_; }
+
+  std::unique_ptr<Observation> listen(
+      std::uint64_t /*mask*/,
+      std::function<void(EventType type, ModifierFlags flags)> callback) override {
+    flagsChanged_ = std::move(callback);
+    return std::make_unique<Observation>();
+  }
+  ModifierFlags currentModifierFlags() override { return flags_; }
+
+  std::unique_ptr<Observation> observeAppeared(const std::string& /*serviceClass*/,
+                                               std::function<void()> /*callback*/) override {
+    return std::make_unique<Observation>();
+  }
+  std::variant<std::unique_ptr<Observation>, std::int32_t> openInput(
+      const HidInputMatching& /*matching*/,
+      std::function<void(std::int64_t value)> callback) override {
+    if (!inputIsAllowed) {
+      return std::int32_t{1};
+    }
+    valueArrived_ = std::move(callback);
+    return std::make_unique<Observation>();
+  }
+
+  [[nodiscard]] std::optional<std::string> environmentVariable(
+      const std::string& /*name*/) const override {
+    return std::nullopt;
+  }
+  [[nodiscard]] std::string mainBundlePath() const override { return "/usr/local/bin"; }
+
+  Platform& desktop_;
+  WallTime now_;
+  ModifierFlags flags_ = 0;
+  std::function<void(EventType type, ModifierFlags flags)> flagsChanged_;
+  std::function<void(std::int64_t value)> valueArrived_;
+};
+
+}  // namespace zephlin::contract
