@@ -42,6 +42,14 @@ TEST_F(EventTapsTest, EveryEventIsPassedOnUnchanged) {
   EXPECT_EQ(standins::calls({"event"}), Calls(2, "event returned unchanged"));
 }
 
+TEST_F(EventTapsTest, ATapThatTheSystemHasDisabledIsNotEnabledAgain) {
+  const auto tap = listen();
+  standins::forgetCalls();
+  standins::postEvent(0xFFFFFFFE, 0);
+  standins::postEvent(0xFFFFFFFF, 0);
+  EXPECT_EQ(standins::calls({"CGEventTapEnable"}), Calls{});
+}
+
 TEST_F(EventTapsTest, TheTapIsDisabledBeforeItsSourceIsRemoved) {
   auto tap = listen();
   standins::forgetCalls();

@@ -1,3 +1,5 @@
+#include <cstdlib>
+
 #include "StandIns/Actions.h"
 #include "StandIns/CallLog.h"
 #include "StandIns/Knobs.h"
@@ -37,6 +39,28 @@ TEST_F(LaunchOnStandInsTest, TheApplicationIsSetUpInOrderAndTakenDownInOrder) {
              "NSStatusBar removeStatusItem",
              "NSApplication setMainMenu:nil",
              "NSApplication setDelegate:nil"}));
+}
+
+TEST_F(LaunchOnStandInsTest, TheStepsOfLaunchingComeInOrder) {
+  standins::knobs().mainBundlePath = "/Applications/Zephlin.app";
+  ::setenv("ZEPHLIN_PREVIEW", "taptest", 1);
+  ::setenv("ZEPHLIN_PREVIEW_OUT", "/nowhere/preview.png", 1);
+  launch([] {
+    EXPECT_EQ(
+        standins::calls({"IOHIDManagerOpen", "IOService", "NSRunLoop", "NSStatus",
+                         "NSWindow makeKey", "NSWorkspace", "SMAppService reg", "dispatch_a"}),
+        (Calls{"NSStatusBar statusItemWithLength:-2",
+               "NSStatusItem setMenu: delegate set, autoenables 0, 0 items",
+               "IOServiceMatching(IOHIDDevice)",
+               "IOServiceAddMatchingNotification(IOServiceFirstMatch)",
+               "NSWorkspace addObserverForName:NSWorkspaceDidWakeNotification object:any "
+               "queue:main",
+               "NSRunLoop addTimer(interval 300, tolerance 30, main, common modes)",
+               "dispatch_async(serial)", "IOHIDManagerOpen(0)", "NSWindow makeKeyAndOrderFront:",
+               "dispatch_after(1.000 s, main)", "SMAppService register"}));
+  });
+  ::unsetenv("ZEPHLIN_PREVIEW");
+  ::unsetenv("ZEPHLIN_PREVIEW_OUT");
 }
 
 TEST_F(LaunchOnStandInsTest, NothingIsLeftWhenTheApplicationHasEnded) {

@@ -1,6 +1,35 @@
+#include <algorithm>
+#include <string>
+#include <vector>
+
 #import "Support/ApplicationTest.h"
 #import "Support/Mac.h"
 #include "Tests/Support/FakeHidutil.h"
+
+/// A view that takes the keyboard and notes what it is asked to do.
+@interface ZephlinTestResponder : NSView {
+ @public
+  std::vector<std::string> _actions;
+}
+@end
+
+@implementation ZephlinTestResponder
+
+- (BOOL)acceptsFirstResponder {
+  return YES;
+}
+
+- (void)undo:(id)sender {
+  (void)sender;
+  _actions.emplace_back("undo");
+}
+
+- (void)redo:(id)sender {
+  (void)sender;
+  _actions.emplace_back("redo");
+}
+
+@end
 
 namespace zephlin::test {
 namespace {
@@ -16,6 +45,21 @@ class MenuActionsTest : public ApplicationTest {
   }
 
   static NSMenu* submenu(NSInteger index) { return [[[NSApp mainMenu] itemAtIndex:index] submenu]; }
+
+  static void pressKey(NSWindow* window, NSString* characters, ModifierFlags flags) {
+    [[NSApp mainMenu]
+        performKeyEquivalent:[NSEvent keyEventWithType:NSEventTypeKeyDown
+                                                    location:NSZeroPoint
+                                               modifierFlags:static_cast<NSEventModifierFlags>(
+                                                                 flags)
+                                                   timestamp:0
+                                                windowNumber:[window windowNumber]
+                                                     context:nil
+                                                  characters:characters
+                                 charactersIgnoringModifiers:characters
+                                                   isARepeat:NO
+                                                     keyCode:6]];
+  }
 
   static std::string selectorOf(NSMenu* menu, NSInteger index) {
     return [NSStringFromSelector([[menu itemAtIndex:index] action]) UTF8String];
@@ -125,6 +169,22 @@ TEST_F(MenuActionsTest, TheMainMenuSendsItsActionsAlongTheResponderChain) {
         EXPECT_EQ([entry keyEquivalentModifierMask], i == 1 ? 0x120000U : 0x100000U) << edits[i];
       }
     }
+  });
+}
+
+TEST_F(MenuActionsTest, CommandZReachesTheFirstResponderOfTheKeyWindow) {
+  launch([] {
+    openTapTest();
+    NSWindow* const window = tapTestWindow();
+    ZephlinTestResponder* const responder =
+        [[[ZephlinTestResponder alloc] initWithFrame:NSZeroRect] autorelease];
+    [[window contentView] addSubview:responder];
+    ASSERT_TRUE([window makeFirstResponder:responder]);
+    pressKey(window, @"z", modifierCommand);
+    EXPECT_EQ(responder->_actions, Calls{"undo"});
+    // GNUstep does not look at Shift, so Redo is chosen.
+    [submenu(1) performActionForItemAtIndex:1];
+    EXPECT_EQ(responder->_actions, (Calls{"undo", "redo"}));
   });
 }
 

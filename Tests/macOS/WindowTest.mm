@@ -15,6 +15,14 @@ TEST_F(WindowTest, TheWindowIsTitledAndClosableAndFloatsAndIsKeptWhenClosed) {
   EXPECT_FALSE([nativeWindow() isVisible]);
 }
 
+TEST_F(WindowTest, TheContentIsAsLargeAsDescribedUntilItIsFitted) {
+  makeWindow();
+  const NSRect frame = [nativeContent() frame];
+  EXPECT_EQ(frame.size.width, 148);
+  EXPECT_EQ(frame.size.height, 100);
+  EXPECT_EQ(standins::calls({"NSWindow init"}), Calls{"NSWindow initWithContentRect:0 0 148 100"});
+}
+
 TEST_F(WindowTest, FittingLaysTheContentOutAndMakesTheWindowAsLargeAsIt) {
   makeWindow().setContentSizeToFit();
   EXPECT_EQ(standins::calls({"NSView layout"}), Calls{"NSView layoutSubtreeIfNeeded"});

@@ -50,6 +50,9 @@ dispatch_queue_t dispatch_queue_create_with_target(const char* label, dispatch_q
 }
 
 void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
+  if (queue != dispatch_get_main_queue()) {
+    standins::record("dispatch_async(serial)");
+  }
   [standIn(queue) enqueue:block];
 }
 
