@@ -157,7 +157,8 @@ class StackView final : public View {
 class WindowDelegate {
  public:
   virtual ~WindowDelegate() = default;
-  /// The user has closed the window. It is hidden, not destroyed.
+  /// The user closes the window. It is still shown, must not be destroyed now, and hides when this
+  /// returns.
   virtual void windowWillClose() = 0;
 };
 

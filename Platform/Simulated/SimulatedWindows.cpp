@@ -73,10 +73,10 @@ void SimulatedWindow::close() {
   if (!isShown) {
     return;
   }
-  isShown = false;
   if (const auto told = delegate.lock()) {
     told->windowWillClose();
   }
+  isShown = false;
 }
 
 std::vector<std::string> SimulatedWindow::labelTexts() const {

@@ -29,7 +29,7 @@ class SimulatedWindow {
   std::size_t orderFronts = 0;
   std::size_t fittings = 0;
 
-  /// The user closes the window: its delegate is told once, and it hides. Nothing where it is
+  /// The user closes the window: its delegate is told once, and then it hides. Nothing where it is
   /// hidden already.
   void close();
   /// The texts of all labels, outside in, top to bottom.

@@ -5,9 +5,15 @@ namespace {
 
 class CountingDelegate final : public WindowDelegate {
  public:
-  void windowWillClose() override { ++closings; }
+  void windowWillClose() override {
+    ++closings;
+    if (onClosing) {
+      onClosing();
+    }
+  }
 
   int closings = 0;
+  std::function<void()> onClosing;
 };
 
 /// A layer-backed view that counts how often it was shown anew.
@@ -59,6 +65,15 @@ TEST_F(WindowTest, ClosingHidesItAndTellsTheDelegateOnce) {
   EXPECT_TRUE(runUntil([&] { return !desktop().isWindowShown(); }));
   settle();
   EXPECT_EQ(delegate_->closings, 1);
+}
+
+TEST_F(WindowTest, IsStillShownWhenTheDelegateIsTold) {
+  show();
+  bool wasShown = false;
+  delegate_->onClosing = [&] { wasShown = desktop().isWindowShown(); };
+  desktop().closeWindow();
+  EXPECT_TRUE(runUntil([&] { return !desktop().isWindowShown(); }));
+  EXPECT_TRUE(wasShown);
 }
 
 TEST_F(WindowTest, CanBeShownAgain) {

@@ -59,23 +59,23 @@ void WindowWidget::comeToFront() {
 void WindowWidget::closeEvent(QCloseEvent* event) {
   event->accept();
   if (event->spontaneous()) {
-    hideAndTellDelegate();
+    tellDelegateAndHide();
   }
 }
 
 void WindowWidget::keyPressEvent(QKeyEvent* event) {
   if (event->matches(QKeySequence::Cancel)) {
-    hideAndTellDelegate();
+    tellDelegateAndHide();
   } else {
     QWidget::keyPressEvent(event);
   }
 }
 
-void WindowWidget::hideAndTellDelegate() {
-  hide();
+void WindowWidget::tellDelegateAndHide() {
   if (const auto told = delegate.lock()) {
     told->windowWillClose();
   }
+  hide();
 }
 
 }  // namespace zephlin

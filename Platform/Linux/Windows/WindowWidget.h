@@ -27,7 +27,7 @@ class WindowWidget final : public QWidget {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
-  void hideAndTellDelegate();
+  void tellDelegateAndHide();
 
   QWidget* content_;
 };
