@@ -13,6 +13,9 @@ class UserDefaults {
   virtual ~UserDefaults() = default;
   /// Absent where nothing is stored under the key, or something that is no Boolean.
   [[nodiscard]] virtual std::optional<bool> boolean(const std::string& key) const = 0;
+  /// What is stored as a truth: false where nothing is, true for a Boolean that is, and for a
+  /// number other than 0. Whether a text counts is the platform's affair.
+  [[nodiscard]] virtual bool boolForKey(const std::string& key) const = 0;
   virtual void setBoolean(const std::string& key, bool value) = 0;
   virtual void setDouble(const std::string& key, double value) = 0;
 };

@@ -77,7 +77,7 @@ void AppDelegate::writePreviewSnapshot(const std::string& path) {
 
 void AppDelegate::registerLoginItemOnFirstLaunch() {
   if (!LoginItem::runsFromApplicationBundle(platform_) ||
-      defaults_.boolean(didSetupLoginItemKey).value_or(false)) {
+      defaults_.boolForKey(didSetupLoginItemKey)) {
     return;
   }
   try {

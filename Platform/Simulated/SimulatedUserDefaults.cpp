@@ -25,6 +25,10 @@ std::optional<bool> SimulatedUserDefaults::boolean(const std::string& key) const
   return storage_->boolean(key);
 }
 
+bool SimulatedUserDefaults::boolForKey(const std::string& key) const {
+  return storage_->boolean(key).value_or(storage_->number(key).value_or(0) != 0);
+}
+
 void SimulatedUserDefaults::setBoolean(const std::string& key, bool value) {
   storage_->set(key, value);
   ++storage_->writes;

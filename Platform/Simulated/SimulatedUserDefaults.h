@@ -33,6 +33,7 @@ class SimulatedUserDefaults final : public UserDefaults {
       : storage_(std::move(storage)) {}
 
   [[nodiscard]] std::optional<bool> boolean(const std::string& key) const override;
+  [[nodiscard]] bool boolForKey(const std::string& key) const override;
   void setBoolean(const std::string& key, bool value) override;
   void setDouble(const std::string& key, double value) override;
 

@@ -11,6 +11,7 @@ namespace zephlin {
 class MacUserDefaults final : public UserDefaults {
  public:
   [[nodiscard]] std::optional<bool> boolean(const std::string& key) const override;
+  [[nodiscard]] bool boolForKey(const std::string& key) const override;
   void setBoolean(const std::string& key, bool value) override;
   void setDouble(const std::string& key, double value) override;
 };

@@ -16,6 +16,10 @@ std::optional<bool> MacUserDefaults::boolean(const std::string& key) const {
   return [stored boolValue] != NO;
 }
 
+bool MacUserDefaults::boolForKey(const std::string& key) const {
+  return [[NSUserDefaults standardUserDefaults] boolForKey:nativeText(key)] != NO;
+}
+
 void MacUserDefaults::setBoolean(const std::string& key, bool value) {
   [[NSUserDefaults standardUserDefaults] setBool:(value ? YES : NO) forKey:nativeText(key)];
 }

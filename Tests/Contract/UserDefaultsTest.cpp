@@ -36,6 +36,18 @@ TEST_F(UserDefaultsTest, ANumberIsNoBoolean) {
   EXPECT_EQ(defaults().boolean("key"), true);
 }
 
+TEST_F(UserDefaultsTest, ATruthIsABooleanThatIsTrueOrANumberOtherThanZero) {
+  EXPECT_FALSE(defaults().boolForKey("key"));
+  defaults().setBoolean("key", true);
+  EXPECT_TRUE(defaults().boolForKey("key"));
+  defaults().setBoolean("key", false);
+  EXPECT_FALSE(defaults().boolForKey("key"));
+  defaults().setDouble("key", 1);
+  EXPECT_TRUE(defaults().boolForKey("key"));
+  defaults().setDouble("key", 0);
+  EXPECT_FALSE(defaults().boolForKey("key"));
+}
+
 TEST_F(UserDefaultsTest, AStoredTextIsNoBoolean) {
   for (const char* const text : {"true", "YES", "1", ""}) {
     desktop().storeTextInDefaults("key", text);

@@ -97,6 +97,13 @@ TEST_F(LaunchOnStandInsTest, AFirstLaunchFromABundleRegistersTheLoginItemOnce) {
   EXPECT_TRUE([[NSUserDefaults standardUserDefaults] boolForKey:@"didSetupLoginItem"]);
 }
 
+TEST_F(LaunchOnStandInsTest, ALoginItemThatWasSetUpIsNotRegisteredAgainEvenIfANumberSaysSo) {
+  standins::knobs().mainBundlePath = "/Applications/Zephlin.app";
+  [[NSUserDefaults standardUserDefaults] setInteger:1 forKey:@"didSetupLoginItem"];
+  launch([] {});
+  EXPECT_EQ(standins::calls({"SMAppService register"}), Calls{});
+}
+
 TEST_F(LaunchOnStandInsTest, ARegistrationThatFailsIsLogged) {
   standins::knobs().mainBundlePath = "/Applications/Zephlin.app";
   standins::knobs().loginError = "Operation not permitted";

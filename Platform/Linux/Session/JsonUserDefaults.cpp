@@ -53,8 +53,17 @@ std::string firstFreeName(const std::string& path) {
 JsonUserDefaults::JsonUserDefaults(std::string path, SystemLog& log)
     : path_(std::move(path)), log_(log) {}
 
+Json JsonUserDefaults::stored(const std::string& key) const {
+  return unsaved_.contains(key) ? unsaved_[key] : storedIn(path_).value(key, Json());
+}
+
+bool JsonUserDefaults::boolForKey(const std::string& key) const {
+  const Json value = stored(key);
+  return value.is_boolean() ? value.get<bool>() : value.is_number() && value.get<double>() != 0;
+}
+
 std::optional<bool> JsonUserDefaults::boolean(const std::string& key) const {
-  const Json value = unsaved_.contains(key) ? unsaved_[key] : storedIn(path_).value(key, Json());
+  const Json value = stored(key);
   return value.is_boolean() ? std::optional(value.get<bool>()) : std::nullopt;
 }
 

@@ -25,11 +25,13 @@ class JsonUserDefaults final : public UserDefaults {
   JsonUserDefaults(std::string path, SystemLog& log);
 
   [[nodiscard]] std::optional<bool> boolean(const std::string& key) const override;
+  [[nodiscard]] bool boolForKey(const std::string& key) const override;
   void setBoolean(const std::string& key, bool value) override;
   /// A number that is not finite is stored as null: JSON has none.
   void setDouble(const std::string& key, double value) override;
 
  private:
+  [[nodiscard]] nlohmann::ordered_json stored(const std::string& key) const;
   void set(const std::string& key, nlohmann::ordered_json value);
   void store() const;
   [[nodiscard]] nlohmann::ordered_json readForReplacement(const FileReplacement& file) const;
