@@ -13,7 +13,8 @@ class ApplicationDelegate {
   virtual ~ApplicationDelegate() = default;
   /// Called once, on the main thread, when the event loop has begun.
   virtual void applicationDidFinishLaunching() = 0;
-  /// Called on the main thread when the user has started the application once more.
+  /// Called on the main thread when the user has started the application once more, and that start
+  /// has handed over to this one. Never on macOS, where Launch Services starts an application once.
   virtual void applicationShouldHandleReopen() = 0;
 };
 

@@ -27,6 +27,20 @@ TEST_F(LaunchTest, ABareExecutableIsNoLoginItem) {
   EXPECT_TRUE([[NSUserDefaults standardUserDefaults] objectForKey:@"didSetupLoginItem"] == nil);
 }
 
+TEST_F(LaunchTest, TheApplicationsDelegateIsToldOfTheLaunchAndOfNothingElse) {
+  launch([] {
+    const id delegate = [NSApp delegate];
+    EXPECT_TRUE([delegate respondsToSelector:@selector(applicationDidFinishLaunching:)]);
+    for (NSString *callback in
+         [NSArray arrayWithObjects:@"applicationShouldHandleReopen:hasVisibleWindows:",
+                                   @"applicationShouldTerminate:", @"applicationWillTerminate:",
+                                   @"applicationShouldTerminateAfterLastWindowClosed:", nil]) {
+      EXPECT_FALSE([delegate respondsToSelector:NSSelectorFromString(callback)])
+          << [callback UTF8String];
+    }
+  });
+}
+
 TEST_F(LaunchTest, AFailureShowsTheWarning) {
   FakeHidutil::shared().setExitStatus(1);
   launch([] {
