@@ -14,7 +14,7 @@ enum class LoginServiceStatus {
 class LoginService {
  public:
   virtual ~LoginService() = default;
-  /// Throws a std::exception whose what() is the platform's description.
+  /// Throws the platform's own error, a std::exception whose what() is its localized description.
   virtual void registerMainApp() = 0;
   /// As registerMainApp.
   virtual void unregisterMainApp() = 0;

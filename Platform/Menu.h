@@ -8,6 +8,8 @@
 #include <variant>
 #include <vector>
 
+#include "Platform/Updater.h"
+
 namespace zephlin {
 
 class Menu;
@@ -21,8 +23,14 @@ constexpr ModifierFlags modifierCommand = 1U << 20U;
 /// An action that goes to the first object of the responder chain that knows it.
 enum class ResponderAction { Hide, Terminate, Undo, Redo, Cut, Copy, Paste, SelectAll };
 
-/// What a chosen item does: nothing, an action of its target, or a responder's action.
-using MenuAction = std::variant<std::monostate, std::function<void()>, ResponderAction>;
+/// What a chosen item does: nothing, an action of the program, a responder's action, or the
+/// updater's one action.
+using MenuAction =
+    std::variant<std::monostate, std::function<void()>, ResponderAction, std::weak_ptr<Updater>>;
+
+/// Performs an action of the program, or the updater's, if it still exists. False for any other.
+/// Main thread.
+bool performAction(const MenuAction& action);
 
 /// Whether an item has a check mark. One that was told is a switch, also while it is off; any other
 /// is a command.

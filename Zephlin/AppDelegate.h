@@ -85,14 +85,13 @@ class AppDelegate : public ApplicationDelegate,
   void reapplyNow();
   void showTapTest();
   void showAbout();
-  void checkForUpdates();
   void quit();
   /// A menu's action that does nothing once the delegate has gone.
   MenuAction weakAction(void (AppDelegate::*action)());
 
   Platform& platform_;
   CapsLockEngine engine_;
-  std::unique_ptr<Updater> updaterController_;
+  std::shared_ptr<Updater> updaterController_;
   std::unique_ptr<SerialQueue> workQueue_;
   std::unique_ptr<StatusItem> statusItem_;
   std::shared_ptr<KeyboardWatcher> watcher_;

@@ -77,7 +77,7 @@ void AppDelegate::menuNeedsUpdate(Menu& menu) {
   add("Re-apply Now", &AppDelegate::reapplyNow)->isEnabled = isEnabled();
   menu.add(MenuItem::separator());
   add("Tap Test…", &AppDelegate::showTapTest);
-  add("Check for Updates…", &AppDelegate::checkForUpdates);
+  menu.add(std::make_shared<MenuItem>("Check for Updates…", std::weak_ptr(updaterController_)));
   add("About Zephlin", &AppDelegate::showAbout);
   add("Quit Zephlin", &AppDelegate::quit, "q");
   refreshStatusAsync({});
@@ -123,10 +123,6 @@ void AppDelegate::showTapTest() {
 
 void AppDelegate::showAbout() {
   runAboutAlert(platform_);
-}
-
-void AppDelegate::checkForUpdates() {
-  updaterController_->checkForUpdates();
 }
 
 void AppDelegate::quit() {

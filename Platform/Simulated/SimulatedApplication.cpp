@@ -64,16 +64,13 @@ std::optional<std::string> SimulatedApplication::pressKeyEquivalent(const std::s
 }
 
 void SimulatedApplication::perform(const MenuAction& action) {
-  if (const auto* own = std::get_if<std::function<void()>>(&action)) {
-    // A copy, since the action may rebuild the menu that holds it.
-    const std::function<void()> performed = *own;
-    performed();
-  } else if (const auto* responder = std::get_if<ResponderAction>(&action)) {
-    if (*responder == ResponderAction::Terminate) {
-      terminate();
-    } else {
-      responderActions_.push_back(*responder);
-    }
+  const auto* const responder = std::get_if<ResponderAction>(&action);
+  if (responder == nullptr) {
+    performAction(action);
+  } else if (*responder == ResponderAction::Terminate) {
+    terminate();
+  } else {
+    responderActions_.push_back(*responder);
   }
 }
 

@@ -2,8 +2,7 @@
 
 #import <ServiceManagement/ServiceManagement.h>
 
-#include <stdexcept>
-
+#include "Platform/macOS/NativeError.h"
 #import "Platform/macOS/Text.h"
 
 namespace zephlin {
@@ -11,7 +10,8 @@ namespace zephlin {
 namespace {
 
 [[noreturn]] void throwError(NSError* error) {
-  throw std::runtime_error(portableText([error localizedDescription]));
+  throw NativeError(portableText([error localizedDescription]), portableText([error domain]),
+                    [error code]);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <utility>
 
 #import "Platform/macOS/ActionTarget.h"
+#import "Platform/macOS/MacUpdater.h"
 #import "Platform/macOS/Text.h"
 
 namespace zephlin {
@@ -31,16 +32,24 @@ SEL selectorFor(ResponderAction action) {
   }
 }
 
+/// The item owns its represented object, and so its target.
+void setTarget(NSMenuItem* native, id target, SEL action) {
+  [native setRepresentedObject:target];
+  [native setTarget:target];
+  [native setAction:action];
+}
+
 /// A responder's action has no target: AppKit looks for one along the responder chain.
 void setAction(NSMenuItem* native, const MenuAction& action) {
   if (const auto* const responder = std::get_if<ResponderAction>(&action)) {
     [native setAction:selectorFor(*responder)];
   } else if (const auto* const own = std::get_if<std::function<void()>>(&action)) {
     const Retained<ZephlinActionTarget*> target([[ZephlinActionTarget alloc] initWithAction:*own]);
-    // The item owns its represented object, and so its target.
-    [native setRepresentedObject:target.get()];
-    [native setTarget:target.get()];
-    [native setAction:@selector(performAction:)];
+    setTarget(native, target.get(), @selector(performAction:));
+  } else if (const auto* const updater = std::get_if<std::weak_ptr<Updater>>(&action)) {
+    if (const auto live = updater->lock()) {
+      setTarget(native, updaterController(*live), @selector(checkForUpdates:));
+    }
   }
 }
 

@@ -1,13 +1,24 @@
 #pragma once
 
+#import <Foundation/Foundation.h>
+
 #include <memory>
 
 #include "Platform/Updater.h"
 
+/// What is used of Sparkle's SPUStandardUpdaterController, as Sparkle 2 declares it.
+@protocol ZephlinUpdaterController <NSObject>
+- (void)checkForUpdates:(id)sender;
+@end
+
 namespace zephlin {
 
-/// Sparkle's standard updater, started. Outside a bundle that has Sparkle.framework there is none,
-/// and checking does nothing.
+/// Sparkle's standard updater, started. In a copy without Sparkle.framework, checking says that it
+/// has no updater.
 std::unique_ptr<Updater> makeMacUpdater();
+
+/// The object behind an updater of this platform, to which menu items send their action. Lives as
+/// long as the updater.
+id<ZephlinUpdaterController> updaterController(const Updater& updater);
 
 }  // namespace zephlin

@@ -1,30 +1,51 @@
 #import "Platform/macOS/MacUpdater.h"
 
-#import <Foundation/Foundation.h>
+#import <AppKit/AppKit.h>
 
 #include <utility>
 
+#import "Platform/macOS/MacAlerts.h"
 #import "Platform/macOS/Retained.h"
 
-/// What is used of Sparkle's SPUStandardUpdaterController, as Sparkle 2 declares it. The class is
-/// found when the program runs, so that it builds and runs without the framework too.
-@protocol ZephlinStandardUpdaterController <NSObject>
+/// How a controller of Sparkle's is made. Its class is found when the program runs, so that it
+/// builds and runs without the framework too.
+@protocol ZephlinSparkleController <ZephlinUpdaterController>
 - (instancetype)initWithStartingUpdater:(BOOL)startUpdater
                         updaterDelegate:(id)updaterDelegate
                      userDriverDelegate:(id)userDriverDelegate;
-- (void)checkForUpdates:(id)sender;
+@end
+
+/// The controller of a copy without Sparkle.
+@interface ZephlinMissingUpdater : NSObject <ZephlinUpdaterController>
+@end
+
+@implementation ZephlinMissingUpdater
+
+- (void)checkForUpdates:(id)sender {
+  (void)sender;
+  [NSApp activateIgnoringOtherApps:YES];
+  zephlin::MacAlerts().runModal(
+      {.messageText = "Zephlin does not look for updates",
+       .informativeText =
+           "This copy has no updater. To update, get a newer copy from where you got "
+           "this one, and replace this one with it.",
+       .style = zephlin::AlertStyle::Informational,
+       .buttons = {"OK"}});
+}
+
 @end
 
 namespace zephlin {
 
 namespace {
 
-using Controller = id<ZephlinStandardUpdaterController>;
+using Controller = id<ZephlinUpdaterController>;
 
 class MacUpdater final : public Updater {
  public:
   explicit MacUpdater(Retained<Controller> controller) : controller_(std::move(controller)) {}
 
+  [[nodiscard]] Controller controller() const { return controller_.get(); }
   void checkForUpdates() override { [controller_.get() checkForUpdates:nil]; }
 
  private:
@@ -32,19 +53,31 @@ class MacUpdater final : public Updater {
 };
 
 /// Nil where the bundle has no Sparkle.
-Class updaterControllerClass() {
+Class sparkleControllerClass() {
   NSString* const frameworks = [[NSBundle mainBundle] privateFrameworksPath];
   NSBundle* const sparkle =
       [NSBundle bundleWithPath:[frameworks stringByAppendingPathComponent:@"Sparkle.framework"]];
   return [sparkle load] ? [sparkle classNamed:@"SPUStandardUpdaterController"] : Nil;
 }
 
+Retained<Controller> startedController() {
+  if (const Class sparkle = sparkleControllerClass()) {
+    const id<ZephlinSparkleController> controller = [sparkle alloc];
+    return Retained<Controller>([controller initWithStartingUpdater:YES
+                                                    updaterDelegate:nil
+                                                 userDriverDelegate:nil]);
+  }
+  return Retained<Controller>([[ZephlinMissingUpdater alloc] init]);
+}
+
 }  // namespace
 
 std::unique_ptr<Updater> makeMacUpdater() {
-  const Controller controller = [updaterControllerClass() alloc];
-  return std::make_unique<MacUpdater>(Retained<Controller>(
-      [controller initWithStartingUpdater:YES updaterDelegate:nil userDriverDelegate:nil]));
+  return std::make_unique<MacUpdater>(startedController());
+}
+
+Controller updaterController(const Updater& updater) {
+  return static_cast<const MacUpdater&>(updater).controller();
 }
 
 }  // namespace zephlin

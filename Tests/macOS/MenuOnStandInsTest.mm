@@ -46,6 +46,10 @@ TEST_F(MenuOnStandInsTest, CheckingForUpdatesIsSparklesAction) {
   standins::knobs().bundleHasSparkle = true;
   launch([] {
     openMenu();
+    NSMenuItem* const check = item("Check for Updates…");
+    EXPECT_STREQ([NSStringFromClass([[check target] class]) UTF8String],
+                 "SPUStandardUpdaterController");
+    EXPECT_STREQ([NSStringFromSelector([check action]) UTF8String], "checkForUpdates:");
     choose("Check for Updates…");
   });
   EXPECT_EQ(standins::calls({"SPU"}),

@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <cstdlib>
 
 #include "StandIns/Actions.h"
 #include "StandIns/CallLog.h"
 #include "StandIns/Knobs.h"
+#import "Support/Mac.h"
 #import "Support/StandInMac.h"
 #include "Support/Throwing.h"
 
@@ -29,6 +31,16 @@ TEST_F(ServicesTest, ATextOrANumberIsNoBoolean) {
   EXPECT_EQ(defaults().boolean("instantCapsLockEnabled"), std::nullopt);
   [stored setInteger:0 forKey:@"instantCapsLockEnabled"];
   EXPECT_EQ(defaults().boolean("instantCapsLockEnabled"), std::nullopt);
+}
+
+TEST_F(ServicesTest, ATruthIsWhatUserDefaultsTakeForOne) {
+  NSUserDefaults* const stored = [NSUserDefaults standardUserDefaults];
+  [stored setInteger:1 forKey:@"didSetupLoginItem"];
+  EXPECT_TRUE(defaults().boolForKey("didSetupLoginItem"));
+  [stored setObject:@"YES" forKey:@"didSetupLoginItem"];
+  EXPECT_TRUE(defaults().boolForKey("didSetupLoginItem"));
+  [stored setInteger:0 forKey:@"didSetupLoginItem"];
+  EXPECT_FALSE(defaults().boolForKey("didSetupLoginItem"));
 }
 
 TEST_F(ServicesTest, ADoubleSettingIsStoredAsANumber) {
@@ -118,10 +130,12 @@ TEST_F(ServicesTest, RegisteringAndUnregisteringGoToTheMainApplicationsService) 
              "SMAppService openSystemSettingsLoginItems"}));
 }
 
-TEST_F(ServicesTest, AFailureOfTheLoginServiceIsThrownWithItsDescription) {
+TEST_F(ServicesTest, AFailureOfTheLoginServiceIsThrownAsItIs) {
   standins::knobs().loginError = "Operation not permitted";
   EXPECT_EQ(thrownBy([this] { login().registerMainApp(); }), "Operation not permitted");
   EXPECT_EQ(thrownBy([this] { login().unregisterMainApp(); }), "Operation not permitted");
+  EXPECT_EQ(nativeErrorOf([this] { login().registerMainApp(); }), "SMAppServiceErrorDomain 1");
+  EXPECT_EQ(nativeErrorOf([this] { login().unregisterMainApp(); }), "SMAppServiceErrorDomain 1");
 }
 
 TEST_F(ServicesTest, SparkleIsLoadedFromTheBundleAndStartedAtOnce) {
@@ -138,9 +152,18 @@ TEST_F(ServicesTest, SparkleIsLoadedFromTheBundleAndStartedAtOnce) {
   EXPECT_FALSE(standins::liveObjects().contains("SPUStandardUpdaterController"));
 }
 
-TEST_F(ServicesTest, WithoutSparkleCheckingForUpdatesDoesNothing) {
+TEST_F(ServicesTest, WithoutSparkleCheckingForUpdatesSaysThatThereIsNoUpdater) {
+  Calls texts;
+  mac::whenModal([&texts] {
+    texts = labelTexts([[NSApp modalWindow] contentView]);
+    clickInModalWindow("OK");
+  });
   platform().makeStartedUpdater()->checkForUpdates();
-  EXPECT_EQ(standins::calls({"SPU"}), Calls{});
+  EXPECT_NE(std::find(texts.begin(), texts.end(), "Zephlin does not look for updates"),
+            texts.end());
+  EXPECT_EQ(
+      standins::calls({"NSApplication", "NSAlert", "SPU"}),
+      (Calls{"NSApplication activateIgnoringOtherApps:1", "NSAlert runModal(style 1, 1 buttons)"}));
 }
 
 }  // namespace

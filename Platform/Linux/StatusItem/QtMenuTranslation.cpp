@@ -115,9 +115,7 @@ QAction& QtMenuTranslation::actionAt(std::size_t index, const MenuItem& item) {
 void QtMenuTranslation::perform(const MenuAction& action) {
   const QPointer<QObject> alive(&context_);
   // An entry of a status menu has a target of its own: no responder is asked.
-  if (const auto* function = std::get_if<std::function<void()>>(&action); function && *function) {
-    (*function)();
-  }
+  performAction(action);
   // A delegate may set work going when it is asked, and a quit would wait for that.
   if (alive && !isTerminating_()) {
     update();

@@ -78,11 +78,7 @@ bool KeyEquivalents::perform(const MenuItem& item) const {
   if (const auto* responderAction = std::get_if<ResponderAction>(&item.action)) {
     return perform(*responderAction);
   }
-  if (const auto* action = std::get_if<std::function<void()>>(&item.action)) {
-    (*action)();
-    return true;
-  }
-  return false;
+  return performAction(item.action);
 }
 
 bool KeyEquivalents::perform(ResponderAction action) const {

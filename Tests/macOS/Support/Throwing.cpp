@@ -2,6 +2,8 @@
 
 #include <exception>
 
+#include "Platform/macOS/NativeError.h"
+
 namespace zephlin::test {
 
 std::string thrownBy(const std::function<void()>& work) {
@@ -9,6 +11,15 @@ std::string thrownBy(const std::function<void()>& work) {
     work();
   } catch (const std::exception& error) {
     return error.what();
+  }
+  return {};
+}
+
+std::string nativeErrorOf(const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const NativeError& error) {
+    return error.domain + " " + std::to_string(error.code);
   }
   return {};
 }

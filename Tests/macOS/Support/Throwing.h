@@ -9,4 +9,7 @@ namespace zephlin::test {
 /// catches no exception of C++ in Objective-C++.
 std::string thrownBy(const std::function<void()>& work);
 
+/// The domain and the code of the work's NativeError, as "domain code".
+std::string nativeErrorOf(const std::function<void()>& work);
+
 }  // namespace zephlin::test
