@@ -30,6 +30,7 @@ class MacContractDesktop final : public ContractDesktop {
  public:
   MacContractDesktop() {
     mac::reset();
+    forgetSettings();
     restartPlatform();
   }
 
@@ -96,16 +97,17 @@ class MacContractDesktop final : public ContractDesktop {
     [[NSUserDefaults standardUserDefaults] setObject:[NSString stringWithUTF8String:text.c_str()]
                                               forKey:[NSString stringWithUTF8String:key.c_str()]];
   }
-  void spoilDefaults() override {
-    [[NSUserDefaults standardUserDefaults]
-        removePersistentDomainForName:[[NSProcessInfo processInfo] processName]];
-  }
+  void spoilDefaults() override { forgetSettings(); }
   void switchLoginItemOff() override { mac::switchLoginItemOff(); }
   void makeLoginItemsFail() override { mac::makeLoginItemsFail(); }
 
  private:
   static constexpr double patience = 30;
 
+  static void forgetSettings() {
+    [[NSUserDefaults standardUserDefaults]
+        removePersistentDomainForName:[[NSProcessInfo processInfo] processName]];
+  }
   static NSView* content() { return [windowTitled(windowTitle) contentView]; }
   static void takeTurn() {
     const AutoreleasePool pool;
