@@ -150,7 +150,7 @@ void setDark(bool isDark) {
 bool isShown(NSColor* color, CGColorRef shown, NSView* view) {
   __block bool isEqual = false;
   [[view effectiveAppearance] performAsCurrentDrawingAppearance:^{
-    isEqual = CGColorEqualToColor([color CGColor], shown);
+    isEqual = shown != nullptr && CGColorEqualToColor([color CGColor], shown);
   }];
   return isEqual;
 }
