@@ -63,3 +63,10 @@ need_virtual_desktop_packages() {
 need_virtual_machine_packages() {
     need_packages busybox-static cpio libxkbcommon-dev qemu-system-x86 systemd udev xkb-data
 }
+
+# What builds for macOS: a compiler and a linker, LLVM's libc++ for its symbols, and npm, which brings
+# what takes the place of Apple's SDK.
+need_macos_packages() {
+    need_packages clang-16 cmake git libc++1-14 lld-16 llvm-16 ninja-build python3
+    command -v npm >/dev/null || need_packages npm
+}

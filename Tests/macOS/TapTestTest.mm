@@ -43,8 +43,9 @@ TEST_F(TapTestTest, ThePreviewWritesAPictureOfTheWindowAndQuits) {
   ::unsetenv("ZEPHLIN_PREVIEW");
   ::unsetenv("ZEPHLIN_PREVIEW_OUT");
   const std::string path = folder.file("preview.png");
-  NSBitmapImageRep* const picture =
-      [NSBitmapImageRep imageRepWithContentsOfFile:[NSString stringWithUTF8String:path.c_str()]];
+  NSBitmapImageRep* const picture = [NSBitmapImageRep
+      imageRepWithData:[NSData
+                           dataWithContentsOfFile:[NSString stringWithUTF8String:path.c_str()]]];
   EXPECT_GT([picture pixelsWide], 0);
   EXPECT_EQ([picture pixelsWide] % 408, 0) << "one pixel a point, or a whole number of them";
   EXPECT_GT([picture pixelsHigh], 300);

@@ -116,7 +116,14 @@ INTEGERS = ("int64", "uint64", "long", "ulong", "int", "uint")
 STRUCTURES = {"CGRect": "CGRect", "CGPoint": "CGPoint", "CGSize": "CGSize",
               "NSEdgeInsets": "NSEdgeInsets", "_NSRange": "NSRange", "NSRange": "NSRange"}
 
-# Selectors that are words of C++ are fine in Objective-C++; names of arguments are not written.
+# Of the properties that hold an object of Core Foundation's, which the declarations call plain
+# objects, those that are used.
+C_OBJECTS = {
+    ("CALayer", "backgroundColor"): "CGColorRef",
+    ("CALayer", "borderColor"): "CGColorRef",
+    ("NSColor", "CGColor"): "CGColorRef",
+}
+
 ENUM = re.compile(r"interop\.Enum<typeof (\w+)>")
 
 
@@ -272,8 +279,12 @@ class FrameworkHeaders:
         parts = method.selector.split(":")[:-1]
         if len(parts) != len(signature.arguments):
             raise Inexpressible
-        result = self._spelling(signature.result, result_enum)
         sign = "+" if method.is_static else "-"
+        if c_object := C_OBJECTS.get((owner, method.property_name)):
+            if parts:
+                return f"{sign} (void){method.selector}({c_object})a0;"
+            return f"{sign} ({c_object}){method.selector};"
+        result = self._spelling(signature.result, result_enum)
         if not parts:
             return f"{sign} ({result}){method.selector};"
         enums = argument_enums + [""] * len(parts)

@@ -61,6 +61,10 @@ typedef struct CGSize { CGFloat width, height; } CGSize;
 typedef struct CGRect { CGPoint origin; CGSize size; } CGRect;
 """
 
+# What the tests use of a real Mac, and no stand-in has.
+CORE_GRAPHICS = """extern "C" bool CGColorEqualToColor(CGColorRef color, CGColorRef other);
+"""
+
 
 def main() -> None:
     inputs = [*sorted(HERE.glob("*.py")), HERE / "packages.sha512",
@@ -137,7 +141,10 @@ def make_c_frameworks(frameworks: pathlib.Path) -> None:
     core_foundation.mkdir(parents=True)
     (core_foundation / "CoreFoundation.h").write_text(
         CORE_FOUNDATION + (STAND_INS / "CoreFoundation/CoreFoundation.h").read_text())
-    link(STAND_INS / "CoreGraphics/CoreGraphics.h", frameworks / "CoreGraphics.framework/Headers")
+    core_graphics = frameworks / "CoreGraphics.framework/Headers"
+    core_graphics.mkdir(parents=True)
+    (core_graphics / "CoreGraphics.h").write_text(
+        f'#pragma once\n#include "{STAND_INS}/CoreGraphics/CoreGraphics.h"\n' + CORE_GRAPHICS)
     io_kit = frameworks / "IOKit.framework/Headers"
     link(STAND_INS / "IOKit/IOKitLib.h", io_kit)
     link(STAND_INS / "IOKit/hid/IOHIDKeys.h", io_kit / "hid")

@@ -110,7 +110,7 @@ def parse(command: dict) -> libclang.TranslationUnit:
 def _examine(command: dict) -> tuple[str, set[Name], set[Implementation]]:
     names: set[Name] = set()
     implementations: set[Implementation] = set()
-    interfaces = {}
+    own = {}  # classes and protocols
 
     def visit(cursor) -> None:
         referenced = cursor.referenced
@@ -124,19 +124,21 @@ def _examine(command: dict) -> tuple[str, set[Name], set[Implementation]]:
         if cursor.kind == CursorKind.MACRO_DEFINITION or _folder(cursor) != ROOM:
             continue
         visit(cursor)
-        if cursor.kind == CursorKind.OBJC_INTERFACE_DECL:
-            interfaces[cursor.spelling] = cursor
+        if cursor.kind in (CursorKind.OBJC_INTERFACE_DECL, CursorKind.OBJC_PROTOCOL_DECL):
+            own[cursor.spelling] = cursor
         elif cursor.kind == CursorKind.OBJC_IMPLEMENTATION_DECL:
-            implementations |= _implementations(interfaces[cursor.spelling], cursor)
+            implementations |= _implementations(own, cursor)
     return pathlib.Path(command["file"]).name, names, implementations
 
 
-def _implementations(interface, implementation) -> set[Implementation]:
-    parents = tuple(child.spelling for child in interface.get_children() if child.kind in (
-        CursorKind.OBJC_SUPER_CLASS_REF, CursorKind.OBJC_PROTOCOL_REF))
+def _implementations(own: dict, implementation) -> set[Implementation]:
+    interface = own[implementation.spelling]
+    parents = [child.spelling for child in interface.get_children() if child.kind in (
+        CursorKind.OBJC_SUPER_CLASS_REF, CursorKind.OBJC_PROTOCOL_REF)]
     methods = (CursorKind.OBJC_INSTANCE_METHOD_DECL, CursorKind.OBJC_CLASS_METHOD_DECL)
-    declared = {child.spelling for child in interface.get_children() if child.kind in methods}
-    return {Implementation(interface.spelling, parents, method.spelling,
+    declared = {child.spelling for name in (interface.spelling, *parents) if name in own
+                for child in own[name].get_children() if child.kind in methods}
+    return {Implementation(interface.spelling, tuple(parents), method.spelling,
                            method.kind == CursorKind.OBJC_CLASS_METHOD_DECL)
             for method in implementation.get_children()
             if method.kind in methods and method.spelling not in declared}

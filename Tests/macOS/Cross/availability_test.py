@@ -50,7 +50,8 @@ class AvailabilityTest(unittest.TestCase):
     def test_each_name_that_is_used_is_in_the_table(self) -> None:
         for name, files in self.used.items():
             with self.subTest(name=name, files=sorted(files)):
-                self.assertIn(name, self.table, f"look up since when it exists: {TABLE}")
+                self.assertTrue(name in self.table,
+                                f"look up since when it exists, and add it to {TABLE.name}")
 
     def test_each_name_in_the_table_exists_on_the_oldest_macos_and_has_a_source(self) -> None:
         oldest = oldest_macos()
