@@ -2,6 +2,7 @@
 
 #include <array>
 #include <chrono>
+#include <system_error>
 #include <utility>
 
 #include "ZephlinCore/CheckedArithmetic.h"
@@ -70,23 +71,33 @@ CapsLockEngine::Status CapsLockEngine::status() const {
   const std::array<std::string, 5> arguments = {
       "property", "--matching", std::string(keyboardMatching), "--get", std::string(propertyKey)};
   Status status;
-  for (const HidPropertyRow& row : HidUtilOutputParser::parse(runHidutil(arguments))) {
+  const std::optional<std::string> listing = runHidutil(arguments);
+  if (!listing) {
+    throw std::system_error(
+        std::make_error_code(std::errc::message_size),
+        "hidutil printed more than " + std::to_string(maximumChildOutputBytes >> 20U) + " MiB");
+  }
+  for (const HidPropertyRow& row : HidUtilOutputParser::parse(*listing)) {
     ++countFor(row, status);
   }
   return status;
 }
 
-std::string CapsLockEngine::runHidutil(std::span<const std::string> arguments) const {
+std::optional<std::string> CapsLockEngine::runHidutil(
+    std::span<const std::string> arguments) const {
   ChildProcessResult result =
       runChildProcess(hidutilPath, arguments, std::chrono::duration<double>(timeoutSeconds));
   if (result.timedOut) {
     throw EngineError(EngineError::TimedOut{});
   }
-  std::string output = isValidUtf8(result.output) ? std::move(result.output) : std::string();
-  if (result.terminationStatus != 0) {
-    throw EngineError(EngineError::HidutilFailed{result.terminationStatus, std::move(output)});
+  if (result.output && !isValidUtf8(*result.output)) {
+    result.output->clear();
   }
-  return output;
+  if (result.terminationStatus != 0) {
+    throw EngineError(EngineError::HidutilFailed{result.terminationStatus,
+                                                 std::move(result.output).value_or("")});
+  }
+  return std::move(result.output);
 }
 
 std::string localizedDescription(const std::exception& error) {

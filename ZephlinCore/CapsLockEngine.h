@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -59,8 +60,8 @@ class CapsLockEngine {
     struct HidutilFailed {
       /// Or the number of the signal that ended the tool.
       std::int32_t exitStatus;
-      /// All that is kept of the tool's standard output and standard error, untrimmed; empty where
-      /// it is not valid UTF-8.
+      /// The tool's standard output and standard error, untrimmed; empty where they are not valid
+      /// UTF-8, or too long to be kept.
       std::string output;
     };
     /// The tool ran past `timeoutSeconds` and was killed.
@@ -90,15 +91,15 @@ class CapsLockEngine {
   /// Sets the override to `value` milliseconds on every keyboard; reads nothing back.
   void setOverride(std::int64_t value) const;
   /// Counts the keyboard services by the delay they report. Output that is not valid UTF-8 counts
-  /// as no keyboards.
+  /// as no keyboards. Throws std::system_error when the listing is too long to be kept.
   [[nodiscard]] Status status() const;
 
   std::string hidutilPath;
 
  private:
   /// Returns the tool's standard output and standard error as one text, empty where it is not
-  /// valid UTF-8.
-  [[nodiscard]] std::string runHidutil(std::span<const std::string> arguments) const;
+  /// valid UTF-8; nothing where it is too long to be kept.
+  [[nodiscard]] std::optional<std::string> runHidutil(std::span<const std::string> arguments) const;
 };
 
 /// The text by which a failure of the engine is shown to a person.

@@ -4,7 +4,6 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <system_error>
@@ -39,21 +38,11 @@ bool waitUntilReadable(const FileDescriptor& descriptor, Clock::time_point deadl
   }
 }
 
-/// Removes the last character if it is not ASCII, for it may be half of one.
-void trimPartialCharacter(std::string& text) {
-  const auto isContinuation = [](char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-  };
-  const auto lead = std::find_if_not(text.rbegin(), text.rend(), isContinuation);
-  const bool startsCharacter = lead != text.rend() && static_cast<unsigned char>(*lead) >= 0xC0U;
-  text.erase(startsCharacter ? lead.base() - 1 : lead.base(), text.end());
-}
-
-/// What is kept of what is read from the child.
+/// What the child has printed, as far as it is kept.
 class Output {
  public:
-  /// Reads once and returns the number of bytes, 0 at the end of file. What does not fit is read
-  /// all the same, so that the child can go on.
+  /// Reads once and returns the number of bytes, 0 at the end of file. What is too long is read all
+  /// the same, so that the child can go on.
   std::size_t readFrom(const FileDescriptor& descriptor) {
     ssize_t count = -1;
     while ((count = ::read(descriptor.get(), buffer_.data(), buffer_.size())) == -1) {
@@ -62,22 +51,18 @@ class Output {
       }
     }
     const auto read = static_cast<std::size_t>(count);
-    const std::size_t kept = std::min(read, maximumChildOutputBytes - text_.size());
-    text_.append(buffer_.data(), kept);
-    truncated_ = truncated_ || kept < read;
+    if (text_ && text_->size() + read <= maximumChildOutputBytes) {
+      text_->append(buffer_.data(), read);
+    } else {
+      text_.reset();
+    }
     return read;
   }
 
-  std::string take() {
-    if (truncated_) {
-      trimPartialCharacter(text_);
-    }
-    return std::move(text_);
-  }
+  std::optional<std::string> take() { return std::move(text_); }
 
  private:
-  std::string text_;
-  bool truncated_ = false;
+  std::optional<std::string> text_ = std::string();
   std::array<char, 65536> buffer_;
 };
 
@@ -110,15 +95,17 @@ ChildProcessResult runChildProcess(const std::string& executable,
   const auto deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(timeLimit);
   TimeoutFlag timeoutFlag;
   Output output;
-  {
+  // In this order: a child blocks while the pipe is full, and would never exit.
+  readToEnd(pipe.readEnd, deadline, output);
+  // Reading keeps to the deadline by itself, and most children have ended when it is over. Only the
+  // others cost a thread.
+  if (child.isRunning()) {
     const Watchdog watchdog(deadline, [&child, &timeoutFlag] {
       if (child.isRunning()) {
         timeoutFlag.set();
         child.kill();
       }
     });
-    // In this order: a child blocks while the pipe is full, and would never exit.
-    readToEnd(pipe.readEnd, deadline, output);
     child.waitUntilExit();
   }
   // Should this process have been stopped, the deadline may have passed before all was read of a

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -14,9 +15,9 @@ struct ChildProcessResult {
   std::int32_t terminationStatus = 0;
   /// The child still ran when the time was up, and was killed.
   bool timedOut = false;
-  /// What arrived of standard output and standard error, in one stream: at most
-  /// `maximumChildOutputBytes`, cut before a character that would pass that.
-  std::string output;
+  /// What arrived of standard output and standard error, in one stream. Nothing is kept of more
+  /// than `maximumChildOutputBytes`: a part would read like the whole.
+  std::optional<std::string> output = std::string();
 };
 
 constexpr std::size_t maximumChildOutputBytes = std::size_t{256} << 20U;
@@ -28,8 +29,7 @@ constexpr std::size_t maximumChildOutputBytes = std::size_t{256} << 20U;
 /// no other descriptor, default signal dispositions, an empty signal mask. Its standard output and
 /// standard error are one pipe. All of it is read, then the child is reaped; a child that is still
 /// running after `timeLimit` is sent SIGKILL. Waiting for more to read ends at the limit too, in
-/// case a process that the child left behind holds the pipe open. So the call blocks for
-/// `timeLimit` and a kill at most.
+/// case another process holds the pipe open. So the call blocks for `timeLimit` and a kill at most.
 ///
 /// Throws std::system_error when the child cannot be launched, naming an executable that cannot be
 /// run, and when it cannot be watched, be it that no thread can be had for the time limit or that

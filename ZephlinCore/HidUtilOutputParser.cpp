@@ -1,6 +1,5 @@
 #include "ZephlinCore/HidUtilOutputParser.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <cstring>
@@ -34,17 +33,6 @@ std::string_view takeColumn(std::string_view& line) {
   return {begin, static_cast<std::size_t>(end - begin)};
 }
 
-/// An upper bound, from the number of line ends and from the six bytes of the shortest row ("a b 0"
-/// and its line end). Counted by jumps, which takes a fraction of the time that growing would.
-std::size_t mostRowsIn(std::string_view text) {
-  std::size_t lineEnds = 1;
-  for (std::size_t at = text.find('\n'); at != std::string_view::npos;
-       at = text.find('\n', at + 1)) {
-    ++lineEnds;
-  }
-  return std::min(lineEnds, text.size() / 6 + 1);
-}
-
 std::optional<std::int64_t> parseInteger(std::string_view text) {
   // std::from_chars knows no plus sign, and "+-1" is no number.
   if (text.starts_with('+')) {
@@ -70,7 +58,6 @@ bool isNullMarker(std::string_view text) {
 
 std::vector<HidPropertyRow> parse(std::string_view text) {
   std::vector<HidPropertyRow> rows;
-  rows.reserve(mostRowsIn(text));
   while (!text.empty()) {
     std::string_view line = takeLine(text);
     const std::string_view registryID = takeColumn(line);

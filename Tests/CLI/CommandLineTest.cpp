@@ -349,6 +349,11 @@ TEST_F(CommandLineTest, ARunningApplicationIsNotedAfterApplyAndRestoreAlone) {
   expect({"restore"}, 0, restoreReport, "");
 }
 
+TEST_F(CommandLineTest, AListingThatIsTooLongIsAnErrorAndNotAShorterListing) {
+  let("flood 400000000");
+  expect({"status"}, 1, "", "status failed: hidutil printed more than 256 MiB: Message too long\n");
+}
+
 TEST_F(CommandLineTest, WorksWithTheStandardDescriptorsClosed) {
   replyToGet(listing({"0"}));
   prepare_ = [] {
@@ -394,7 +399,8 @@ TEST_F(CommandLineTest, HidutilInheritsNoMoreThanItShould) {
   };
   const Outcome result = zephlin({"status"});
   EXPECT_EQ(result.errors,
-            "status failed: hidutil exited with status 1: descriptors: 0 1 2\n"
+            "status failed: hidutil exited with status 1: argument 0: /usr/bin/hidutil\n"
+            "descriptors: 0 1 2\n"
             "blocked:\n"
             "ignored:\n"
             "directory: /usr\n"

@@ -2,17 +2,18 @@
 // whose arguments are given, the same words in the environment variable TEST_TOOL:
 //
 //   exit STATUS [TEXT]         prints TEXT and exits
-//   sleep MILLISECONDS STATUS  exits after that time
+//   sleep MILLISECONDS STATUS [TEXT]  prints TEXT after that time and exits
 //   merged                     prints three lines, the second of them to standard error
 //   die-by SIGNAL [TEXT]       prints TEXT and sends itself SIGNAL
 //   hang [TEXT]                prints TEXT, ignores every signal and never ends
 //   stop                       stops itself with SIGSTOP
-//   close-output-and-hang      closes standard output and standard error, and never ends
+//   close-output MILLISECONDS  closes standard output and standard error, and exits after that time
 //   flood [BYTES [TEXT]]       prints BYTES bytes, then TEXT, and exits; or prints forever
 //   leave-grandchild STATUS    leaves a process behind that holds the pipe; prints its identifier
 //   leave-grandchild hang      the same, and never ends
 //   describe [STATUS]          prints what it has inherited, and exits
-//   watch-parent               prints the signals that its parent's newest thread blocks
+//   watch-parent               closes its output; fails if the thread that its parent then starts
+//                              blocks fewer signals than it can
 //   echo-arguments             prints its arguments, one a line
 //   replies DIRECTORY          prints DIRECTORY/set or DIRECTORY/get, as the arguments ask, to the
 //                              stream and with the status in its first line; keeps the arguments
@@ -47,6 +48,10 @@ using Words = std::vector<std::string>;
 void print(const std::string& text) {
   std::fputs(text.c_str(), stdout);
   std::fflush(stdout);
+}
+
+void sleepFor(const std::string& milliseconds) {
+  ::usleep(1000U * static_cast<useconds_t>(std::atoi(milliseconds.c_str())));
 }
 
 std::string word(const Words& words, std::size_t index) {
@@ -109,7 +114,8 @@ void describeSignals() {
   print(blocked + "\n" + ignored + "\n");
 }
 
-void describe() {
+void describe(const char* argument0) {
+  print(std::string("argument 0: ") + argument0 + "\n");
   print("descriptors:" + openDescriptors() + "\n");
   describeSignals();
   char directory[4096];
@@ -121,8 +127,14 @@ void describe() {
         "\n");
 }
 
-/// Waits for the parent's second thread and prints the signals that its newest one blocks.
-void watchParent() {
+void closeOutput() {
+  ::close(STDOUT_FILENO);
+  ::close(STDERR_FILENO);
+}
+
+/// Waits for the parent's second thread. Returns whether it blocks every signal, but for those that
+/// cannot be blocked and those that the C library, or a sanitizer, keeps for itself.
+bool parentBlocksSignals() {
   const std::filesystem::path tasks = "/proc/" + std::to_string(::getppid()) + "/task";
   const auto newestThread = [&tasks] {
     int newest = 0;
@@ -136,10 +148,11 @@ void watchParent() {
   ::usleep(50000);  // A thread begins with every signal blocked.
   std::ifstream status(tasks / std::to_string(newestThread()) / "status");
   for (std::string line; std::getline(status, line);) {
-    if (line.starts_with("SigBlk")) {
-      print(line + "\n");
+    if (line.starts_with("SigBlk:\tfffffffe")) {
+      return true;
     }
   }
+  return false;
 }
 
 int reply(const std::string& directory, const Words& arguments) {
@@ -180,7 +193,8 @@ int main(int argc, char* argv[]) {
     return std::atoi(word(words, 1).c_str());
   }
   if (mode == "sleep") {
-    ::usleep(1000U * static_cast<useconds_t>(std::atoi(word(words, 1).c_str())));
+    sleepFor(word(words, 1));
+    print(word(words, 3));
     return std::atoi(word(words, 2).c_str());
   }
   if (mode == "merged") {
@@ -207,10 +221,10 @@ int main(int argc, char* argv[]) {
     ::raise(SIGSTOP);
     return 0;
   }
-  if (mode == "close-output-and-hang") {
-    ::close(STDOUT_FILENO);
-    ::close(STDERR_FILENO);
-    hang();
+  if (mode == "close-output") {
+    closeOutput();
+    sleepFor(word(words, 1));
+    return 0;
   }
   if (mode == "flood") {
     flood(word(words, 1), word(words, 2));
@@ -223,12 +237,12 @@ int main(int argc, char* argv[]) {
     return std::atoi(word(words, 1).c_str());
   }
   if (mode == "describe") {
-    describe();
+    describe(argv[0]);
     return std::atoi(word(words, 1).c_str());
   }
   if (mode == "watch-parent") {
-    watchParent();
-    return 0;
+    closeOutput();
+    return parentBlocksSignals() ? 0 : 1;
   }
   if (mode == "echo-arguments") {
     for (const std::string& argument : arguments) {

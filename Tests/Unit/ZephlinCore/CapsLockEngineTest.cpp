@@ -195,6 +195,31 @@ TEST_F(CapsLockEngineTest, OutputThatIsNotUtf8IsEmptyText) {
   }
 }
 
+TEST_F(CapsLockEngineTest, AListingThatIsTooLongIsAnError) {
+  FakeRunner::shared().results.push_back({0, false, std::nullopt});
+  try {
+    static_cast<void>(engine_.status());
+    FAIL() << "no error";
+  } catch (const std::system_error& error) {
+    EXPECT_EQ(localizedDescription(error), "hidutil printed more than 256 MiB: Message too long");
+  }
+}
+
+TEST_F(CapsLockEngineTest, HowMuchASuccessfulSetPrintsDoesNotMatter) {
+  FakeRunner::shared().results.push_back({0, false, std::nullopt});
+  EXPECT_NO_THROW(engine_.applyInstant());
+}
+
+TEST_F(CapsLockEngineTest, AFailureWhoseTextIsTooLongHasNone) {
+  FakeRunner::shared().results.push_back({3, false, std::nullopt});
+  try {
+    engine_.applyInstant();
+    FAIL() << "no error";
+  } catch (const EngineError& error) {
+    EXPECT_EQ(error.errorDescription(), "hidutil exited with status 3: ");
+  }
+}
+
 TEST(CapsLockEngineStatus, ATotalThatOverflowsAbortsTheProcess) {
   const Status status{std::numeric_limits<std::int64_t>::max(), 0, 1};
   EXPECT_DEATH(static_cast<void>(status.totalServices()), "Zephlin: fatal: a count overflowed");
