@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,6 +19,18 @@ using Log = std::vector<std::string>;
 constexpr auto notPermitted = static_cast<std::int32_t>(0xE00002E2);
 constexpr const char* tapFailure =
     "Zephlin: could not create flagsChanged event tap, falling back to polling";
+
+// Nobody taps so often that a count overflows. The tests may set the counts because access is not
+// checked where a template is instantiated explicitly.
+std::int64_t& pressCountOf(TapTestController& controller);
+std::int64_t& toggleCountOf(TapTestController& controller);
+
+template <auto Presses, auto Toggles>
+struct CountAccess {
+  friend std::int64_t& pressCountOf(TapTestController& controller) { return controller.*Presses; }
+  friend std::int64_t& toggleCountOf(TapTestController& controller) { return controller.*Toggles; }
+};
+template struct CountAccess<&TapTestController::pressCount_, &TapTestController::toggleCount_>;
 
 // Channels.
 
@@ -580,6 +593,22 @@ TEST_F(TapMonitor, PollingThatStartsBesideTheTapRemembersItsOwnState) {
   expectCounts(0, 3);
   close();
   expectChannels(0, 0, 0);
+}
+
+TEST_F(TapMonitor, ACountOfPressesThatOverflowsAbortsTheProcess) {
+  show();
+  pressCountOf(*controller_) = std::numeric_limits<std::int64_t>::max() - 1;
+  desktop_.tapCapsLock();
+  EXPECT_EQ(controller_->pressCount(), std::numeric_limits<std::int64_t>::max());
+  EXPECT_DEATH(desktop_.tapCapsLock(), "Zephlin: fatal: a count overflowed");
+}
+
+TEST_F(TapMonitor, ACountOfTogglesThatOverflowsAbortsTheProcess) {
+  showAndTouchShift();
+  toggleCountOf(*controller_) = std::numeric_limits<std::int64_t>::max() - 1;
+  toggle();
+  EXPECT_EQ(controller_->toggleCount(), std::numeric_limits<std::int64_t>::max());
+  EXPECT_DEATH(toggle(), "Zephlin: fatal: a count overflowed");
 }
 
 }  // namespace

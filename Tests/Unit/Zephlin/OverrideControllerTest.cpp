@@ -175,6 +175,43 @@ TEST_F(OverrideController, AKeyboardThatDoesNotTakeTheOverrideLeavesItTurningOn)
   EXPECT_EQ(applies(), 4U);
 }
 
+TEST_F(OverrideController, AKeyboardWithAnotherDelayLeavesItTurningOn) {
+  desktop_.plugKeyboard(true);
+  desktop_.keyboards().at(desktop_.keyboards().all().rbegin()->first).value = 10;
+  launchAndSettle();
+  EXPECT_EQ(delegate_->cachedStatus(), (Status{1, 0, 1}));
+  EXPECT_EQ(delegate_->statusDescription(), "Turning on…");
+}
+
+TEST_F(OverrideController, EveryRequestFromOutsideBeginsTheCountAnew) {
+  desktop_.hidutil().failGets(HidutilFault::Exit{});
+  launch();
+  const auto expectAnew = [this](const char* what, const std::function<void()>& request) {
+    desktop_.runFor(60);
+    ASSERT_EQ(delegate_->retryAttempts(), 3) << "before " << what;
+    request();
+    EXPECT_EQ(delegate_->retryAttempts(), 0) << what;
+  };
+  expectAnew("Re-apply Now", [this] { openMenuAndClick("Re-apply Now"); });
+  expectAnew("a switch", [this] { delegate_->setEnabled(true); });
+  expectAnew("a wake", [this] {
+    desktop_.sleepAndWake(60);
+    desktop_.runFor(2);
+  });
+  expectAnew("a keyboard", [this] {
+    desktop_.plugKeyboard();
+    desktop_.runFor(1);
+  });
+}
+
+TEST_F(OverrideController, ARequestWhileItIsOffLeavesTheCount) {
+  desktop_.hidutil().failGets(HidutilFault::Exit{});
+  launchAndSettle();
+  delegate_->setEnabled(false);
+  delegate_->applyIfEnabled(false);
+  EXPECT_EQ(delegate_->retryAttempts(), 1);
+}
+
 TEST_F(OverrideController, ReapplyNowResetsTheCountAndThePendingRetryFiresAsARetry) {
   desktop_.hidutil().failGets(HidutilFault::Exit{});
   launch();
@@ -187,6 +224,19 @@ TEST_F(OverrideController, ReapplyNowResetsTheCountAndThePendingRetryFiresAsARet
   desktop_.runUntil(engineCallTime + 3.0 + engineCallTime);
   EXPECT_EQ(applies(), 3U) << "the retry that was pending";
   EXPECT_EQ(delegate_->retryAttempts(), 2) << "which did not reset the count";
+}
+
+TEST_F(OverrideController, ARestoreEndsTheFailureOfAnApplyAndIsRecordedAndShown) {
+  desktop_.hidutil().failSets(HidutilFault::Exit{}, 1);
+  launchAndSettle();
+  ASSERT_TRUE(delegate_->lastApplyFailed());
+  delegate_->setEnabled(false);
+  const auto redraws = desktop_.systemStatusBar().item().imageSettings;
+  desktop_.runFor(engineCallTime);
+  EXPECT_FALSE(delegate_->lastApplyFailed());
+  EXPECT_EQ(storage_->boolean("lastApplyOK"), true);
+  EXPECT_DOUBLE_EQ(*storage_->number("lastApplyDate"), desktop_.wallTime().secondsSince1970);
+  EXPECT_EQ(desktop_.systemStatusBar().item().imageSettings, redraws + 1);
 }
 
 TEST_F(OverrideController, ARestoreWhoseStatusCannotBeReadCountsAsDone) {

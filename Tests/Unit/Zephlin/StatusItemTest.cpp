@@ -213,6 +213,9 @@ TEST_F(StatusItemMenu, CheckForUpdatesAsksTheUpdater) {
 TEST_F(StatusItemMenu, AboutShowsAnAlertInFrontWhileTheTimerGoesOn) {
   launchAndSettle();
   desktop_.dismissAlertAfter(700);
+  desktop_.alerts().onShown = [this] {
+    EXPECT_EQ(desktop_.application().activations(), 1U) << "before the alert";
+  };
   openMenuAndClick("About Zephlin");
   EXPECT_EQ(desktop_.application().activations(), 1U);
   ASSERT_EQ(desktop_.alerts().shown().size(), 1U);

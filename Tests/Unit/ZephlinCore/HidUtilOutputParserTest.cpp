@@ -40,6 +40,10 @@ TEST(HidUtilOutputParser, TheHeaderAloneGivesNoRow) {
   EXPECT_EQ(parse("RegistryID Key 12\n"), Rows());
 }
 
+TEST(HidUtilOutputParser, AHeaderIsDroppedWhereverItIs) {
+  EXPECT_EQ(parse("a key 1\nRegistryID Key 2\nb key 3\n"), (Rows{{"a", 1}, {"b", 3}}));
+}
+
 TEST(HidUtilOutputParser, TheSecondColumnIsNotLookedAt) {
   EXPECT_EQ(parse("a anything 12\n"), (Rows{{"a", 12}}));
   EXPECT_EQ(parse("a RegistryID 12\n"), (Rows{{"a", 12}}));
@@ -78,6 +82,14 @@ TEST(HidUtilOutputParser, WhatIsNoDecimalIntegerDropsTheLine) {
   for (const char* text : {"a key 0x4b\n", "a key 1.0\n", "a key 12a\n", "a key 1e3\n",
                            "a key \xD9\xA1\n", "a key 1,000\n"}) {
     EXPECT_EQ(parse(text), Rows()) << text;
+  }
+}
+
+TEST(HidUtilOutputParser, WhatFollowsTheDigitsDropsTheLine) {
+  for (const char byte : {'\r', '\t', '\v', '\0'}) {
+    EXPECT_EQ(parse(std::string("a key 12") + byte), Rows()) << int{byte};
+    EXPECT_EQ(parse(std::string("a key 12") + byte + " word\n"), Rows()) << int{byte};
+    EXPECT_EQ(parse(std::string("a key (null)") + byte), Rows()) << int{byte};
   }
 }
 
