@@ -63,7 +63,7 @@ std::vector<HidPropertyRow> parse(std::string_view text) {
     const std::string_view registryID = takeColumn(line);
     takeColumn(line);  // The property's name; whoever asked knows it.
     const std::string_view valueText = takeColumn(line);
-    if (valueText.empty() || registryID == "RegistryID") {
+    if (registryID == "RegistryID") {
       continue;
     }
     const std::optional<std::int64_t> value = parseInteger(valueText);
