@@ -160,7 +160,8 @@ void OverrideModel::callEnded(const HidutilCall& call, const ChildProcessResult*
   }
   const Running finished = *std::exchange(running_, std::nullopt);
   if (!finished.isOrphan) {
-    finish(finished, hasFailed(result) ? std::nullopt : std::optional(countsOf(result->output)),
+    finish(finished,
+           hasFailed(result) ? std::nullopt : std::optional(countsOf(result->output.value())),
            wallTime);
   }
 }
