@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdarg>
 #include <cstdio>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -23,10 +24,17 @@ std::mutex& syslogMutex() {
   return mutex;
 }
 
-/// What reached the functions that stand for the C library's below.
+/// What reached the functions below, which replace the C library's.
 std::string& syslogged() {
   static std::string text;
   return text;
+}
+
+void record(int priority, const char* format, va_list arguments) {
+  std::array<char, 8192> text;
+  std::vsnprintf(text.data(), text.size(), format, arguments);
+  const std::scoped_lock guard(syslogMutex());
+  syslogged() += std::to_string(priority) + " " + text.data() + "|";
 }
 
 }  // namespace
@@ -41,13 +49,18 @@ void openlog(const char* name, int option, int facility) {
 void closelog() {}
 
 void syslog(int priority, const char* format, ...) {
-  std::array<char, 8192> text;
   va_list arguments;
   va_start(arguments, format);
-  std::vsnprintf(text.data(), text.size(), format, arguments);
+  record(priority, format, arguments);
   va_end(arguments);
-  const std::scoped_lock guard(syslogMutex());
-  syslogged() += std::to_string(priority) + " " + text.data() + "|";
+}
+
+/// What _FORTIFY_SOURCE makes of a call of syslog.
+void __syslog_chk(int priority, int /*flag*/, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  record(priority, format, arguments);
+  va_end(arguments);
 }
 
 }  // extern "C"
