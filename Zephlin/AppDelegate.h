@@ -30,9 +30,6 @@ class AppDelegate : public ApplicationDelegate,
   AppDelegate& operator=(const AppDelegate&) = delete;
   ~AppDelegate() override = default;
 
-  /// Whether the process was started to show a preview.
-  static bool isPreview(const ProcessInfo& process);
-
   void applicationDidFinishLaunching() override;
   void applicationShouldHandleReopen() override { showTapTest(); }
 

@@ -43,13 +43,9 @@ void AppDelegate::applicationDidFinishLaunching() {
   registerLoginItemOnFirstLaunch();
 }
 
-bool AppDelegate::isPreview(const ProcessInfo& process) {
-  return process.environmentVariable(previewVariable) == tapTestPreview;
-}
-
 void AppDelegate::showPreview() {
   const ProcessInfo& process = platform_.processInfo();
-  if (!isPreview(process)) {
+  if (process.environmentVariable(previewVariable) != tapTestPreview) {
     return;
   }
   tapTest().show();

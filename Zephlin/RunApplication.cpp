@@ -9,8 +9,7 @@ namespace zephlin {
 
 int runApplication(Platform& platform) {
   Application& app = platform.application();
-  // A preview shows this very process, beside whatever runs already.
-  if (!AppDelegate::isPreview(platform.processInfo()) && app.handOverToRunningInstance()) {
+  if (app.handOverToRunningInstance()) {
     return 0;
   }
   const auto delegate = std::make_shared<AppDelegate>(platform);

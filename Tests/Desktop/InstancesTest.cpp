@@ -1,6 +1,7 @@
 // One instance a user, what the command line says while it runs, and how it ends.
 
 #include <csignal>
+#include <filesystem>
 #include <random>
 
 #include "Tests/Desktop/Harness/DesktopTest.h"
@@ -25,6 +26,28 @@ TEST_F(Instances, ASecondStartShowsTheTapTestOfTheFirstAndEnds) {
   App third(desktop(), {.home = first.home()});
   EXPECT_EQ(third.program().waitForEnd(), 0);
   desktop().screen().waitForWindow("Tap Test");
+}
+
+TEST_F(Instances, APreviewIsShownByTheInstanceThatRunsAlready) {
+  App first(desktop());
+  first.item();
+  const std::string file = first.home() + "/preview.png";
+  App preview(desktop(),
+              {.home = first.home(),
+               .environment = {{"ZEPHLIN_PREVIEW", "taptest"}, {"ZEPHLIN_PREVIEW_OUT", file}}});
+  EXPECT_EQ(preview.program().waitForEnd(), 0);
+  desktop().screen().waitForWindow("Tap Test");
+  EXPECT_EQ(registeredItems(desktop().sessionBus()).size(), 1);
+  EXPECT_FALSE(std::filesystem::exists(file));
+  EXPECT_FALSE(first.program().hasEnded());
+}
+
+TEST_F(Instances, TheCommandLineSaysThatAPreviewRuns) {
+  App preview(desktop(), {.environment = {{"ZEPHLIN_PREVIEW", "taptest"}}});
+  preview.waitForStatusLine("On. Every tap registers instantly");
+  const Outcome outcome = runIn(preview.environment(), {"/usr/bin/Zephlin", "apply"});
+  EXPECT_NE(outcome.output.find("note: the Zephlin menu bar app is running"), std::string::npos)
+      << outcome.output;
 }
 
 TEST_F(Instances, TheCommandLineSaysThatTheApplicationRuns) {
