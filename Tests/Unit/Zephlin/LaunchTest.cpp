@@ -1,8 +1,11 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string>
+#include <vector>
 
 #include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Unit/KeyboardWatcher/DelegatingPlatform.h"
 #include "Tests/Unit/Zephlin/AppDelegateFixture.h"
 #include "Zephlin/RunApplication.h"
 
@@ -14,6 +17,37 @@ using Launch = AppDelegateTest;
 std::string contentOf(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Records what it is asked to do.
+class RecordingApplication final : public Application {
+ public:
+  void setDelegate(std::weak_ptr<ApplicationDelegate> /*delegate*/) override {
+    calls.emplace_back("delegate");
+  }
+  void setActivationPolicy(ActivationPolicy /*policy*/) override { calls.emplace_back("policy"); }
+  void setMainMenu(std::shared_ptr<Menu> /*menu*/) override { calls.emplace_back("main menu"); }
+  bool handOverToRunningInstance() override { return false; }
+  void activateIgnoringOtherApps() override { calls.emplace_back("activation"); }
+  void run() override { calls.emplace_back("run"); }
+  void terminate() override { calls.emplace_back("termination"); }
+
+  std::vector<std::string> calls;
+};
+
+class PlatformOfARecordingApplication final : public DelegatingPlatform {
+ public:
+  RecordingApplication& application() override { return application_; }
+
+ private:
+  RecordingApplication application_;
+};
+
+TEST(RunApplication, SetsTheDelegateThenThePolicyThenTheMainMenuAndThenRuns) {
+  PlatformOfARecordingApplication platform;
+  EXPECT_EQ(runApplication(platform), 0);
+  EXPECT_EQ(platform.application().calls,
+            (std::vector<std::string>{"delegate", "policy", "main menu", "run"}));
 }
 
 TEST_F(Launch, ConstructionStartsTheUpdaterAndNothingElse) {
