@@ -1,6 +1,8 @@
 // AppDelegate's first face: launching, the preview mode, and the login item of the first launch.
 
+#include <filesystem>
 #include <fstream>
+#include <system_error>
 
 #include "Zephlin/AppDelegate.h"
 #include "Zephlin/LoginItem.h"
@@ -63,7 +65,9 @@ void AppDelegate::showPreview() {
 // A snapshot that cannot be made or written is a missing file, and no more than that.
 void AppDelegate::writePreviewSnapshot(const std::string& path) {
   Window* const window = tapTest().window();
-  if (window == nullptr) {
+  std::error_code error;
+  // To open a pipe is to wait for its reader.
+  if (window == nullptr || std::filesystem::is_fifo(path, error)) {
     return;
   }
   if (const auto png = window->contentAsPng()) {

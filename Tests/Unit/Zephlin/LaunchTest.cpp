@@ -1,3 +1,6 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -167,6 +170,19 @@ TEST_F(Launch, APreviewThatCannotBeWrittenEndsAllTheSame) {
   desktop_.runFor(1.0);
   EXPECT_TRUE(desktop_.application().hasTerminated());
   EXPECT_TRUE(logged().empty());
+}
+
+TEST_F(Launch, APreviewToAPipeWithoutAReaderEndsAllTheSame) {
+  const test::TemporaryDirectory directory;
+  const std::string path = directory.file("preview.png");
+  ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+  desktop_.processInfo().environment = {{"ZEPHLIN_PREVIEW", "taptest"},
+                                        {"ZEPHLIN_PREVIEW_OUT", path}};
+  launch();
+  ::alarm(60);  // Ends a test that hangs.
+  desktop_.runFor(1.0);
+  ::alarm(0);
+  EXPECT_TRUE(desktop_.application().hasTerminated());
 }
 
 TEST_F(Launch, APreviewThatCannotBeDrawnWritesNothingAndEnds) {
