@@ -20,7 +20,7 @@ class AlertPresenter {
  public:
   virtual ~AlertPresenter() = default;
   /// Shows the alert and returns when a button was chosen. Meanwhile the main thread works off its
-  /// queue and its timers. Main thread.
+  /// queue and its timers, and the application's other windows take no input. Main thread.
   virtual void runModal(const Alert& alert) = 0;
 };
 

@@ -52,8 +52,8 @@ void QtAlertPresenter::runModal(const Alert& alert) {
   QMessageBox box;
   shown_ = &box;
   box.setObjectName(QStringLiteral("alert"));
-  // Of a box without a parent, which blocks no window.
-  box.setWindowModality(Qt::WindowModal);
+  // It is shown before exec(), which would see to this too late.
+  box.setWindowModality(Qt::ApplicationModal);
   box.setWindowFlag(Qt::WindowStaysOnTopHint);
   box.setWindowTitle(QApplication::applicationDisplayName());
   box.setTextFormat(Qt::RichText);

@@ -7,8 +7,8 @@
 
 namespace zephlin {
 
-/// Alerts as Qt's message boxes, above all other windows, which can be used and closed meanwhile.
-/// There is a QApplication while it is used. Main thread.
+/// Alerts as Qt's message boxes, above all other windows. There is a QApplication while it is used.
+/// Main thread.
 class QtAlertPresenter final : public AlertPresenter {
  public:
   /// Also returns when the user closes or hides the alert, and when the application quits. Where an

@@ -141,6 +141,24 @@ TEST_F(AlertTest, IsRaisedAndNotShownTwiceWhenItIsAskedForAgain) {
   });
 }
 
+TEST_F(AlertTest, KeepsOtherWindowsFromTakingInputUntilItIsClosed) {
+  QPushButton other("Other");
+  int clicks = 0;
+  QObject::connect(&other, &QPushButton::clicked, [&clicks] { ++clicks; });
+  other.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+  const auto click = [&other] {
+    QTest::mouseClick(other.windowHandle(), Qt::LeftButton, {}, other.rect().center());
+  };
+  runAbout([&](QMessageBox& box) {
+    click();
+    box.accept();
+  });
+  EXPECT_EQ(clicks, 0);
+  click();
+  EXPECT_EQ(clicks, 1);
+}
+
 TEST_F(AlertTest, IsGoneWhenTheApplicationQuits) {
   bool returned = false;
   QTimer::singleShot(0, [&] {
