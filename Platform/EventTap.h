@@ -25,8 +25,7 @@ class EventTaps {
  public:
   virtual ~EventTaps() = default;
   /// Listens to the events of `mask`, and to notices about the tap itself, without altering any.
-  /// Nothing is delivered while a menu is open or an alert is modal. Null where that is not
-  /// allowed.
+  /// Input is held back as in HidDevices::openInput. Null where that is not allowed.
   virtual std::unique_ptr<Observation> listen(
       std::uint64_t mask, std::function<void(EventType type, ModifierFlags flags)> callback) = 0;
   /// As the keyboard is now.

@@ -33,7 +33,8 @@ class HidDevices {
                                                        std::function<void()> callback) = 0;
 
   /// Delivers the integer values of the matching inputs: for a key, non-zero when it goes down and
-  /// zero when it comes up. Nothing is delivered while a menu is open or an alert is modal. On
+  /// zero when it comes up. Nothing is delivered while a menu of this process is open or an alert
+  /// is modal; a menu that another process shows, as a panel does on Linux, holds nothing back. On
   /// failure, the platform's code.
   virtual std::variant<std::unique_ptr<Observation>, std::int32_t> openInput(
       const HidInputMatching& matching, std::function<void(std::int64_t value)> callback) = 0;

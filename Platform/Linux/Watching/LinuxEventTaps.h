@@ -20,7 +20,7 @@ class LinuxEventTaps final : public EventTaps {
  public:
   static constexpr const char* systemLedFolder = "/sys/class/leds";
 
-  /// `holdsInputBack` tells whether a menu is open or an alert is modal.
+  /// `holdsInputBack` tells whether a menu of this process is open or an alert is modal.
   LinuxEventTaps(DesktopKind desktop, std::function<bool()> holdsInputBack,
                  std::string ledFolder = systemLedFolder);
   LinuxEventTaps(const LinuxEventTaps&) = delete;

@@ -23,7 +23,7 @@ class LinuxHidDevices final : public HidDevices {
  public:
   static constexpr const char* serviceSocketPath = "/run/zephlin/hidd.sock";
 
-  /// `holdsInputBack` tells whether a menu is open or an alert is modal.
+  /// `holdsInputBack` tells whether a menu of this process is open or an alert is modal.
   LinuxHidDevices(DesktopKind desktop, std::function<bool()> holdsInputBack,
                   std::string socketPath = serviceSocketPath);
 
