@@ -26,11 +26,7 @@ class AppearedObservation final : public Observation {
       : callback_(std::move(callback)),
         service_(std::move(socketPath), [this] { callback_.call(); }),
         // A HID device is added before it has a driver; it can be used once one is bound to it.
-        udev_("hid", "bind", [this](udev_device* /*device*/) {
-          if (!service_.isSubscribed()) {
-            callback_.call();
-          }
-        }) {}
+        udev_("hid", "bind", [this](udev_device* /*device*/) { callback_.call(); }) {}
 
  private:
   EndableCallback<> callback_;

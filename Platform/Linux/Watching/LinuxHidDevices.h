@@ -11,10 +11,10 @@
 
 namespace zephlin {
 
-/// Devices that appear are told by the keyboard service; while there is none, by udev. An
-/// observation needs neither: it waits for both, at no cost while nothing happens. The service's
-/// properties end with it, so a service that starts while devices are observed counts as devices
-/// that appear.
+/// HID devices of every kind that appear are told by udev, and keyboards, of which not all are HID
+/// devices, by the keyboard service too. An observation needs neither: it waits for both, at no
+/// cost while nothing happens. The service's properties end with it, so a service that starts while
+/// devices are observed counts as devices that appear.
 ///
 /// The only input known is the Caps Lock key of keyboards. Codes of failures are errno's: ENOTSUP
 /// for any other input, those of `openX11CapsLockKey` under X11, and those of `openEventDevices`

@@ -42,13 +42,11 @@ void ServiceSubscription::connect() {
 
 void ServiceSubscription::handle(ServiceNews news) {
   if (news == ServiceNews::Ended) {
-    isSubscribed_ = false;
     isNewService_ = true;
     connection_.reset();
     connectionFailed();
     return;
   }
-  isSubscribed_ = true;
   if (news == ServiceNews::Appeared || isNewService_) {
     appeared_.call();
   }

@@ -23,9 +23,6 @@ class ServiceSubscription {
  public:
   ServiceSubscription(std::string socketPath, std::function<void()> appeared);
 
-  /// Whether the service tells of keyboards now.
-  [[nodiscard]] bool isSubscribed() const { return isSubscribed_; }
-
  private:
   void connect();
   void handle(ServiceNews news);
@@ -36,7 +33,6 @@ class ServiceSubscription {
 
   std::string socketPath_;
   EndableCallback<> appeared_;
-  bool isSubscribed_ = false;
   bool isNewService_ = false;
   int failures_ = 0;
   QElapsedTimer sinceFailure_;
