@@ -4,8 +4,10 @@
 
 #include <utility>
 #include <variant>
+#include <vector>
 
 #include "Platform/Linux/Watching/CapsLockLeds.h"
+#include "Platform/Linux/Watching/EndableCallback.h"
 #include "Platform/Linux/Watching/EventDevices.h"
 #include "Platform/Linux/Watching/X11KeyboardState.h"
 
@@ -13,12 +15,35 @@ namespace zephlin {
 
 namespace {
 
-std::unique_ptr<Observation> listenToLeds(std::function<void(ModifierFlags)> callback) {
-  auto opened = openEventDevices({EV_LED, LED_CAPSL}, [callback = std::move(callback)](int value) {
-    callback(value != 0 ? modifierCapsLock : 0);
-  });
-  auto* observation = std::get_if<std::unique_ptr<Observation>>(&opened);
-  return observation != nullptr ? std::move(*observation) : nullptr;
+ModifierFlags flagsOfLight(bool isOn) {
+  return isOn ? modifierCapsLock : 0;
+}
+
+/// Other modifiers have no light. So that the first tap is seen to change something, the state
+/// before it is told with it.
+class LightObservation final : public Observation {
+ public:
+  LightObservation(bool isOn, std::function<void(ModifierFlags)> callback)
+      : callback_(std::move(callback)),
+        untold_{flagsOfLight(isOn)},
+        devices_(openEventDevices({EV_LED, LED_CAPSL}, [this](int value) {
+          untold_.push_back(flagsOfLight(value != 0));
+          callback_.callForEach(std::exchange(untold_, {}));
+        })) {}
+
+  [[nodiscard]] bool isOpen() const {
+    return std::holds_alternative<std::unique_ptr<Observation>>(devices_);
+  }
+
+ private:
+  EndableCallback<ModifierFlags> callback_;
+  std::vector<ModifierFlags> untold_;
+  std::variant<std::unique_ptr<Observation>, std::int32_t> devices_;
+};
+
+std::unique_ptr<Observation> listenToLight(bool isOn, std::function<void(ModifierFlags)> callback) {
+  auto observation = std::make_unique<LightObservation>(isOn, std::move(callback));
+  return observation->isOpen() ? std::move(observation) : nullptr;
 }
 
 }  // namespace
@@ -42,13 +67,14 @@ std::unique_ptr<Observation> LinuxEventTaps::listen(
       callback(EventType::FlagsChanged, flags);
     }
   };
-  return desktop_ == DesktopKind::X11 ? listenToX11Modifiers(std::move(deliver))
-                                      : listenToLeds(std::move(deliver));
+  return desktop_ == DesktopKind::X11
+             ? listenToX11Modifiers(std::move(deliver))
+             : listenToLight(isAnyCapsLockLedOn(ledFolder_), std::move(deliver));
 }
 
 ModifierFlags LinuxEventTaps::currentModifierFlags() {
   if (desktop_ == DesktopKind::Wayland) {
-    return isAnyCapsLockLedOn(ledFolder_) ? modifierCapsLock : 0;
+    return flagsOfLight(isAnyCapsLockLedOn(ledFolder_));
   }
   if (!x11State_) {
     x11State_ = X11KeyboardState::open();

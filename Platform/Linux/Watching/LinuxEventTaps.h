@@ -15,7 +15,8 @@ class X11KeyboardState;
 /// Only changes of modifiers can be listened to. Under X11 they are what the X server tells of the
 /// keyboard's state, with Control as the command key. Under Wayland nothing but Caps Lock is known,
 /// and that from the keyboards' lights, which the compositor sets: the changes where the user may
-/// read the event devices, the present state in any case.
+/// read the event devices, the first of them behind the state that was before it, and the present
+/// state in any case.
 class LinuxEventTaps final : public EventTaps {
  public:
   static constexpr const char* systemLedFolder = "/sys/class/leds";

@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <variant>
@@ -11,6 +13,7 @@
 #include "Platform/Linux/Watching/EventDevices.h"
 #include "Platform/Linux/Watching/LinuxEventTaps.h"
 #include "Platform/Linux/Watching/LinuxHidDevices.h"
+#include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Unit/Linux/Watching/Support/MockedDevices.h"
 #include "Tests/Unit/Linux/Watching/Support/QtLoop.h"
 
@@ -70,7 +73,8 @@ class EventDevicesTest : public testing::Test {
   MockedDevices machine_;
   bool isHeldBack_ = false;
   LinuxHidDevices devices_{DesktopKind::Wayland, [this] { return isHeldBack_; }};
-  LinuxEventTaps taps_{DesktopKind::Wayland, [this] { return isHeldBack_; }};
+  test::TemporaryDirectory ledFolder_;
+  LinuxEventTaps taps_{DesktopKind::Wayland, [this] { return isHeldBack_; }, ledFolder_.path()};
   Values values_;
   Flags flags_;
   std::unique_ptr<Observation> key_;
@@ -175,7 +179,31 @@ TEST_F(EventDevicesTest, TellTheTogglesOfTheLight) {
   machine_.report(1, capsLockKey, {1, 0});
   machine_.report(1, {EV_LED, LED_NUML}, {1});
   machine_.report(1, capsLockLight, {1, 0});
-  EXPECT_TRUE(flagsBecome({modifierCapsLock, 0}));
+  EXPECT_TRUE(flagsBecome({0, modifierCapsLock, 0}));
+}
+
+TEST_F(EventDevicesTest, TellTheStateBeforeTheFirstToggle) {
+  machine_.addKeyboard(1);
+  const std::filesystem::path light = ledFolder_.path() / "input1::capslock";
+  std::filesystem::create_directory(light);
+  std::ofstream(light / "brightness") << "1\n";
+  const auto tap = listen();
+  std::ofstream(light / "brightness") << "0\n";
+  machine_.report(1, capsLockLight, {0, 1});
+  EXPECT_TRUE(flagsBecome({modifierCapsLock, 0, modifierCapsLock}));
+}
+
+TEST_F(EventDevicesTest, TellNoToggleAfterACallHasEndedThem) {
+  machine_.addKeyboard(1);
+  std::unique_ptr<Observation> tap;
+  tap = taps_.listen(eventMask(EventType::FlagsChanged), [&](EventType, ModifierFlags flags) {
+    tap.reset();
+    flags_.push_back(flags);
+  });
+  machine_.report(1, capsLockLight, {1});
+  ASSERT_TRUE(test::eventually([&] { return !flags_.empty(); }));
+  test::runLoopFor(std::chrono::milliseconds(50));
+  EXPECT_EQ(flags_, Flags{0});
 }
 
 TEST_F(EventDevicesTest, TellNoTogglesWhereNoKeyboardHasALight) {
