@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "Platform/Linux/Display.h"
+#include "Platform/Linux/Windows/ShownWindows.h"
 
 namespace zephlin {
 
@@ -88,11 +89,9 @@ void LinuxApplication::setMainMenu(std::shared_ptr<Menu> menu) {
 }
 
 void LinuxApplication::activateIgnoringOtherApps() {
-  for (QWidget* const widget : QApplication::topLevelWidgets()) {
-    if (widget->isWindow() && widget->isVisible()) {
-      widget->raise();
-      widget->activateWindow();
-    }
+  for (QWidget* const window : shownWindows()) {
+    window->raise();
+    window->activateWindow();
   }
 }
 

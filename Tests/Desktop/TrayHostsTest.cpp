@@ -58,6 +58,19 @@ TEST_F(TrayHosts, TheIconAndItsMenuShowInATrayOfTheOlderKind) {
   desktop().photograph("tray-of-the-older-kind-menu");
   desktop().fingers().tap(Key::Escape);
   waitUntil("the menu to go", [] { return !desktop().screen().openMenu().has_value(); });
+
+  // Ctrl+H hides the application's windows, which do not include the icon's.
+  App second(desktop(), {.home = home});
+  desktop().screen().waitForWindow("Tap Test");
+  waitUntil("the window to be in front",
+            [] { return desktop().screen().titleOfActiveWindow() == "Tap Test"; });
+  const QImage icon = desktop().screen().picture(firstIcon);
+  desktop().fingers().press(Key::ControlLeft);
+  desktop().fingers().tap(Key::LetterH);
+  desktop().fingers().release(Key::ControlLeft);
+  desktop().screen().waitUntilNoWindow("Tap Test");
+  waitUntil("a still screen", [] { return desktop().screen().isStill(); });
+  EXPECT_EQ(desktop().screen().picture(firstIcon), icon);
 }
 
 }  // namespace

@@ -7,6 +7,8 @@
 #include <QWidget>
 #include <utility>
 
+#include "Platform/Linux/Windows/ShownWindows.h"
+
 namespace zephlin {
 
 namespace {
@@ -40,8 +42,8 @@ std::shared_ptr<MenuItem> findItem(const Menu& menu, const QKeyEvent& event) {
 }
 
 bool hideWindows() {
-  for (QWidget* widget : QApplication::topLevelWidgets()) {
-    widget->hide();
+  for (QWidget* const window : shownWindows()) {
+    window->hide();
   }
   return true;
 }

@@ -18,6 +18,7 @@ enum class Key : xcb_keysym_t {
   ControlLeft = 0xFFE3,
   CapsLock = 0xFFE5,
   LetterA = 0x61,
+  LetterH = 0x68,
 };
 
 /// Presses keys and buttons as a person would, with the XTEST extension. The server has worked off

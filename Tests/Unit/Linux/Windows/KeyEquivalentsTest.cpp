@@ -61,6 +61,15 @@ TEST_F(MainMenuKeys, ControlHHidesTheWindows) {
   EXPECT_FALSE(other.isVisible());
 }
 
+/// Nothing would bring it back: it is not the user who opens it.
+TEST_F(MainMenuKeys, ControlHDoesNotHideTheTraysIcon) {
+  QWidget icon(nullptr, Qt::FramelessWindowHint | Qt::BypassWindowManagerHint);
+  icon.show();
+  press(Qt::Key_H);
+  EXPECT_FALSE(field_.isVisible());
+  EXPECT_TRUE(icon.isVisible());
+}
+
 TEST_F(MainMenuKeys, EditingKeysGoToTheFocus) {
   press(Qt::Key_A);
   EXPECT_EQ(field_.textCursor().selectedText(), "text");
