@@ -25,6 +25,11 @@ void AppcastUpdater::checkForUpdates() {
     download_ =
         startFeedDownload(module_, feed_, [this](const FeedResult& result) { tell(result); });
   }
+  comeToFront();
+}
+
+void AppcastUpdater::comeToFront() {
+  box_->show();
   box_->raise();
   box_->activateWindow();
 }
@@ -42,9 +47,7 @@ void AppcastUpdater::show(const QString& text, const QString& information) {
   // Escaped, since a server's words may be among them.
   box_->setText("<b>" + text.toHtmlEscaped() + "</b>");
   box_->setInformativeText("<p>" + information.toHtmlEscaped() + "</p>");
-  box_->show();
-  box_->raise();
-  box_->activateWindow();
+  comeToFront();
 }
 
 void AppcastUpdater::setButtons(QMessageBox::StandardButtons buttons) {

@@ -29,6 +29,7 @@ class AppcastUpdater final : public Updater {
 
  private:
   void show(const QString& text, const QString& information);
+  void comeToFront();
   void setButtons(QMessageBox::StandardButtons buttons);
   void tell(const FeedResult& result);
   void tellNewest(const AppcastItem& newest);

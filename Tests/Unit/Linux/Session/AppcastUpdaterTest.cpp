@@ -138,6 +138,14 @@ TEST_F(AppcastUpdaterTest, ASecondCheckWhileOneRunsShowsTheSameWindow) {
   EXPECT_EQ(server_.requests, 1);
 }
 
+TEST_F(AppcastUpdaterTest, ASecondCheckBringsAHiddenWindowBack) {
+  updater_.checkForUpdates();
+  QMessageBox* const box = boxes().front();
+  box->hide();
+  updater_.checkForUpdates();
+  EXPECT_TRUE(box->isVisible());
+}
+
 TEST_F(AppcastUpdaterTest, ClosingTheWindowEndsTheCheck) {
   updater_.checkForUpdates();
   EXPECT_TRUE(test::runUntil([this] { return server_.requests == 1; }));
