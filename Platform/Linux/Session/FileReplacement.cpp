@@ -21,6 +21,8 @@ constexpr auto lockPatience = 2s;
 constexpr auto lockPause = 10ms;
 /// As many as the kernel follows (path_resolution).
 constexpr int mostLinks = 40;
+/// Of a file that is read. To read and to parse a few hundred megabytes takes many seconds.
+constexpr std::size_t mostBytes = std::size_t{1} << 20U;
 
 [[noreturn]] void fail(const std::string& what, const std::string& path, int error = errno) {
   throw std::system_error(error, std::generic_category(), "cannot " + what + " " + path);
@@ -85,6 +87,9 @@ std::optional<std::string> readFile(const std::string& path) {
   ssize_t count = 0;
   while ((count = ::read(file.get(), chunk.data(), chunk.size())) > 0) {
     content.append(chunk.data(), static_cast<std::size_t>(count));
+    if (content.size() > mostBytes) {
+      fail("read", path, EFBIG);
+    }
   }
   if (count == -1) {
     fail("read", path);

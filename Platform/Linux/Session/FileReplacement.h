@@ -45,7 +45,8 @@ class FileReplacement {
   mode_t permissions_ = S_IRUSR | S_IWUSR;
 };
 
-/// What a regular file holds; absent where there is none. Throws std::system_error as above.
+/// What a regular file of at most a megabyte holds; absent where there is none. Throws
+/// std::system_error as above.
 std::optional<std::string> readFile(const std::string& path);
 
 }  // namespace zephlin

@@ -81,6 +81,17 @@ TEST_F(JsonUserDefaultsFaultTest, EachCauseIsLoggedOnce) {
   EXPECT_EQ(defaults_.boolean("key"), true);
 }
 
+TEST_F(JsonUserDefaultsFaultTest, AFileOfManyMegabytesIsNeitherReadNorReplaced) {
+  const std::string content = "{\"key\": true" + std::string(std::size_t{2} << 20U, ' ') + "}";
+  test::writeTo(path_, content);
+  EXPECT_EQ(defaults_.boolean("key"), std::nullopt);
+  defaults_.setBoolean("other", true);
+  EXPECT_EQ(defaults_.boolean("other"), true);
+  EXPECT_EQ(log_.entries, std::vector<std::string>{"Zephlin: settings are not kept: cannot read " +
+                                                   path_ + ": File too large" + advice});
+  EXPECT_TRUE(contentOf(path_) == content);
+}
+
 TEST_F(JsonUserDefaultsFaultTest, OfTwoProcessesThatWriteAtOnceNoValueIsLost) {
   constexpr int values = 100;
   const auto writeAll = [this](const std::string& prefix) {
