@@ -20,6 +20,11 @@ FileDescriptor openLockFile(const std::string& path) {
     throw RequestError("cannot open the lock file " + printable(path) + reason(errno) +
                        "; run zephlin-hidd as root, or choose another place with --socket");
   }
+  struct stat status {};
+  if (::fstat(file.get(), &status) == -1 || !S_ISREG(status.st_mode)) {
+    throw RequestError(printable(path) +
+                       " is not a lock file; remove it, or choose another place with --socket");
+  }
   return file;
 }
 

@@ -33,9 +33,16 @@ struct flock wholeFileLock() {
   return lock;
 }
 
+/// Not open, with errno set, where there is anything but a regular file.
 FileDescriptor openLockFile(const std::string& path) {
-  return FileDescriptor(
+  FileDescriptor file(
       ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
+  struct stat status {};
+  if (file.isOpen() && ::fstat(file.get(), &status) == 0 && !S_ISREG(status.st_mode)) {
+    file.close();
+    errno = EINVAL;
+  }
+  return file;
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -34,6 +35,15 @@ TEST(InstanceLock, AFileLeftByACrashDoesNotKeepAnyoneOut) {
   const test::TemporaryDirectory directory;
   std::ofstream(directory.file("s.lock")) << "left over";
   EXPECT_NO_THROW(const InstanceLock lock(directory.file("s")));
+}
+
+TEST(InstanceLock, APipeInPlaceOfItsFileIsNotTaken) {
+  const test::TemporaryDirectory directory;
+  const std::string path = directory.file("s.lock");
+  ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+  EXPECT_EQ(requestErrorOf([&] { const InstanceLock lock(directory.file("s")); }),
+            path + " is not a lock file; remove it, or choose another place with --socket");
+  EXPECT_TRUE(std::filesystem::is_fifo(path));
 }
 
 TEST(InstanceLock, SaysWhyThereCanBeNoFile) {

@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -99,6 +100,13 @@ TEST_F(RunningInstanceTest, WithoutARuntimeDirectoryEveryStartIsAnInstance) {
   TestProcess first = start();
   first.waitForErrors(errors);
   start().waitForErrors(errors);
+}
+
+TEST_F(RunningInstanceTest, APipeInPlaceOfTheLockFileIsNotLocked) {
+  const std::string path = directory_.file("com.quorvenel.zephlin.lock");
+  ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+  start().waitForErrors("Zephlin: a second start will not be noticed: cannot lock " + path +
+                        ": Invalid argument\ninstance\n");
 }
 
 TEST_F(RunningInstanceTest, OtherCallsOfTheInterfaceDoNoHarm) {
