@@ -60,12 +60,12 @@ std::unique_ptr<Timer> LinuxDispatch::scheduleTimer(Interval interval, Tolerance
   return std::make_unique<LoopTimer>(interval, tolerance, std::move(tick));
 }
 
-bool LinuxDispatch::waitForSerialQueues(Delay atMost) {
-  const auto deadline = std::chrono::steady_clock::now() +
-                        std::chrono::duration_cast<std::chrono::steady_clock::duration>(
-                            std::chrono::duration<double>(atMost.seconds));
-  return std::all_of(workers_.begin(), workers_.end(),
-                     [deadline](const auto& worker) { return worker->waitUntilIdle(deadline); });
+bool LinuxDispatch::abandonSerialQueues() {
+  bool isIdle = true;
+  for (const auto& worker : workers_) {
+    isIdle = worker->abandon() && isIdle;
+  }
+  return isIdle;
 }
 
 }  // namespace zephlin

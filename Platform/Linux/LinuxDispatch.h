@@ -33,9 +33,8 @@ class LinuxDispatch final : public Dispatch {
   std::unique_ptr<Timer> scheduleTimer(Interval interval, Tolerance tolerance,
                                        std::function<void()> tick) override;
 
-  /// Waits until all work of the serial queues has run, or `atMost` has passed. Whether all of it
-  /// has run.
-  bool waitForSerialQueues(Delay atMost);
+  /// Drops all work of the serial queues that has not begun. Whether none is under way.
+  bool abandonSerialQueues();
 
  private:
   LinuxMainQueue mainQueue_;

@@ -42,7 +42,7 @@ LinuxPlatform::LinuxPlatform(int& argc, char** argv)
              keyEquivalents_ = std::make_unique<KeyEquivalents>(
                  std::move(menu), [this] { application_.terminate(); });
            },
-       .loopHasEnded = [this] { leaveHangingWork(); }});
+       .loopHasEnded = [this] { leaveWork(); }});
 }
 
 std::unique_ptr<Updater> LinuxPlatform::makeStartedUpdater() {
@@ -51,10 +51,10 @@ std::unique_ptr<Updater> LinuxPlatform::makeStartedUpdater() {
       QApplication::applicationDirPath() + "/" ZEPHLIN_UPDATES_MODULE);
 }
 
-// A run of hidutil that hangs would keep the process, its icon gone, for many seconds. All that has
-// to last is in files by now.
-void LinuxPlatform::leaveHangingWork() {
-  if (!dispatch_.waitForSerialQueues(Delay{1})) {
+// To wait for a run of hidutil would keep the process, its icon gone, for as long as that hangs.
+// All that has to last is in files by now, and a child process ends with its worker.
+void LinuxPlatform::leaveWork() {
+  if (!dispatch_.abandonSerialQueues()) {
     std::_Exit(EXIT_SUCCESS);
   }
 }

@@ -45,7 +45,7 @@ class LinuxPlatform final : public Platform {
   std::unique_ptr<Updater> makeStartedUpdater() override;
 
  private:
-  void leaveHangingWork();
+  void leaveWork();
 
   LinuxSystemLog systemLog_;
   QtMessages qtMessages_;

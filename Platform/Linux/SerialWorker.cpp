@@ -1,9 +1,12 @@
 #include "Platform/Linux/SerialWorker.h"
 
 #include <pthread.h>
+#include <sys/prctl.h>
+#include <unistd.h>
 
-#include <chrono>
+#include <csignal>
 #include <cstddef>
+#include <cstdlib>
 #include <utility>
 
 namespace zephlin {
@@ -13,9 +16,29 @@ namespace {
 /// The kernel keeps this much of a thread's name (pthread_setname_np(3)).
 constexpr std::size_t threadNameLength = 15;
 
+/// The process that the current thread works for, or 0.
+thread_local pid_t workersProcess = 0;
+
+/// Runs in every child process, behind the fork.
+void endWithWorker() {
+  if (workersProcess == 0) {
+    return;
+  }
+  ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+  if (::getppid() != workersProcess) {
+    ::_exit(EXIT_FAILURE);
+  }
+}
+
+void handleForks() {
+  [[maybe_unused]] static const int result = ::pthread_atfork(nullptr, nullptr, endWithWorker);
+}
+
 }  // namespace
 
-SerialWorker::SerialWorker(const std::string& label) : thread_([this, label] { run(label); }) {}
+SerialWorker::SerialWorker(const std::string& label) : thread_([this, label] { run(label); }) {
+  handleForks();
+}
 
 SerialWorker::~SerialWorker() {
   close();
@@ -41,10 +64,10 @@ void SerialWorker::close() {
   changed_.notify_all();
 }
 
-bool SerialWorker::waitUntilIdle(std::chrono::steady_clock::time_point deadline) {
-  begin();
-  std::unique_lock lock(mutex_);
-  return changed_.wait_until(lock, deadline, [this] { return posted_.empty() && !isBusy_; });
+bool SerialWorker::abandon() {
+  const std::lock_guard lock(mutex_);
+  posted_.clear();
+  return !isBusy_;
 }
 
 void SerialWorker::run(const std::string& label) {
@@ -52,6 +75,7 @@ void SerialWorker::run(const std::string& label) {
   const std::size_t start =
       label.size() > threadNameLength ? label.size() - threadNameLength : std::size_t{0};
   ::pthread_setname_np(::pthread_self(), label.c_str() + start);
+  workersProcess = ::getpid();
   while (const auto work = take()) {
     work();
   }
@@ -60,7 +84,6 @@ void SerialWorker::run(const std::string& label) {
 std::function<void()> SerialWorker::take() {
   std::unique_lock lock(mutex_);
   isBusy_ = false;
-  changed_.notify_all();
   changed_.wait(lock, [this] { return (hasBegun_ && !posted_.empty()) || isClosed_; });
   if (posted_.empty()) {
     return {};

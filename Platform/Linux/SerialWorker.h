@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -10,7 +9,8 @@
 
 namespace zephlin {
 
-/// A thread that works off a queue in order, once it has been told to begin. Any thread may use it.
+/// A thread that works off a queue in order, once it has been told to begin. A child process that
+/// its work makes is told to end (SIGTERM) should this process end first. Any thread may use it.
 class SerialWorker {
  public:
   /// The thread carries as much of the label as the kernel keeps.
@@ -24,9 +24,8 @@ class SerialWorker {
   void begin();
   /// Lets the thread end once all that was posted has run; it begins now if it has not yet.
   void close();
-  /// Waits until all that was posted has run, or until `deadline`. Whether it has. The thread
-  /// begins now if it has not yet.
-  bool waitUntilIdle(std::chrono::steady_clock::time_point deadline);
+  /// Drops all that was posted and has not begun. Whether nothing is under way.
+  bool abandon();
 
  private:
   void run(const std::string& label);

@@ -69,8 +69,7 @@ TEST_F(Instances, TheCommandLineSaysThatTheApplicationRuns) {
   const Outcome status = runIn(app.environment(), {"/usr/bin/Zephlin", "status"});
   EXPECT_EQ(status.output.find("note:"), std::string::npos) << status.output;
 
-  app.menu().choose("Quit Zephlin");
-  EXPECT_EQ(app.program().waitForEnd(), 0);
+  EXPECT_EQ(app.quit(), 0);
   EXPECT_EQ(runIn(app.environment(), {"/usr/bin/Zephlin", "apply"}), (Outcome{0, report, ""}));
 }
 

@@ -1,9 +1,30 @@
 // What the entries of the menu do.
 
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
 #include "Tests/Desktop/Harness/DesktopTest.h"
 
 namespace zephlin::test {
 namespace {
+
+/// The child processes of all threads of a process.
+std::vector<pid_t> childrenOf(pid_t process) {
+  std::vector<pid_t> children;
+  const std::string threads = "/proc/" + std::to_string(process) + "/task";
+  for (const auto& thread : std::filesystem::directory_iterator(threads)) {
+    std::ifstream list(thread.path() / "children");
+    children.insert(children.end(), std::istream_iterator<pid_t>(list), {});
+  }
+  return children;
+}
+
+/// Also where nobody has waited for it yet.
+bool hasEnded(pid_t process) {
+  const std::string status = contentOf("/proc/" + std::to_string(process) + "/status");
+  return status.empty() || status.find("\nState:\tZ") != std::string::npos;
+}
 
 class MenuActions : public DesktopTest {};
 
@@ -74,8 +95,7 @@ TEST_F(MenuActions, NothingIsLoadedForTheNetworkBeforeUpdatesAreCheckedFor) {
 TEST_F(MenuActions, QuitEndsTheApplicationAndLeavesTheOverride) {
   App app(desktop());
   desktop().keyboards().waitUntilAllAre("0");
-  app.menu().choose("Quit Zephlin");
-  EXPECT_EQ(app.program().waitForEnd(), 0);
+  EXPECT_EQ(app.quit(), 0);
   EXPECT_TRUE(desktop().keyboards().allAre("0"));
 }
 
@@ -91,9 +111,24 @@ TEST_F(MenuActions, QuitRunsHidutilNoMore) {
     runs = all.size();
     return runs >= 3 && all[runs - 3].sets && all[runs - 3].startedAt >= chosenAt;
   });
-  app.menu().click(app.menu().entry("Quit Zephlin").id);
+  app.menu().clickAtOnce(app.menu().entry("Quit Zephlin").id);
   EXPECT_EQ(app.program().waitForEnd(), 0);
   EXPECT_EQ(desktop().hidutil().all().size(), runs);
+}
+
+TEST_F(MenuActions, QuitWaitsForNoRunOfHidutilAndEndsTheOneThatHangs) {
+  App app(desktop());
+  app.waitForStatusLine("On. Every tap registers instantly");
+  desktop().hidutil().hold();
+  const std::size_t runsBefore = desktop().hidutil().all().size();
+  app.menu().choose("Re-apply Now");
+  waitUntil("a run that hangs", [&] { return desktop().hidutil().all().size() > runsBefore; });
+  const std::vector<pid_t> children = childrenOf(app.program().id());
+  ASSERT_EQ(children.size(), 1U);
+  app.menu().clickAtOnce(app.menu().entry("Quit Zephlin").id);
+  EXPECT_EQ(app.program().waitForEnd(), 0);
+  waitUntil("the end of the run", [&] { return hasEnded(children.front()); });
+  EXPECT_EQ(desktop().hidutil().all().size(), runsBefore + 1);
 }
 
 TEST_F(MenuActions, AThousandQuickClicksSettleOnTheLast) {

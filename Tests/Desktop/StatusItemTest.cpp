@@ -122,8 +122,7 @@ TEST_F(StatusItem, GoesWithTheApplication) {
   App app(desktop());
   app.item();
   panel.waitForIcon();
-  app.menu().choose("Quit Zephlin");
-  EXPECT_EQ(app.program().waitForEnd(), 0);
+  EXPECT_EQ(app.quit(), 0);
   waitUntil("an empty panel", [&] { return panel.placeOfIcons().isNull(); });
 }
 

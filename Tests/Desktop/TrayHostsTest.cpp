@@ -16,8 +16,7 @@ TEST_F(TrayHosts, TheIconIsBackWhenThePanelIsRestarted) {
     waitUntil("the item's registration",
               [&] { return registeredItems(desktop().sessionBus()).size() == 1; });
   }
-  app.menu().choose("Quit Zephlin");
-  EXPECT_EQ(app.program().waitForEnd(), 0);
+  EXPECT_EQ(app.quit(), 0);
 }
 
 TEST_F(TrayHosts, TheIconComesWithAPanelThatIsStartedLater) {

@@ -46,6 +46,15 @@ void App::waitForStatusLine(const std::string& text) {
             });
 }
 
+int App::quit() {
+  menu().aboutToShow();
+  menu().opened();
+  const int id = menu().entry("Quit Zephlin").id;
+  menu().closed();
+  menu().clickAtOnce(id);
+  return program_.waitForEnd();
+}
+
 void App::waitForToolTip(const std::string& text) {
   waitUntil("the tool tip " + text, [&] { return item().toolTip() == text; });
 }

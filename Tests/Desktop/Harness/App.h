@@ -37,6 +37,9 @@ class App {
   /// Opens the menu and waits until its status line is this text.
   void waitForStatusLine(const std::string& text);
   void waitForToolTip(const std::string& text);
+  /// Opens the menu, chooses "Quit Zephlin" and returns the exit status. It may end before it has
+  /// answered the choice.
+  int quit();
 
  private:
   Desktop& desktop_;

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <QCoreApplication>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <future>
 #include <memory>
@@ -12,6 +15,7 @@
 #include "Platform/Linux/LinuxDispatch.h"
 #include "Platform/Linux/LinuxProcessInfo.h"
 #include "Platform/Linux/LoopTimer.h"
+#include "Tests/Support/TestProcess.h"
 
 namespace zephlin {
 namespace {
@@ -51,15 +55,59 @@ TEST(LinuxDispatchEnd, WaitsForAllThatItsQueuesHold) {
   EXPECT_EQ(done, (std::vector<int>{0, 1, 2}));
 }
 
-TEST(LinuxDispatchEnd, WaitingForBusyQueuesCanBeGivenUp) {
-  LinuxDispatch dispatch;
-  const auto queue = dispatch.makeSerialQueue("test", QualityOfService::Utility);
-  EXPECT_TRUE(dispatch.waitForSerialQueues(Delay{10}));
+TEST(LinuxDispatchEnd, AbandoningDropsWhatHasNotBegunAndTellsWhetherAnythingIsUnderWay) {
+  std::vector<std::string> done;
+  std::promise<void> begun;
   std::promise<void> mayEnd;
-  queue->post([end = mayEnd.get_future().share()] { end.wait(); });
-  EXPECT_FALSE(dispatch.waitForSerialQueues(Delay{0.05}));
-  mayEnd.set_value();
-  EXPECT_TRUE(dispatch.waitForSerialQueues(Delay{10}));
+  {
+    LinuxDispatch dispatch;
+    auto queue = dispatch.makeSerialQueue("test", QualityOfService::Utility);
+    queue->post([&done] { done.emplace_back("dropped while idle"); });
+    EXPECT_TRUE(dispatch.abandonSerialQueues());
+    queue->post([&] {
+      begun.set_value();
+      mayEnd.get_future().wait();
+      done.emplace_back("under way");
+    });
+    queue->post([&done] { done.emplace_back("dropped"); });
+    queue.reset();  // Begins.
+    begun.get_future().wait();
+    EXPECT_FALSE(dispatch.abandonSerialQueues());
+    mayEnd.set_value();
+  }
+  EXPECT_EQ(done, std::vector<std::string>{"under way"});
+}
+
+TEST(LinuxDispatchEnd, AChildProcessOfWorkEndsWithThisProcess) {
+  // It keeps the pipes to the test open for as long as it lives.
+  test::TestProcess process([] {
+    LinuxDispatch dispatch;
+    std::promise<void> begun;
+    dispatch.makeSerialQueue("test", QualityOfService::Utility)->post([&begun] {
+      const pid_t child = ::fork();
+      if (child == 0) {
+        ::execl("/bin/sleep", "sleep", "1000", nullptr);
+        ::_exit(127);
+      }
+      begun.set_value();
+      ::waitpid(child, nullptr, 0);
+    });
+    begun.get_future().wait();
+    std::_Exit(0);
+  });
+  EXPECT_EQ(process.wait(), test::Outcome());
+}
+
+TEST(LinuxDispatchEnd, AChildProcessOfAnotherThreadOutlivesThisProcess) {
+  test::TestProcess process([] {
+    LinuxDispatch dispatch;
+    dispatch.makeSerialQueue("test", QualityOfService::Utility);
+    if (::fork() != 0) {
+      std::_Exit(0);
+    }
+    ::execl("/bin/sh", "sh", "-c", "sleep 0.3; echo alive", nullptr);
+  });
+  EXPECT_EQ(process.wait(), (test::Outcome{0, "alive\n", ""}));
 }
 
 TEST(SerialQueueThread, BeginsItsFirstWorkWhenTheEventLoopHasHadItsTurn) {
