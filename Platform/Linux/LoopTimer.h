@@ -15,6 +15,11 @@ class LoopTimer final : public Timer {
  public:
   LoopTimer(Interval interval, Tolerance tolerance, std::function<void()> tick);
 
+  /// How long until the next tick.
+  [[nodiscard]] std::chrono::milliseconds remainingTime() const {
+    return timer_.remainingTimeAsDuration();
+  }
+
  private:
   void arm();
   void fire();

@@ -40,6 +40,37 @@ TEST(CoalescedFireTime, IsNeverEarlyNorTooLate) {
   }
 }
 
+class LoopTimerTest : public testing::Test {
+ private:
+  int count_ = 1;
+  char name_[5] = "test";
+  char* arguments_[2] = {name_, nullptr};
+  const QCoreApplication application_{count_, arguments_};
+};
+
+TEST_F(LoopTimerTest, TheFirstTickIsLateByItsToleranceAtMost) {
+  const auto before = std::chrono::steady_clock::now();
+  const LoopTimer timer(Interval{300}, Tolerance{30}, [] {});
+  const auto remaining = timer.remainingTime();
+  EXPECT_GE(remaining, 300s - (std::chrono::steady_clock::now() - before));
+  EXPECT_LE(remaining, 330s);
+}
+
+TEST_F(LoopTimerTest, SoIsEachTickAfterIt) {
+  std::unique_ptr<LoopTimer> timer;
+  std::vector<std::chrono::milliseconds> remaining;
+  timer = std::make_unique<LoopTimer>(Interval{0.01}, Tolerance{0.02}, [&] {
+    remaining.push_back(timer->remainingTime());
+    if (remaining.size() == 3) {
+      QCoreApplication::quit();
+    }
+  });
+  QCoreApplication::exec();
+  for (const auto each : remaining) {
+    EXPECT_LE(each, 31ms);  // Rounded up.
+  }
+}
+
 TEST(LinuxDispatchEnd, WaitsForAllThatItsQueuesHold) {
   std::vector<int> done;
   {
