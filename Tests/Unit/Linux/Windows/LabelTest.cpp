@@ -1,8 +1,11 @@
+#include <QPaintDevice>
+#include <QPaintEngine>
 #include <algorithm>
 #include <string>
 #include <utility>
 
 #include "Platform/Linux/Windows/ColorPalette.h"
+#include "Platform/Linux/Windows/FixedDigitLine.h"
 #include "Tests/Unit/Linux/Windows/TreeFixture.h"
 
 namespace zephlin {
@@ -131,6 +134,56 @@ TEST_F(LabelTest, ALineThatIsTooLongForItsBoxShrinksInsteadOfBeingCutOff) {
   const auto [first, last] = inkedColumns(image);
   EXPECT_NEAR(first, 10, 3);
   EXPECT_NEAR(last, 110, 3);
+}
+
+/// Records the texts that are painted on it, and where they begin.
+class PaintedTexts final : public QPaintDevice, private QPaintEngine {
+ public:
+  PaintedTexts() : QPaintEngine(AllFeatures) {}
+
+  std::vector<FixedDigitLine::Piece> pieces;
+
+  [[nodiscard]] QPaintEngine* paintEngine() const override {
+    return const_cast<PaintedTexts*>(this);
+  }
+
+ protected:
+  [[nodiscard]] int metric(PaintDeviceMetric metric) const override {
+    return metric == PdmDevicePixelRatioScaled
+               ? static_cast<int>(QPaintDevice::devicePixelRatioFScale())
+               : 1000;
+  }
+
+ private:
+  bool begin(QPaintDevice* /*device*/) override { return true; }
+  bool end() override { return true; }
+  [[nodiscard]] Type type() const override { return User; }
+  void updateState(const QPaintEngineState& /*state*/) override {}
+  void drawPixmap(const QRectF& /*to*/, const QPixmap& /*pixmap*/,
+                  const QRectF& /*from*/) override {}
+  void drawPath(const QPainterPath& /*path*/) override {}
+  void drawPolygon(const QPointF* /*points*/, int /*count*/, PolygonDrawMode /*mode*/) override {}
+  void drawTextItem(const QPointF& place, const QTextItem& item) override {
+    pieces.push_back({item.text(), place.x()});
+  }
+};
+
+TEST_F(LabelTest, DigitsOfFixedWidthArePaintedEachInItsPlace) {
+  auto line = std::make_shared<Label>("Took 128 ms");
+  line->font.monospacedDigits = true;
+  realise(line);
+  showAndActivate();
+  PaintedTexts painted;
+  label().render(&painted);
+  const QFontMetricsF metrics(label().font());
+  const FixedDigitLine expected(
+      "Took 128 ms", [&metrics](const QString& text) { return metrics.horizontalAdvance(text); });
+  ASSERT_EQ(painted.pieces.size(), expected.pieces().size());
+  const qreal start = painted.pieces.front().x;
+  for (std::size_t piece = 0; piece < painted.pieces.size(); ++piece) {
+    EXPECT_EQ(painted.pieces[piece].text, expected.pieces()[piece].text);
+    EXPECT_NEAR(painted.pieces[piece].x - start, expected.pieces()[piece].x, 0.01);
+  }
 }
 
 TEST_F(LabelTest, DigitsOfFixedWidthStandInTheMiddleToo) {

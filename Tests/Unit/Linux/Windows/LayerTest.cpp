@@ -57,6 +57,20 @@ TEST_F(LayerTest, ReplacingTheFillAndAskingForDisplayRedraws) {
   EXPECT_EQ(box->updates, 2);
 }
 
+TEST_F(LayerTest, FillAndBorderAreDarkOnADarkWindow) {
+  auto box =
+      std::make_shared<RoundedView>(Color{ColorRole::SystemRed}, Color{ColorRole::SystemGreen}, 12);
+  box->fixedWidth = 60;
+  box->embed(std::make_shared<Label>(" "), {20, 8, 20, 8});
+  realise(box);
+  EXPECT_EQ(colorAt(30, 5), resolve({ColorRole::SystemRed}, Appearance::Light));
+  QPalette dark;
+  dark.setColor(QPalette::Window, QColor(0x2d, 0x2d, 0x2d));
+  widget().setPalette(dark);
+  EXPECT_EQ(colorAt(30, 5), resolve({ColorRole::SystemRed}, Appearance::Dark));
+  EXPECT_EQ(colorAt(30, 0), resolve({ColorRole::SystemGreen}, Appearance::Dark));
+}
+
 TEST_F(LayerTest, CornersAreRoundAndLetTheWindowThrough) {
   auto box = std::make_shared<RoundedView>(Color{ColorRole::SystemRed}, std::nullopt, 12);
   box->fixedWidth = 60;
