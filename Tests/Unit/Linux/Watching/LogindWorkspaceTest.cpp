@@ -1,11 +1,31 @@
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
+#include <atomic>
+#include <ctime>
 #include <memory>
 #include <optional>
 
 #include "Platform/Linux/Watching/LogindWorkspace.h"
 #include "Tests/Unit/Linux/Watching/Support/PrivateSystemBus.h"
 #include "Tests/Unit/Linux/Watching/Support/QtLoop.h"
+
+namespace {
+
+/// What the clock below adds to the time that the machine has really slept.
+std::atomic<time_t> secondsAsleep = 0;
+
+}  // namespace
+
+/// Replaces the C library's.
+extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
+  const auto result = static_cast<int>(::syscall(SYS_clock_gettime, clock, time));
+  if (clock == CLOCK_BOOTTIME) {
+    time->tv_sec += secondsAsleep;
+  }
+  return result;
+}
 
 namespace zephlin {
 namespace {
@@ -90,6 +110,27 @@ TEST_F(LogindWorkspaceTest, EndsWithinACall) {
   logind.prepareForSleep(false);
   ASSERT_TRUE(wakesAre(2));
   EXPECT_EQ(calls, 1);
+}
+
+TEST_F(LogindWorkspaceTest, ReportsASleepThatWasOverBeforeItListened) {
+  int calls = 0;
+  const auto other = workspace_->observeDidWake([&] { ++calls; });
+  secondsAsleep += 1;
+  EXPECT_EQ(calls, 0);
+  letListen();
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(wakes_, 0) << "the one that listens already is told by logind";
+}
+
+TEST_F(LogindWorkspaceTest, ReportsTheWakeFromASleepThatWasAnnouncedBeforeItListened) {
+  test::FakeLogind logind;
+  int calls = 0;
+  logind.prepareForSleep(true);
+  const auto other = workspace_->observeDidWake([&] { ++calls; });
+  letListen();
+  EXPECT_EQ(calls, 0);
+  logind.prepareForSleep(false);
+  EXPECT_TRUE(test::eventually([&] { return calls == 1; }));
 }
 
 TEST_F(LogindWorkspaceTest, MayEndBeforeItListens) {
