@@ -26,9 +26,24 @@ std::optional<StandStill>& standStill() {
   return instance;
 }
 
-std::multimap<std::uint64_t, std::function<void()>>& pending() {
-  static std::multimap<std::uint64_t, std::function<void()>> instance;
+using Deadlines = std::multimap<std::uint64_t, std::function<void()>>;
+
+/// While time stands still.
+Deadlines& pending() {
+  static Deadlines instance;
   return instance;
+}
+
+/// In real time. Of timers that are overdue GNUstep fires the one that was added first, so each of
+/// them runs the work that is due first.
+Deadlines& inRealTime() {
+  static Deadlines instance;
+  return instance;
+}
+
+void runFirstInRealTime() {
+  const auto first = inRealTime().extract(inRealTime().begin());
+  first.mapped()();
 }
 
 std::uint64_t realNanoseconds() {
@@ -61,7 +76,8 @@ void scheduleAt(std::uint64_t nanoseconds, std::function<void()> work) {
   }
   const auto now = monotonicNanoseconds();
   const double delay = nanoseconds > now ? static_cast<double>(nanoseconds - now) / 1e9 : 0;
-  postInModesAfter(delay, commonModes(), std::move(work));
+  inRealTime().emplace(nanoseconds, std::move(work));
+  postInModesAfter(delay, commonModes(), runFirstInRealTime);
 }
 
 void stopTime() {
