@@ -225,7 +225,7 @@ class FrameworkHeaders:
             elif isinstance(value, int):
                 lines.append(f"static const NSInteger {name} = {_literal(value)};")
             elif isinstance(value, float):
-                lines.append(f"static const CGFloat {name} = {value!r};")
+                lines.append(f"static constexpr CGFloat {name} = {value!r};")
         return "\n".join(lines)
 
     def _functions(self, framework: str) -> str:
