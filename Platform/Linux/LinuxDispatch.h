@@ -33,7 +33,8 @@ class LinuxDispatch final : public Dispatch {
   std::unique_ptr<Timer> scheduleTimer(Interval interval, Tolerance tolerance,
                                        std::function<void()> tick) override;
 
-  /// Drops all work of the serial queues that has not begun. Whether none is under way.
+  /// Drops all work of the serial queues that has not begun, and sends SIGTERM to the child
+  /// processes of what is under way. Whether nothing is.
   bool abandonSerialQueues();
 
  private:

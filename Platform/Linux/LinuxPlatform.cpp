@@ -52,7 +52,7 @@ std::unique_ptr<Updater> LinuxPlatform::makeStartedUpdater() {
 }
 
 // To wait for a run of hidutil would keep the process, its icon gone, for as long as that hangs.
-// All that has to last is in files by now, and a child process ends with its worker.
+// All that has to last is in files by now.
 void LinuxPlatform::leaveWork() {
   if (!dispatch_.abandonSerialQueues()) {
     std::_Exit(EXIT_SUCCESS);

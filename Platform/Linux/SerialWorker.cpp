@@ -1,13 +1,19 @@
 #include "Platform/Linux/SerialWorker.h"
 
 #include <pthread.h>
-#include <sys/prctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstddef>
-#include <cstdlib>
+#include <fstream>
 #include <utility>
+
+#include "ZephlinCore/FileDescriptor.h"
+
+extern "C" {
+#include <sys/pidfd.h>  // glibc 2.36 leaves the linkage to C++.
+}
 
 namespace zephlin {
 
@@ -16,29 +22,23 @@ namespace {
 /// The kernel keeps this much of a thread's name (pthread_setname_np(3)).
 constexpr std::size_t threadNameLength = 15;
 
-/// The process that the current thread works for, or 0.
-thread_local pid_t workersProcess = 0;
-
-/// Runs in every child process, behind the fork.
-void endWithWorker() {
-  if (workersProcess == 0) {
-    return;
+/// Tells the child processes that a thread has made to end.
+void endChildren(pid_t thread) {
+  std::ifstream children("/proc/self/task/" + std::to_string(thread) + "/children");
+  for (pid_t child = 0; children >> child;) {
+    const FileDescriptor process(::pidfd_open(child, 0));
+    siginfo_t info{};
+    // One that was reaped meanwhile may have left its number to a stranger, which is no child.
+    if (::waitid(P_PIDFD, static_cast<id_t>(process.get()), &info, WEXITED | WNOHANG | WNOWAIT) ==
+        0) {
+      ::pidfd_send_signal(process.get(), SIGTERM, nullptr, 0);
+    }
   }
-  ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-  if (::getppid() != workersProcess) {
-    ::_exit(EXIT_FAILURE);
-  }
-}
-
-void handleForks() {
-  [[maybe_unused]] static const int result = ::pthread_atfork(nullptr, nullptr, endWithWorker);
 }
 
 }  // namespace
 
-SerialWorker::SerialWorker(const std::string& label) : thread_([this, label] { run(label); }) {
-  handleForks();
-}
+SerialWorker::SerialWorker(const std::string& label) : thread_([this, label] { run(label); }) {}
 
 SerialWorker::~SerialWorker() {
   close();
@@ -67,6 +67,9 @@ void SerialWorker::close() {
 bool SerialWorker::abandon() {
   const std::lock_guard lock(mutex_);
   posted_.clear();
+  if (isBusy_) {
+    endChildren(threadIdentifier_);
+  }
   return !isBusy_;
 }
 
@@ -75,7 +78,10 @@ void SerialWorker::run(const std::string& label) {
   const std::size_t start =
       label.size() > threadNameLength ? label.size() - threadNameLength : std::size_t{0};
   ::pthread_setname_np(::pthread_self(), label.c_str() + start);
-  workersProcess = ::getpid();
+  {
+    const std::lock_guard lock(mutex_);
+    threadIdentifier_ = ::gettid();
+  }
   while (const auto work = take()) {
     work();
   }

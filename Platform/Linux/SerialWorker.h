@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -9,8 +11,7 @@
 
 namespace zephlin {
 
-/// A thread that works off a queue in order, once it has been told to begin. A child process that
-/// its work makes is told to end (SIGTERM) should this process end first. Any thread may use it.
+/// A thread that works off a queue in order, once it has been told to begin. Any thread may use it.
 class SerialWorker {
  public:
   /// The thread carries as much of the label as the kernel keeps.
@@ -24,7 +25,8 @@ class SerialWorker {
   void begin();
   /// Lets the thread end once all that was posted has run; it begins now if it has not yet.
   void close();
-  /// Drops all that was posted and has not begun. Whether nothing is under way.
+  /// Drops all that was posted and has not begun, and sends SIGTERM to the child processes of what
+  /// is under way. Whether nothing is.
   bool abandon();
 
  private:
@@ -35,6 +37,7 @@ class SerialWorker {
   std::mutex mutex_;
   std::condition_variable changed_;
   std::deque<std::function<void()>> posted_;
+  pid_t threadIdentifier_ = 0;
   bool hasBegun_ = false;
   bool isBusy_ = false;
   bool isClosed_ = false;

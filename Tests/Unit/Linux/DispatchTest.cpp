@@ -1,10 +1,11 @@
 #include <gtest/gtest.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <QCoreApplication>
 #include <chrono>
-#include <cstdlib>
+#include <csignal>
 #include <filesystem>
 #include <future>
 #include <memory>
@@ -15,7 +16,6 @@
 #include "Platform/Linux/LinuxDispatch.h"
 #include "Platform/Linux/LinuxProcessInfo.h"
 #include "Platform/Linux/LoopTimer.h"
-#include "Tests/Support/TestProcess.h"
 
 namespace zephlin {
 namespace {
@@ -109,36 +109,36 @@ TEST(LinuxDispatchEnd, AbandoningDropsWhatHasNotBegunAndTellsWhetherAnythingIsUn
   EXPECT_EQ(done, std::vector<std::string>{"under way"});
 }
 
-TEST(LinuxDispatchEnd, AChildProcessOfWorkEndsWithThisProcess) {
-  // It keeps the pipes to the test open for as long as it lives.
-  test::TestProcess process([] {
-    LinuxDispatch dispatch;
-    std::promise<void> begun;
-    dispatch.makeSerialQueue("test", QualityOfService::Utility)->post([&begun] {
-      const pid_t child = ::fork();
-      if (child == 0) {
-        ::execl("/bin/sleep", "sleep", "1000", nullptr);
-        ::_exit(127);
-      }
-      begun.set_value();
-      ::waitpid(child, nullptr, 0);
-    });
-    begun.get_future().wait();
-    std::_Exit(0);
-  });
-  EXPECT_EQ(process.wait(), test::Outcome());
+pid_t spawnSleep() {
+  pid_t child = -1;
+  char name[] = "sleep";
+  char duration[] = "1000";
+  char* const arguments[] = {name, duration, nullptr};
+  EXPECT_EQ(::posix_spawn(&child, "/bin/sleep", nullptr, nullptr, arguments, environ), 0);
+  return child;
 }
 
-TEST(LinuxDispatchEnd, AChildProcessOfAnotherThreadOutlivesThisProcess) {
-  test::TestProcess process([] {
+TEST(LinuxDispatchEnd, AbandoningTellsTheChildProcessesOfWorkToEndAndNoOthers) {
+  const pid_t ownChild = spawnSleep();
+  std::promise<void> begun;
+  std::promise<int> ended;
+  {
     LinuxDispatch dispatch;
-    dispatch.makeSerialQueue("test", QualityOfService::Utility);
-    if (::fork() != 0) {
-      std::_Exit(0);
-    }
-    ::execl("/bin/sh", "sh", "-c", "sleep 0.3; echo alive", nullptr);
-  });
-  EXPECT_EQ(process.wait(), (test::Outcome{0, "alive\n", ""}));
+    dispatch.makeSerialQueue("test", QualityOfService::Utility)->post([&] {
+      const pid_t child = spawnSleep();
+      begun.set_value();
+      int status = 0;
+      ::waitpid(child, &status, 0);
+      ended.set_value(status);
+    });
+    begun.get_future().wait();
+    EXPECT_FALSE(dispatch.abandonSerialQueues());
+  }
+  const int status = ended.get_future().get();
+  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
+  EXPECT_EQ(::waitpid(ownChild, nullptr, WNOHANG), 0) << "not its business";
+  ::kill(ownChild, SIGKILL);
+  ::waitpid(ownChild, nullptr, 0);
 }
 
 TEST(SerialQueueThread, BeginsItsFirstWorkWhenTheEventLoopHasHadItsTurn) {
