@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <system_error>
@@ -14,7 +15,7 @@
 
 namespace {
 
-int kills = 0;
+std::atomic<int> kills = 0;
 
 }  // namespace
 
