@@ -34,6 +34,15 @@ TEST(HidUtilOutputParser, TextOfLineFeedsAndSpacesGivesNoRow) {
   EXPECT_EQ(parse("\n\n   \n \n"), Rows());
 }
 
+TEST(HidUtilOutputParser, LinesThatAreDroppedTakeNoMemory) {
+  std::string text;
+  for (int line = 0; line < 1000; ++line) {
+    text += "a b x\n";
+  }
+  EXPECT_EQ(parse(text).capacity(), 0U);
+  EXPECT_LE(parse(text + "a b 0\nc d 0\n" + text).capacity(), 4U);
+}
+
 TEST(HidUtilOutputParser, TheHeaderAloneGivesNoRow) {
   EXPECT_EQ(parse("RegistryID   Key                     Value\n"), Rows());
   // Its first column alone makes a line the header.
