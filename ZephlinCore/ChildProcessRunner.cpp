@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include "ZephlinCore/ChildProcess.h"
@@ -83,6 +84,18 @@ void readRest(const FileDescriptor& descriptor, Output& output) {
   }
 }
 
+/// A child's output ends in the middle of its exit, the rest of which takes microseconds.
+bool endsAtOnce(const ChildProcess& child) {
+  const auto patience = Clock::now() + std::chrono::milliseconds(1);
+  while (child.isRunning()) {
+    if (Clock::now() >= patience) {
+      return false;
+    }
+    std::this_thread::yield();
+  }
+  return true;
+}
+
 }  // namespace
 
 ChildProcessResult runChildProcess(const std::string& executable,
@@ -97,9 +110,8 @@ ChildProcessResult runChildProcess(const std::string& executable,
   Output output;
   // In this order: a child blocks while the pipe is full, and would never exit.
   readToEnd(pipe.readEnd, deadline, output);
-  // Reading keeps to the deadline by itself, and most children have ended when it is over. Only the
-  // others cost a thread.
-  if (child.isRunning()) {
+  // Reading keeps to the deadline by itself; only a child that goes on after it costs a thread.
+  if (!endsAtOnce(child)) {
     const Watchdog watchdog(deadline, [&child, &timeoutFlag] {
       if (child.isRunning()) {
         timeoutFlag.set();
