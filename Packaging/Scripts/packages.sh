@@ -68,5 +68,5 @@ need_virtual_machine_packages() {
 # what takes the place of Apple's SDK.
 need_macos_packages() {
     need_packages clang-16 cmake git libc++1-14 lld-16 llvm-16 ninja-build python3
-    command -v npm >/dev/null || need_packages npm
+    command -v npm >/dev/null || need_packages ca-certificates npm
 }
