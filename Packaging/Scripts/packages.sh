@@ -70,3 +70,9 @@ need_macos_packages() {
     need_packages clang-16 cmake git libc++1-14 lld-16 llvm-16 ninja-build python3
     command -v npm >/dev/null || need_packages ca-certificates npm
 }
+
+# Makes what takes the place of Apple's SDK, unless it is there already.
+make_macos_sdk() {
+    step "Making what takes the place of Apple's SDK, of two npm packages (80 MB)"
+    /usr/bin/python3 -B Packaging/macOS/Toolchain/make_sdk.py
+}

@@ -6,7 +6,7 @@ set(llvm /usr/lib/llvm-16/bin)
 if(NOT EXISTS ${llvm}/clang++ OR NOT EXISTS ${llvm}/ld64.lld OR NOT EXISTS ${llvm}/llvm-lipo)
   message(FATAL_ERROR "Install clang-16, lld-16 and llvm-16, or let ./run macos do it.")
 endif()
-execute_process(COMMAND /usr/bin/python3 ${CMAKE_CURRENT_LIST_DIR}/make_sdk.py
+execute_process(COMMAND /usr/bin/python3 -B ${CMAKE_CURRENT_LIST_DIR}/make_sdk.py
   COMMAND_ERROR_IS_FATAL ANY)
 cmake_path(SET sdk NORMALIZE ${CMAKE_CURRENT_LIST_DIR}/../../../build/macos-sdk)
 set(CMAKE_OSX_SYSROOT ${sdk} CACHE PATH "What takes the place of Apple's SDK")
