@@ -51,8 +51,10 @@ std::string runExit3() {
   return describe(run({"exit", "3", "text"}));
 }
 
+/// 0 for a directory that there is not: only Linux lists threads.
 std::ptrdiff_t entriesOf(const char* directory) {
-  return std::distance(std::filesystem::directory_iterator(directory), {});
+  std::error_code error;
+  return std::distance(std::filesystem::directory_iterator(directory, error), {});
 }
 
 /// What a run could leave behind in this process.
@@ -324,11 +326,6 @@ TEST(ChildProcessRunner, TheChildInheritsNoMoreThanItShould) {
                   "marker: a value\n"
                   "input: typed\n"
                   "5");
-}
-
-TEST(ChildProcessRunner, NoSignalOfTheProcessIsHandledOnTheWatchdogsThread) {
-  // In a process that has no other threads.
-  EXPECT_EQ(inNewProcess([] { return describe(run({"watch-parent"})); }), "ended 0 ");
 }
 
 TEST(ChildProcessRunner, TheCallersOwnSignalMaskStays) {

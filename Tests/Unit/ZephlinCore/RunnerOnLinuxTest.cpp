@@ -6,6 +6,7 @@
 #include <string>
 #include <thread>
 
+#include "Tests/Support/InNewProcess.h"
 #include "ZephlinCore/ChildProcessRunner.h"
 
 namespace zephlin {
@@ -42,6 +43,17 @@ TEST(CloseOnExec, ARunHasNoInheritableDescriptorAtAnyTime) {
   done = true;
   watcher.join();
   EXPECT_EQ(inheritable, 0);
+}
+
+TEST(ChildProcessRunner, NoSignalOfTheProcessIsHandledOnTheWatchdogsThread) {
+  // In a process that has no other threads.
+  EXPECT_EQ(
+      test::inNewProcess([] {
+        const std::array<std::string, 1> arguments = {"watch-parent"};
+        return std::to_string(
+            runChildProcess(TEST_TOOL, arguments, std::chrono::seconds(60)).terminationStatus);
+      }),
+      "0");
 }
 
 }  // namespace
