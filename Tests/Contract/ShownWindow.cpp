@@ -98,7 +98,7 @@ double bottom(const ShownView& view) {
   return view.top + view.height;
 }
 
-/// What stands around a view; null where there is none.
+/// The view that contains a view and the views next to it; each may be missing.
 struct Neighbours {
   const ShownView* parent = nullptr;
   const ShownView* before = nullptr;

@@ -15,7 +15,7 @@ PROGRAM = BUILD / "bin/Zephlin.app/Contents/MacOS/Zephlin"
 EXCEPTIONS = {
     "NSEdgeInsetsMake": "an inline function of Foundation's headers",
     "NSMakeRect": "an inline function of Foundation's headers",
-    "IO_OBJECT_NULL": "a macro: 0, as for every port that is none (mach/port.h)",
+    "IO_OBJECT_NULL": "a macro: 0, like MACH_PORT_NULL (mach/port.h)",
     "KERN_SUCCESS": "a macro, also in Apple's mach/kern_return.h, which is compiled beside it",
     "NS_UNAVAILABLE": "a macro for the compiler alone",
     "kIOFirstMatchNotification": "a macro: the documented name of the notification",
