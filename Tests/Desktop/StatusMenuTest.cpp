@@ -53,11 +53,23 @@ std::vector<Shown> expectedMenu(const std::string& statusLine, bool isOn) {
 
 class StatusMenu : public DesktopTest {
  protected:
+  /// Of a menu with eleven entries, separators among them.
+  static constexpr int smallestHeight = 11 * 15;
+
   /// Opens the menu in the panel with a mouse button and returns when it is there.
   xcb_window_t openInPanel(int button) {
     const QRect icon = desktop().panel().waitForIcon();
-    desktop().fingers().click(icon.center(), button);
-    waitUntil("a menu on the screen", [] { return desktop().screen().openMenu().has_value(); });
+    waitUntil("the menu on the screen", [&] {
+      desktop().fingers().click(icon.center(), button);
+      waitUntil("a menu on the screen", [] { return desktop().screen().openMenu().has_value(); });
+      if (desktop().screen().placeOf(*desktop().screen().openMenu()).height() > smallestHeight) {
+        return true;
+      }
+      // The panel opens one of its own, with five entries, until it has read the item's.
+      desktop().fingers().tap(Key::Escape);
+      waitUntilNoMenu();
+      return false;
+    });
     return *desktop().screen().openMenu();
   }
 
@@ -112,8 +124,7 @@ TEST_F(StatusMenu, ShowsInThePanelAndTakesAChoice) {
   App app(desktop());
   app.waitForStatusLine(onLine);
   constexpr int rightButton = 3;
-  const QRect place = desktop().screen().placeOf(openInPanel(rightButton));
-  EXPECT_GT(place.height(), 11 * 10);
+  openInPanel(rightButton);
   desktop().photograph("menu-in-panel");
 
   // The first entry that can be chosen.
