@@ -78,7 +78,7 @@ class ContractDesktop {
   virtual std::vector<std::string> windowTexts() = 0;
   virtual bool pressButton(const std::string& title) = 0;
   virtual void closeWindow() = 0;
-  /// The window with this title that is shown; without views where there is none.
+  /// The visible window with this title; has no views if there is no such window.
   virtual ShownWindow shownWindow(const std::string& title) = 0;
   /// Whether digits of one width can be told from others in what is shown.
   [[nodiscard]] virtual bool tellsDigitWidths() const { return true; }

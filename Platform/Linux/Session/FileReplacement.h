@@ -45,7 +45,7 @@ class FileReplacement {
   mode_t permissions_ = S_IRUSR | S_IWUSR;
 };
 
-/// What a regular file of at most a megabyte holds; absent where there is none. Throws
+/// Reads a regular file of at most a megabyte; absent if there is no such file. Throws
 /// std::system_error as above.
 std::optional<std::string> readFile(const std::string& path);
 
