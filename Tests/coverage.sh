@@ -10,6 +10,6 @@ cmake -S "$source" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
     -DCMAKE_CXX_FLAGS="-O0 -g --coverage -fprofile-update=atomic" -DBUILD_TESTING=ON >/dev/null
 cmake --build "$build"
 ctest --test-dir "$build" --parallel "$(nproc)" --output-on-failure --no-tests=error \
-    --label-regex '^(unit|cli|simulation)$' --exclude-regex 'HidUtil'
+    --label-regex '^(unit|cli|simulation)$' --exclude-regex 'KeyboardService'
 gcovr --root "$source" --filter "$source/Zephlin/" --filter "$source/ZephlinCore/" \
     --exclude-throw-branches --fail-under-line 95 "$build"

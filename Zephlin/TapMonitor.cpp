@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "Base/CheckedArithmetic.h"
 #include "Zephlin/TapTestController.h"
-#include "ZephlinCore/CheckedArithmetic.h"
 
 namespace zephlin {
 
@@ -18,7 +18,7 @@ constexpr HidInputMatching capsLockKey{
 
 constexpr Interval pollInterval{0.01};
 /// A toggle that comes later than this after a press was not made by it.
-constexpr double longestLatencyMS = 1000;
+constexpr double maximumLatencyMS = 1000;
 
 constexpr double verdictFillAlpha = 0.14;
 
@@ -110,7 +110,7 @@ void TapTestController::registerCapsState(bool isOn, RememberedState& channel) {
   if (lastPressTime_) {
     const double elapsedMS =
         (platform_.clock().now().secondsSince1970 - lastPressTime_->secondsSince1970) * 1000;
-    if (elapsedMS < longestLatencyMS) {
+    if (elapsedMS < maximumLatencyMS) {
       lastLatencyMS_ = std::llround(elapsedMS);
     }
   }

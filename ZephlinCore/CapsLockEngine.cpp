@@ -5,7 +5,7 @@
 #include <system_error>
 #include <utility>
 
-#include "ZephlinCore/CheckedArithmetic.h"
+#include "Base/CheckedArithmetic.h"
 #include "ZephlinCore/ChildProcessRunner.h"
 #include "ZephlinCore/HidUtilOutputParser.h"
 #include "ZephlinCore/Utf8.h"

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "ZephlinCore/CloseOnExec.h"
+#include "Base/CloseOnExec.h"
 
 extern char** environ;  // macOS declares it nowhere.
 

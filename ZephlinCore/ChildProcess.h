@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-#include "ZephlinCore/FileDescriptor.h"
+#include "Base/FileDescriptor.h"
 
 namespace zephlin {
 

@@ -10,8 +10,8 @@
 #include <thread>
 #include <utility>
 
+#include "Base/FileDescriptor.h"
 #include "ZephlinCore/ChildProcess.h"
-#include "ZephlinCore/FileDescriptor.h"
 #include "ZephlinCore/TimeoutFlag.h"
 #include "ZephlinCore/Watchdog.h"
 
@@ -86,9 +86,9 @@ void readRest(const FileDescriptor& descriptor, Output& output) {
 
 /// A child's output ends in the middle of its exit, the rest of which takes microseconds.
 bool endsAtOnce(const ChildProcess& child) {
-  const auto patience = Clock::now() + std::chrono::milliseconds(1);
+  const auto timeout = Clock::now() + std::chrono::milliseconds(1);
   while (child.isRunning()) {
-    if (Clock::now() >= patience) {
+    if (Clock::now() >= timeout) {
       return false;
     }
     std::this_thread::yield();

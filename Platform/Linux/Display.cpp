@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-#include "ZephlinCore/FileDescriptor.h"
+#include "Base/FileDescriptor.h"
 
 namespace zephlin {
 

@@ -24,8 +24,8 @@ LinuxPlatform::LinuxPlatform(int& argc, char** argv)
       application_(argc, argv),
       userDefaults_(defaultsPath(), systemLog_),
       statusBar_([this] { return application_.isTerminating(); }),
-      hidDevices_(currentDesktopKind(), holdsInputBack),
-      eventTaps_(currentDesktopKind(), holdsInputBack),
+      hidDevices_(currentWindowSystem(), holdsInputBack),
+      eventTaps_(currentWindowSystem(), holdsInputBack),
       loginService_(QApplication::applicationFilePath().toStdString(), systemLog_),
       instance_(systemLog_, [this] { application_.reopen(); }),
       quitSignals_([this] { application_.terminate(); }) {

@@ -3,9 +3,9 @@
 
 #include <string>
 
+#include "Base/FileDescriptor.h"
 #include "Platform/Linux/Session/InstanceLockPath.h"
 #include "Platform/Workspace.h"
-#include "ZephlinCore/FileDescriptor.h"
 
 namespace zephlin {
 

@@ -9,7 +9,7 @@
 #include <fstream>
 #include <utility>
 
-#include "ZephlinCore/FileDescriptor.h"
+#include "Base/FileDescriptor.h"
 
 extern "C" {
 #include <sys/pidfd.h>  // glibc 2.36 leaves the linkage to C++.

@@ -123,20 +123,20 @@ std::vector<Record> liveOnes(const std::vector<std::weak_ptr<const Record>>& rec
 
 void SimulatedLateness::setExactly(Delay delay) {
   exact_ = ticksFromSeconds(delay.seconds);
-  mostAtRandom_ = 0;
+  maximumJitter_ = 0;
 }
 
 void SimulatedLateness::setAtRandom(Delay most, std::uint64_t seed) {
   exact_ = 0;
-  mostAtRandom_ = ticksFromSeconds(most.seconds);
+  maximumJitter_ = ticksFromSeconds(most.seconds);
   random_.seed(seed);
 }
 
 VirtualTicks SimulatedLateness::ofDelayedWork() {
-  if (mostAtRandom_ == 0) {
+  if (maximumJitter_ == 0) {
     return exact_;
   }
-  return static_cast<VirtualTicks>(random_() % static_cast<std::uint64_t>(mostAtRandom_ + 1));
+  return static_cast<VirtualTicks>(random_() % static_cast<std::uint64_t>(maximumJitter_ + 1));
 }
 
 VirtualTicks SimulatedLateness::ofTimer(Tolerance tolerance) {

@@ -28,7 +28,7 @@ class SimulatedLateness {
 
  private:
   VirtualTicks exact_ = 0;
-  VirtualTicks mostAtRandom_ = 0;
+  VirtualTicks maximumJitter_ = 0;
   double shareOfTolerance_ = 0;
   std::mt19937_64 random_;
 };

@@ -29,7 +29,7 @@ class SimulatedContractDesktop final : public ContractDesktop {
   }
 
   bool runUntil(const std::function<bool()>& condition) override {
-    const double end = desktop_->now() + virtualPatience;
+    const double end = desktop_->now() + virtualTimeout;
     while (!condition()) {
       if (desktop_->now() > end || !desktop_->step()) {
         return condition();
@@ -77,7 +77,7 @@ class SimulatedContractDesktop final : public ContractDesktop {
   void makeLoginItemsFail() override { desktop_->loginService().failWith("not permitted"); }
 
  private:
-  static constexpr double virtualPatience = 86'400;
+  static constexpr double virtualTimeout = 86'400;
 
   std::shared_ptr<SimulatedWindow> window() { return desktop_->windows().window(); }
 

@@ -21,7 +21,7 @@ MARKDOWN = [
 MANUAL_PAGES = [ManualPage(path, ROOT) for path in sorted((ROOT / "Packaging/Man").iterdir())]
 SOURCES = {
     path: path.read_text()
-    for room in ["Zephlin", "ZephlinCore", "Platform", "HidUtil", "Tests"]
+    for room in ["Base", "Zephlin", "ZephlinCore", "Platform", "KeyboardService", "Tests"]
     for path in (ROOT / room).rglob("*")
     if path.suffix in [".h", ".cpp", ".mm", ".c"]
 }
@@ -144,7 +144,7 @@ class Names(unittest.TestCase):
         rows = re.findall(r"^\| `([\w/]+)/` \|[^|]*\|([^|]*)\|$",
                           document("docs/architecture.md").prose(), re.M)
         allowed = {room: code_in(text) for room, text in rows if "anything" not in text}
-        self.assertIn("HidUtil", allowed)
+        self.assertIn("KeyboardService", allowed)
         for path, text in SOURCES.items():
             name = path.relative_to(ROOT)
             rooms = [each for each in allowed if name.is_relative_to(each)]

@@ -85,8 +85,8 @@ void HistoryActions::perform(const std::string& action) {
 }
 
 void HistoryActions::plug(std::istringstream& arguments) {
-  constexpr std::size_t mostKeyboards = 8;
-  if (desktop_.keyboards().count() < mostKeyboards) {
+  constexpr std::size_t maximumKeyboards = 8;
+  if (desktop_.keyboards().count() < maximumKeyboards) {
     desktop_.plugKeyboard(restOf(arguments) == "stubborn");
     model_.deviceAppeared();
   }

@@ -6,7 +6,7 @@ namespace zephlin {
 
 namespace {
 
-constexpr std::size_t mostPendingEvents = 200;
+constexpr std::size_t maximumPendingEvents = 200;
 
 struct ExpectedEntry {
   const char* title;
@@ -83,7 +83,7 @@ void HistoryChecker::checkAtRest() {
   if (desktop_.hidutil().runningCalls() == 0) {
     require(!model_.owesCalls(), "a run of the tool that was asked for did not start");
   }
-  require(desktop_.loop().pendingEvents() <= mostPendingEvents, "pending events pile up");
+  require(desktop_.loop().pendingEvents() <= maximumPendingEvents, "pending events pile up");
   const std::shared_ptr<AppDelegate> delegate = delegate_.lock();
   require(static_cast<bool>(delegate) == model_.isAlive(),
           model_.isAlive() ? "the delegate has gone" : "something keeps the delegate alive");

@@ -31,9 +31,9 @@ void dropPieces(History& history, std::size_t size,
 /// Leaves out runs of so few events wherever they begin: a menu's opening and the click in it go
 /// together, or two clicks that undo each other.
 bool dropNeighbours(History& history, const std::function<bool(const History&)>& fails) {
-  constexpr std::size_t mostNeighbours = 6;
+  constexpr std::size_t maximumNeighbours = 6;
   bool dropped = false;
-  for (std::size_t count = mostNeighbours; count > 0; --count) {
+  for (std::size_t count = maximumNeighbours; count > 0; --count) {
     for (std::size_t begin = history.size(); begin-- > 0;) {
       History candidate = without(history, begin, count);
       if (fails(candidate)) {

@@ -9,7 +9,7 @@ namespace zephlin {
 
 namespace {
 
-constexpr int mostRetries = 3;
+constexpr int maximumRetries = 3;
 constexpr double retrySeconds = 3;
 constexpr double reconcileSeconds = 300;
 
@@ -185,7 +185,7 @@ void OverrideModel::finishApply(bool failed, double wallTime) {
   const bool isConfirmed =
       status_ && status_->instant > 0 && status_->normal == 0 && status_->other == 0;
   record_ = Record{!failed && isConfirmed, wallTime};
-  if (!isConfirmed && retryAttempts_ < mostRetries) {
+  if (!isConfirmed && retryAttempts_ < maximumRetries) {
     ++retryAttempts_;
     deadlines_.push_back({inSeconds(retrySeconds), true});
   }

@@ -9,7 +9,7 @@
 #include <exception>
 #include <system_error>
 
-#include "ZephlinCore/FileDescriptor.h"
+#include "Base/FileDescriptor.h"
 
 namespace zephlin::test {
 namespace {

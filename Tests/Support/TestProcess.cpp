@@ -16,7 +16,7 @@
 namespace zephlin::test {
 namespace {
 
-constexpr int patienceMilliseconds = 60'000;
+constexpr int timeoutMilliseconds = 60'000;
 
 std::system_error failure(const char* what) {
   return {errno, std::generic_category(), what};
@@ -142,7 +142,7 @@ Outcome TestProcess::wait() {
 void TestProcess::readSome() {
   std::array<pollfd, 2> pipes{pollfd{outputPipe_.get(), POLLIN, 0},
                               pollfd{errorPipe_.get(), POLLIN, 0}};
-  if (::poll(pipes.data(), pipes.size(), patienceMilliseconds) == 0) {
+  if (::poll(pipes.data(), pipes.size(), timeoutMilliseconds) == 0) {
     throw std::runtime_error("the child neither writes nor ends; so far: " + outcome_.errors);
   }
   if (pipes[0].revents != 0 && !readFrom(outputPipe_, outcome_.output)) {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "ZephlinCore/FileDescriptor.h"
+#include "Base/FileDescriptor.h"
 
 namespace zephlin::test {
 

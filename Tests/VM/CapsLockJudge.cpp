@@ -78,7 +78,7 @@ class Judge {
     }
     devices_[name].descriptor = descriptor;
     print("+ %s", name.c_str());
-    turnLights();
+    setLeds();
   }
 
   void remove(const std::string& name) {
@@ -145,12 +145,12 @@ class Judge {
       seat_.key(event.code, event.value == 1);
       if (seat_.isLocked() != wasLocked) {
         print("lock %d", seat_.isLocked() ? 1 : 0);
-        turnLights();
+        setLeds();
       }
     }
   }
 
-  void turnLights() {
+  void setLeds() {
     for (const auto& [name, device] : devices_) {
       input_event events[2]{};
       events[0].type = EV_LED;

@@ -90,7 +90,7 @@ class Keyboard {
   }
 
   /// Tells the keyboard, as a compositor does, whether the lock is on.
-  void setLight(bool lit) {
+  void setLed(bool lit) {
     std::array<input_event, 2> events{};
     events[0].type = EV_LED;
     events[0].code = LED_CAPSL;
@@ -132,7 +132,7 @@ double delayOfUnlocking(Keyboard& keyboard, Seat& seat) {
   take(keyboard, seat, Clock::now() + 10s);
   keyboard.turn(KEY_CAPSLOCK, 0);
   take(keyboard, seat, Clock::now() + 10s);
-  keyboard.setLight(true);
+  keyboard.setLed(true);
 
   const auto start = Clock::now();
   const auto release = start + holdTime;
@@ -150,7 +150,7 @@ double delayOfUnlocking(Keyboard& keyboard, Seat& seat) {
   if (seat.isLocked()) {
     throw std::runtime_error("the lock stays on");
   }
-  keyboard.setLight(false);
+  keyboard.setLed(false);
   return Milliseconds(unlocked - start).count();
 }
 

@@ -100,7 +100,7 @@ TEST_F(TroubleInMachine, AServiceKilledWithinATapLeavesCapsLockUpAndWorking) {
   activateService("zephlin-hidd --tap-gap 50");
   apply();
   tap(0, "caps_lock");
-  waitForLight(0, true);
+  waitForLed(0, true);
   waitUntilSeen("KEY_CAPSLOCK 0");
   // Stops the service when the tap's press comes out, so that its release cannot.
   machine().output(
@@ -152,7 +152,7 @@ TEST_F(TroubleInMachine, AFloodThatOverrunsTheKernelsQueueLeavesNoKeyStuck) {
 
 TEST_F(TroubleInMachine, ALightThatIsTurnedWhileMuchIsTypedIsNotLost) {
   apply();
-  const auto turnLight = [](int value) {
+  const auto setLed = [](int value) {
     machine().output(
         "cd /sys/class/input; clone=$(grep -l ^zephlin-hidd/ event*/device/phys); cd; printf "
         "'\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\021\\0\\001\\0\\00" +
@@ -160,7 +160,7 @@ TEST_F(TroubleInMachine, ALightThatIsTurnedWhileMuchIsTypedIsNotLost) {
   };
   machine().output("kill -STOP $service");
   tap(0, "a");
-  turnLight(1);
+  setLed(1);
   constexpr int more = 9;  // The kernel remembers about as many for the service.
   for (int count = 0; count < more; ++count) {
     tap(0, "a");
@@ -168,9 +168,9 @@ TEST_F(TroubleInMachine, ALightThatIsTurnedWhileMuchIsTypedIsNotLost) {
   }
   machine().output("kill -CONT $service");
   waitUntilSeen("KEY_A 0", 1 + more);
-  waitForLight(0, true);
-  turnLight(0);
-  waitForLight(0, false);
+  waitForLed(0, true);
+  setLed(0);
+  waitForLed(0, false);
 }
 
 TEST_F(TroubleInMachine, AKeyboardThatHasJustGoneKeepsNobodyFromSettingTheOthers) {

@@ -75,18 +75,18 @@ void Typist::tap(int keyboard, const std::string& key) {
 std::string Typist::typeHello(int keyboard) {
   return textOf(keyboard, [&] {
     tap(keyboard, "caps_lock");
-    waitForLight(keyboard, true);
+    waitForLed(keyboard, true);
     tap(keyboard, "h");
     machine_.press(keyboard, "caps_lock");
     machine_.press(keyboard, "e");
     machine_.release(keyboard, "caps_lock");
     machine_.release(keyboard, "e");
     tap(keyboard, "e");
-    waitForLight(keyboard, false);
+    waitForLed(keyboard, false);
   });
 }
 
-void Typist::waitForLight(int keyboard, bool lit) {
+void Typist::waitForLed(int keyboard, bool lit) {
   const std::string node = nodeOf(keyboard);
   machine_.waitUntil("grep -q " + std::to_string(lit ? 1 : 0) + " /sys/class/input/" + node +
                      "/device/*::capslock/brightness");

@@ -62,7 +62,7 @@ class Typist {
     return text().substr(before.size());
   }
 
-  void waitForLight(int keyboard, bool lit);
+  void waitForLed(int keyboard, bool lit);
 
   /// Waits until all that was typed on the keyboard has been seen.
   void finishTyping(int keyboard);

@@ -12,7 +12,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "HidUtil/SocketAddress.h"
+#include "KeyboardService/Protocol/SocketAddress.h"
 
 namespace zephlin {
 namespace {
@@ -21,7 +21,7 @@ using namespace std::chrono_literals;
 using nlohmann::json;
 
 /// With a machine that shares its processors with many others.
-constexpr std::chrono::milliseconds patience = 10min;
+constexpr std::chrono::milliseconds timeout = 10min;
 constexpr auto timeBetweenTries = 50ms;
 
 FileDescriptor connectTo(const std::string& path) {
@@ -53,7 +53,7 @@ std::string LineStream::receive() {
   while (buffer_.find('\n') == std::string::npos) {
     pollfd polled{socket_.get(), POLLIN, 0};
     std::array<char, 4096> chunk{};
-    const ssize_t count = ::poll(&polled, 1, static_cast<int>(patience.count())) <= 0
+    const ssize_t count = ::poll(&polled, 1, static_cast<int>(timeout.count())) <= 0
                               ? 0
                               : ::recv(socket_.get(), chunk.data(), chunk.size(), 0);
     if (count <= 0) {

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "Base/FileDescriptor.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TestProcess.h"
-#include "ZephlinCore/FileDescriptor.h"
 
 namespace zephlin {
 

@@ -42,7 +42,7 @@ class MacContractDesktop final : public ContractDesktop {
   }
 
   bool runUntil(const std::function<bool()>& condition) override {
-    for (const double end = monotonicSeconds() + patience; !condition(); takeTurn()) {
+    for (const double end = monotonicSeconds() + timeout; !condition(); takeTurn()) {
       if (monotonicSeconds() > end) {
         return false;
       }
@@ -102,7 +102,7 @@ class MacContractDesktop final : public ContractDesktop {
   void makeLoginItemsFail() override { mac::makeLoginItemsFail(); }
 
  private:
-  static constexpr double patience = 30;
+  static constexpr double timeout = 30;
 
   static void forgetSettings() {
     [[NSUserDefaults standardUserDefaults]

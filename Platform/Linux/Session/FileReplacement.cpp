@@ -17,12 +17,12 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto lockPatience = 2s;
+constexpr auto lockTimeout = 2s;
 constexpr auto lockPause = 10ms;
 /// As many as the kernel follows (path_resolution).
-constexpr int mostLinks = 40;
+constexpr int maximumLinks = 40;
 /// Of a file that is read. To read and to parse a few hundred megabytes takes many seconds.
-constexpr std::size_t mostBytes = std::size_t{1} << 20U;
+constexpr std::size_t maximumBytes = std::size_t{1} << 20U;
 
 [[noreturn]] void fail(const std::string& what, const std::string& path, int error = errno) {
   throw std::system_error(error, std::generic_category(), "cannot " + what + " " + path);
@@ -33,7 +33,7 @@ std::string withoutLinks(std::filesystem::path path) {
   std::error_code error;
   for (int link = 0; std::filesystem::is_symlink(std::filesystem::symlink_status(path, error));
        ++link) {
-    if (link == mostLinks) {
+    if (link == maximumLinks) {
       fail("follow", path, ELOOP);
     }
     path = path.parent_path() / std::filesystem::read_symlink(path);
@@ -87,7 +87,7 @@ std::optional<std::string> readFile(const std::string& path) {
   ssize_t count = 0;
   while ((count = ::read(file.get(), chunk.data(), chunk.size())) > 0) {
     content.append(chunk.data(), static_cast<std::size_t>(count));
-    if (content.size() > mostBytes) {
+    if (content.size() > maximumBytes) {
       fail("read", path, EFBIG);
     }
   }
@@ -109,7 +109,7 @@ FileReplacement::FileReplacement(const std::string& path) : path_(withoutLinks(p
     permissions_ = status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
   }
   makeFolder(file.parent_path());
-  const auto deadline = std::chrono::steady_clock::now() + lockPatience;
+  const auto deadline = std::chrono::steady_clock::now() + lockTimeout;
   while (!tryToLock()) {
     if (std::chrono::steady_clock::now() >= deadline) {
       fail("write", path_, EBUSY);

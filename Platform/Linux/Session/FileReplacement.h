@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "ZephlinCore/FileDescriptor.h"
+#include "Base/FileDescriptor.h"
 
 namespace zephlin {
 

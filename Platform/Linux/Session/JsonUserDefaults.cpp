@@ -14,7 +14,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 /// No settings are nested deeper; the library writes nested values by recursion.
-constexpr int mostNesting = 100;
+constexpr int maximumNesting = 100;
 
 /// The object that the text holds. Absent where it holds anything else.
 std::optional<Json> parseObject(const std::string& text) {
@@ -22,7 +22,7 @@ std::optional<Json> parseObject(const std::string& text) {
   Json object = Json::parse(
       text,
       [&isTooDeep](int depth, Json::parse_event_t, const Json&) {
-        isTooDeep = isTooDeep || depth > mostNesting;
+        isTooDeep = isTooDeep || depth > maximumNesting;
         return !isTooDeep;
       },
       false);

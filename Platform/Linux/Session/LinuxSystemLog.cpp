@@ -63,7 +63,7 @@ LinuxSystemLog::~LinuxSystemLog() {
 
 void LinuxSystemLog::log(const std::string& text) {
   try {
-    const std::string entry = logEntry(text, mostBytes - 1);
+    const std::string entry = logEntry(text, maximumBytes - 1);
     ::syslog(LOG_NOTICE, "%s", entry.c_str());
     writeToStandardError(entry + '\n');
   } catch (const std::exception&) {

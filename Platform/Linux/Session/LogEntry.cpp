@@ -23,10 +23,10 @@ std::string_view withoutLineFeedsAtEnd(std::string_view text) {
 
 }  // namespace
 
-std::string logEntry(std::string_view text, std::size_t mostBytes) {
+std::string logEntry(std::string_view text, std::size_t maximumBytes) {
   std::string entry;
   for (const char character : withoutLineFeedsAtEnd(text)) {
-    if (entry.size() > mostBytes) {
+    if (entry.size() > maximumBytes) {
       break;
     }
     if (character == '\n') {
@@ -35,8 +35,8 @@ std::string logEntry(std::string_view text, std::size_t mostBytes) {
       entry += isControl(character) && character != '\t' ? '?' : character;
     }
   }
-  if (entry.size() > mostBytes) {
-    std::size_t end = mostBytes - ellipsis.size();
+  if (entry.size() > maximumBytes) {
+    std::size_t end = maximumBytes - ellipsis.size();
     while (end > 0 && isContinuation(entry[end])) {
       --end;
     }

@@ -5,7 +5,7 @@
 #include <functional>
 #include <map>
 
-#include "ZephlinCore/FileDescriptor.h"
+#include "Base/FileDescriptor.h"
 
 namespace zephlin {
 

@@ -23,7 +23,7 @@ namespace {
 using namespace std::chrono_literals;
 
 /// How long an instance may take from its lock to its name on the bus.
-constexpr auto patience = 5s;
+constexpr auto timeout = 5s;
 constexpr auto pause = 50ms;
 
 struct flock wholeFileLock() {
@@ -53,7 +53,7 @@ RunningInstance::RunningInstance(SystemLog& log, std::function<void()> onActivat
 RunningInstance::~RunningInstance() = default;
 
 bool RunningInstance::becomeTheInstance() {
-  const auto deadline = std::chrono::steady_clock::now() + patience;
+  const auto deadline = std::chrono::steady_clock::now() + timeout;
   for (;;) {
     const auto holder = otherHolder();
     if (!holder) {

@@ -6,8 +6,8 @@
 #include <memory>
 #include <optional>
 
+#include "Base/FileDescriptor.h"
 #include "Platform/SystemLog.h"
-#include "ZephlinCore/FileDescriptor.h"
 
 namespace zephlin {
 

@@ -9,7 +9,7 @@ namespace {
 
 /// How long a panel that has brought up its XEmbed tray may take for its StatusNotifier host. Much
 /// more than it takes even while a session starts, and not more than a user would wonder about.
-constexpr std::chrono::seconds patience{3};
+constexpr std::chrono::seconds timeout{3};
 
 }  // namespace
 
@@ -17,8 +17,8 @@ TrayFinder::TrayFinder(const XEmbedTray& xembed, std::function<void(TrayKind)> f
     : xembed_(xembed),
       found_(std::move(found)),
       host_([this] { decide(TrayKind::StatusNotifier); }) {
-  patience_.setSingleShot(true);
-  QObject::connect(&patience_, &QTimer::timeout, &patience_, [this] {
+  timeout_.setSingleShot(true);
+  QObject::connect(&timeout_, &QTimer::timeout, &timeout_, [this] {
     if (xembed_.isThere()) {
       decide(TrayKind::XEmbed);
     }
@@ -30,12 +30,12 @@ TrayFinder::TrayFinder(const XEmbedTray& xembed, std::function<void(TrayKind)> f
 
 void TrayFinder::xembedTrayCame() {
   if (found_) {
-    patience_.start(host_.isPossible() ? patience : std::chrono::seconds(0));
+    timeout_.start(host_.isPossible() ? timeout : std::chrono::seconds(0));
   }
 }
 
 void TrayFinder::decide(TrayKind kind) {
-  patience_.stop();
+  timeout_.stop();
   if (const auto found = std::exchange(found_, nullptr)) {
     found(kind);
   }

@@ -31,7 +31,7 @@ class TrayFinder {
 
   const XEmbedTray& xembed_;
   std::function<void(TrayKind)> found_;
-  QTimer patience_;
+  QTimer timeout_;
   StatusNotifierHost host_;
 };
 

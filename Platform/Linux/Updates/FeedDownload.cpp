@@ -36,7 +36,7 @@ FeedDownload::FeedDownload(const QUrl& url, std::function<void(const FeedResult&
   }
   reply_.reset(network_.get(requestOf(url)));
   QObject::connect(reply_.get(), &QNetworkReply::readyRead, &timeLimit_, [this] {
-    if (reply_->bytesAvailable() > mostBytes) {
+    if (reply_->bytesAvailable() > maximumBytes) {
       finish({{}, "The answer is too long."});
     }
   });
@@ -66,8 +66,8 @@ FeedResult FeedDownload::result() {
   if (reply_->error() != QNetworkReply::NoError) {
     return {{}, reply_->errorString()};
   }
-  QByteArray content = reply_->read(mostBytes + 1);
-  if (content.size() > mostBytes) {
+  QByteArray content = reply_->read(maximumBytes + 1);
+  if (content.size() > maximumBytes) {
     return {{}, "The answer is too long."};
   }
   return {std::move(content), {}};

@@ -17,7 +17,7 @@ namespace zephlin {
 /// Destroying it ends the download without a call. Main thread.
 class FeedDownload final : public QObject {
  public:
-  static constexpr qint64 mostBytes = 1'000'000;
+  static constexpr qint64 maximumBytes = 1'000'000;
   static constexpr std::chrono::milliseconds usualTimeLimit{15'000};
 
   /// Calls `done` once, from the event loop, unless it is destroyed before.

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "Base/FileDescriptor.h"
 #include "Platform/Linux/Watching/EventKind.h"
-#include "ZephlinCore/FileDescriptor.h"
 
 namespace zephlin {
 

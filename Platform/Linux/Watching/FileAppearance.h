@@ -5,8 +5,8 @@
 #include <functional>
 #include <memory>
 
+#include "Base/FileDescriptor.h"
 #include "Platform/Linux/Watching/EndableCallback.h"
-#include "ZephlinCore/FileDescriptor.h"
 
 struct inotify_event;
 

@@ -15,19 +15,19 @@ namespace zephlin {
 
 namespace {
 
-ModifierFlags flagsOfLight(bool isOn) {
+ModifierFlags flagsOfLed(bool isOn) {
   return isOn ? modifierCapsLock : 0;
 }
 
 /// Other modifiers have no light. So that the first tap is seen to change something, the state
 /// before it is told with it.
-class LightObservation final : public Observation {
+class LedObservation final : public Observation {
  public:
-  LightObservation(bool isOn, std::function<void(ModifierFlags)> callback)
+  LedObservation(bool isOn, std::function<void(ModifierFlags)> callback)
       : callback_(std::move(callback)),
-        untold_{flagsOfLight(isOn)},
+        untold_{flagsOfLed(isOn)},
         devices_(openEventDevices({EV_LED, LED_CAPSL}, [this](int value) {
-          untold_.push_back(flagsOfLight(value != 0));
+          untold_.push_back(flagsOfLed(value != 0));
           callback_.callForEach(std::exchange(untold_, {}));
         })) {}
 
@@ -41,14 +41,14 @@ class LightObservation final : public Observation {
   std::variant<std::unique_ptr<Observation>, std::int32_t> devices_;
 };
 
-std::unique_ptr<Observation> listenToLight(bool isOn, std::function<void(ModifierFlags)> callback) {
-  auto observation = std::make_unique<LightObservation>(isOn, std::move(callback));
+std::unique_ptr<Observation> listenToLed(bool isOn, std::function<void(ModifierFlags)> callback) {
+  auto observation = std::make_unique<LedObservation>(isOn, std::move(callback));
   return observation->isOpen() ? std::move(observation) : nullptr;
 }
 
 }  // namespace
 
-LinuxEventTaps::LinuxEventTaps(DesktopKind desktop, std::function<bool()> holdsInputBack,
+LinuxEventTaps::LinuxEventTaps(WindowSystem desktop, std::function<bool()> holdsInputBack,
                                std::string ledFolder)
     : desktop_(desktop),
       holdsInputBack_(std::move(holdsInputBack)),
@@ -67,14 +67,14 @@ std::unique_ptr<Observation> LinuxEventTaps::listen(
       callback(EventType::FlagsChanged, flags);
     }
   };
-  return desktop_ == DesktopKind::X11
+  return desktop_ == WindowSystem::X11
              ? listenToX11Modifiers(std::move(deliver))
-             : listenToLight(isAnyCapsLockLedOn(ledFolder_), std::move(deliver));
+             : listenToLed(isAnyCapsLockLedOn(ledFolder_), std::move(deliver));
 }
 
 ModifierFlags LinuxEventTaps::currentModifierFlags() {
-  if (desktop_ == DesktopKind::Wayland) {
-    return flagsOfLight(isAnyCapsLockLedOn(ledFolder_));
+  if (desktop_ == WindowSystem::Wayland) {
+    return flagsOfLed(isAnyCapsLockLedOn(ledFolder_));
   }
   if (!x11State_) {
     x11State_ = X11KeyboardState::open();

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "Platform/EventTap.h"
-#include "Platform/Linux/Watching/DesktopKind.h"
+#include "Platform/Linux/Watching/WindowSystem.h"
 
 namespace zephlin {
 
@@ -22,7 +22,7 @@ class LinuxEventTaps final : public EventTaps {
   static constexpr const char* systemLedFolder = "/sys/class/leds";
 
   /// `holdsInputBack` tells whether a menu of this process is open or an alert is modal.
-  LinuxEventTaps(DesktopKind desktop, std::function<bool()> holdsInputBack,
+  LinuxEventTaps(WindowSystem desktop, std::function<bool()> holdsInputBack,
                  std::string ledFolder = systemLedFolder);
   LinuxEventTaps(const LinuxEventTaps&) = delete;
   LinuxEventTaps& operator=(const LinuxEventTaps&) = delete;
@@ -35,7 +35,7 @@ class LinuxEventTaps final : public EventTaps {
   ModifierFlags currentModifierFlags() override;
 
  private:
-  DesktopKind desktop_;
+  WindowSystem desktop_;
   std::function<bool()> holdsInputBack_;
   std::string ledFolder_;
   /// Kept between readings, which may come every few milliseconds.

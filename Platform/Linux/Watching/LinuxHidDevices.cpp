@@ -36,7 +36,7 @@ class AppearedObservation final : public Observation {
 
 }  // namespace
 
-LinuxHidDevices::LinuxHidDevices(DesktopKind desktop, std::function<bool()> holdsInputBack,
+LinuxHidDevices::LinuxHidDevices(WindowSystem desktop, std::function<bool()> holdsInputBack,
                                  std::string socketPath)
     : desktop_(desktop),
       holdsInputBack_(std::move(holdsInputBack)),
@@ -60,7 +60,7 @@ std::variant<std::unique_ptr<Observation>, std::int32_t> LinuxHidDevices::openIn
       callback(value);
     }
   };
-  return desktop_ == DesktopKind::X11
+  return desktop_ == WindowSystem::X11
              ? openX11CapsLockKey(std::move(deliver))
              : openEventDevices({EV_KEY, KEY_CAPSLOCK}, std::move(deliver));
 }

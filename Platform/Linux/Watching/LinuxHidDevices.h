@@ -7,7 +7,7 @@
 #include <variant>
 
 #include "Platform/HidDevices.h"
-#include "Platform/Linux/Watching/DesktopKind.h"
+#include "Platform/Linux/Watching/WindowSystem.h"
 
 namespace zephlin {
 
@@ -24,7 +24,7 @@ class LinuxHidDevices final : public HidDevices {
   static constexpr const char* serviceSocketPath = "/run/zephlin/hidd.sock";
 
   /// `holdsInputBack` tells whether a menu of this process is open or an alert is modal.
-  LinuxHidDevices(DesktopKind desktop, std::function<bool()> holdsInputBack,
+  LinuxHidDevices(WindowSystem desktop, std::function<bool()> holdsInputBack,
                   std::string socketPath = serviceSocketPath);
 
   std::unique_ptr<Observation> observeAppeared(const std::string& serviceClass,
@@ -33,7 +33,7 @@ class LinuxHidDevices final : public HidDevices {
       const HidInputMatching& matching, std::function<void(std::int64_t value)> callback) override;
 
  private:
-  DesktopKind desktop_;
+  WindowSystem desktop_;
   std::function<bool()> holdsInputBack_;
   std::string socketPath_;
 };

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::string_view subscribeRequest = "{\"request\":\"subscribe\"}\n";
 /// Far more than a service of ours sends.
-constexpr qsizetype longestLine = 4096;
+constexpr qsizetype maximumLineBytes = 4096;
 
 std::system_error lastError(const std::string& path) {
   return {errno, std::generic_category(), path};
@@ -65,7 +65,7 @@ ServiceConnection::ServiceConnection(const std::string& path,
 }
 
 void ServiceConnection::receive() {
-  std::array<char, longestLine> bytes{};
+  std::array<char, maximumLineBytes> bytes{};
   const ssize_t count = ::recv(socket_.get(), bytes.data(), bytes.size(), 0);
   if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
     return;
@@ -91,7 +91,7 @@ std::vector<ServiceNews> ServiceConnection::takeNews() {
     }
     isSubscribed_ = true;
   }
-  if (received_.size() > longestLine) {
+  if (received_.size() > maximumLineBytes) {
     news.push_back(ServiceNews::Ended);
   }
   return news;

@@ -12,8 +12,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::chrono::milliseconds firstDelay = 100ms;
-constexpr std::chrono::milliseconds longestDelay = 60s;
-constexpr int mostRetries = 10;
+constexpr std::chrono::milliseconds maximumDelay = 60s;
+constexpr int maximumRetries = 10;
 
 }  // namespace
 
@@ -55,7 +55,7 @@ void ServiceSubscription::handle(ServiceNews news) {
 void ServiceSubscription::connectionFailed() {
   forgetOldFailures();
   sinceFailure_.start();
-  if (++failures_ <= mostRetries) {
+  if (++failures_ <= maximumRetries) {
     connectLater();
   }
 }
@@ -69,7 +69,7 @@ void ServiceSubscription::connectLater() {
 }
 
 void ServiceSubscription::forgetOldFailures() {
-  if (sinceFailure_.isValid() && sinceFailure_.hasExpired(longestDelay / 1ms)) {
+  if (sinceFailure_.isValid() && sinceFailure_.hasExpired(maximumDelay / 1ms)) {
     failures_ = 0;
   }
 }
@@ -78,7 +78,7 @@ std::chrono::milliseconds ServiceSubscription::delay() const {
   if (failures_ == 0) {
     return 0ms;
   }
-  return std::min(longestDelay, firstDelay * (1 << (std::min(failures_, mostRetries) - 1)));
+  return std::min(maximumDelay, firstDelay * (1 << (std::min(failures_, maximumRetries) - 1)));
 }
 
 }  // namespace zephlin

@@ -18,11 +18,11 @@ Registrations::Registrations(PrivateBus& sessionBus) {
 
 double Registrations::waitForNext() {
   lastAt_ = 0;
-  QTimer patience;
-  patience.setSingleShot(true);
-  patience.start(std::chrono::minutes(1));
+  QTimer timeout;
+  timeout.setSingleShot(true);
+  timeout.start(std::chrono::minutes(1));
   while (lastAt_ == 0) {
-    if (!patience.isActive()) {
+    if (!timeout.isActive()) {
       throw std::runtime_error("waited in vain for a tray item");
     }
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);

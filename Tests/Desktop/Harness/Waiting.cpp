@@ -21,9 +21,9 @@ void waitUntil(const std::string& what, const std::function<bool()>& condition) 
 }
 
 void waitUntil(const std::function<std::string()>& what, const std::function<bool()>& condition) {
-  constexpr double patienceSeconds = 60;
+  constexpr double timeoutSeconds = 60;
   constexpr std::chrono::milliseconds pause(5);
-  const double deadline = monotonicSeconds() + patienceSeconds;
+  const double deadline = monotonicSeconds() + timeoutSeconds;
   while (!condition()) {
     if (monotonicSeconds() > deadline) {
       if (actionBeforeFailure()) {

@@ -8,9 +8,9 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "Base/FileDescriptor.h"
 #include "Platform/Workspace.h"
 #include "Tests/Support/TemporaryDirectory.h"
-#include "ZephlinCore/FileDescriptor.h"
 
 namespace zephlin {
 namespace {

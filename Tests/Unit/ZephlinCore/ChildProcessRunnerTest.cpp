@@ -15,9 +15,9 @@
 #include <thread>
 #include <vector>
 
+#include "Base/FileDescriptor.h"
 #include "Tests/Support/InNewProcess.h"
 #include "ZephlinCore/ChildProcessRunner.h"
-#include "ZephlinCore/FileDescriptor.h"
 
 namespace zephlin {
 namespace {

@@ -84,9 +84,9 @@ TEST_F(FeedDownloadTest, AnAnswerThatIsAFailureIsAnError) {
 }
 
 TEST_F(FeedDownloadTest, AMegabyteIsTheMost) {
-  server_.answers["/most"] = test::httpAnswer(QByteArray(FeedDownload::mostBytes, 'x'));
-  server_.answers["/more"] = test::httpAnswer(QByteArray(FeedDownload::mostBytes + 1, 'x'));
-  EXPECT_EQ(download(server_.url("/most")).content.size(), FeedDownload::mostBytes);
+  server_.answers["/most"] = test::httpAnswer(QByteArray(FeedDownload::maximumBytes, 'x'));
+  server_.answers["/more"] = test::httpAnswer(QByteArray(FeedDownload::maximumBytes + 1, 'x'));
+  EXPECT_EQ(download(server_.url("/most")).content.size(), FeedDownload::maximumBytes);
   EXPECT_EQ(download(server_.url("/more")).error, "The answer is too long.");
 }
 

@@ -52,7 +52,7 @@ TEST_F(CapsLockLeds, AreOffWhereTheyCannotBeRead) {
 
 TEST_F(CapsLockLeds, AreThePresentStateUnderWayland) {
   LinuxEventTaps taps(
-      DesktopKind::Wayland, [] { return false; }, folder_.path());
+      WindowSystem::Wayland, [] { return false; }, folder_.path());
   setLed("input3::capslock", "0");
   EXPECT_EQ(taps.currentModifierFlags(), 0U);
   setLed("input3::capslock", "1");

@@ -27,7 +27,7 @@ using Flags = std::vector<ModifierFlags>;
 constexpr HidInputMatching matching{
     .deviceUsagePage = 1, .deviceUsage = 6, .usagePage = 7, .usage = 57};
 constexpr EventKind capsLockKey{EV_KEY, KEY_CAPSLOCK};
-constexpr EventKind capsLockLight{EV_LED, LED_CAPSL};
+constexpr EventKind capsLockLed{EV_LED, LED_CAPSL};
 constexpr EventKind keyA{EV_KEY, KEY_A};
 
 /// Takes root's rights over files away for a while.
@@ -72,9 +72,9 @@ class EventDevicesTest : public testing::Test {
 
   MockedDevices machine_;
   bool isHeldBack_ = false;
-  LinuxHidDevices devices_{DesktopKind::Wayland, [this] { return isHeldBack_; }};
+  LinuxHidDevices devices_{WindowSystem::Wayland, [this] { return isHeldBack_; }};
   test::TemporaryDirectory ledFolder_;
-  LinuxEventTaps taps_{DesktopKind::Wayland, [this] { return isHeldBack_; }, ledFolder_.path()};
+  LinuxEventTaps taps_{WindowSystem::Wayland, [this] { return isHeldBack_; }, ledFolder_.path()};
   Values values_;
   Flags flags_;
   std::unique_ptr<Observation> key_;
@@ -82,7 +82,7 @@ class EventDevicesTest : public testing::Test {
 
 TEST_F(EventDevicesTest, TellEachPressAndReleaseOnEachKeyboard) {
   machine_.addKeyboard(1);
-  machine_.addKeyboard(2, MockedDevices::Lights::None);
+  machine_.addKeyboard(2, MockedDevices::Leds::None);
   ASSERT_EQ(open(), 0);
   machine_.report(1, capsLockKey, {1, 0});
   ASSERT_TRUE(valuesBecome({1, 0}));
@@ -94,7 +94,7 @@ TEST_F(EventDevicesTest, TellNothingOfOtherKeysNorRepetitions) {
   machine_.addKeyboard(1);
   ASSERT_EQ(open(), 0);
   machine_.report(1, keyA, {1, 0});
-  machine_.report(1, capsLockLight, {1});
+  machine_.report(1, capsLockLed, {1});
   machine_.report(1, capsLockKey, {1, 2, 2, 0});
   EXPECT_TRUE(valuesBecome({1, 0}));
 }
@@ -138,7 +138,7 @@ TEST_F(EventDevicesTest, AreHeldBackByAMenu) {
   const auto tap = listen();
   isHeldBack_ = true;
   machine_.report(1, capsLockKey, {1, 0});
-  machine_.report(1, capsLockLight, {1});
+  machine_.report(1, capsLockLed, {1});
   test::runLoopFor(std::chrono::milliseconds(100));
   isHeldBack_ = false;
   EXPECT_EQ(values_, Values{});
@@ -178,7 +178,7 @@ TEST_F(EventDevicesTest, TellTheTogglesOfTheLight) {
   ASSERT_NE(tap, nullptr);
   machine_.report(1, capsLockKey, {1, 0});
   machine_.report(1, {EV_LED, LED_NUML}, {1});
-  machine_.report(1, capsLockLight, {1, 0});
+  machine_.report(1, capsLockLed, {1, 0});
   EXPECT_TRUE(flagsBecome({0, modifierCapsLock, 0}));
 }
 
@@ -189,7 +189,7 @@ TEST_F(EventDevicesTest, TellTheStateBeforeTheFirstToggle) {
   std::ofstream(light / "brightness") << "1\n";
   const auto tap = listen();
   std::ofstream(light / "brightness") << "0\n";
-  machine_.report(1, capsLockLight, {0, 1});
+  machine_.report(1, capsLockLed, {0, 1});
   EXPECT_TRUE(flagsBecome({modifierCapsLock, 0, modifierCapsLock}));
 }
 
@@ -200,14 +200,14 @@ TEST_F(EventDevicesTest, TellNoToggleAfterACallHasEndedThem) {
     tap.reset();
     flags_.push_back(flags);
   });
-  machine_.report(1, capsLockLight, {1});
+  machine_.report(1, capsLockLed, {1});
   ASSERT_TRUE(test::eventually([&] { return !flags_.empty(); }));
   test::runLoopFor(std::chrono::milliseconds(50));
   EXPECT_EQ(flags_, Flags{0});
 }
 
 TEST_F(EventDevicesTest, TellNoTogglesWhereNoKeyboardHasALight) {
-  machine_.addKeyboard(1, MockedDevices::Lights::None);
+  machine_.addKeyboard(1, MockedDevices::Leds::None);
   EXPECT_EQ(listen(), nullptr);
 }
 

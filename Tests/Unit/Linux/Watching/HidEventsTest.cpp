@@ -57,7 +57,7 @@ TEST_F(HidEvents, CountBesideTheServiceWhichKnowsOnlyKeyboards) {
 
 TEST_F(HidEvents, EndWithinACall) {
   LinuxHidDevices devices(
-      DesktopKind::X11, [] { return false; }, path_);
+      WindowSystem::X11, [] { return false; }, path_);
   int calls = 0;
   std::unique_ptr<Observation> observation;
   observation = devices.observeAppeared("IOHIDDevice", [&] {

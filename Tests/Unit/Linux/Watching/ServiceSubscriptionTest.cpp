@@ -78,7 +78,7 @@ TEST_F(ServiceSubscriptionTest, EndsWithinACall) {
 }
 
 TEST(HidDeviceClasses, AreOnlyOne) {
-  LinuxHidDevices devices(DesktopKind::X11, [] { return false; });
+  LinuxHidDevices devices(WindowSystem::X11, [] { return false; });
   EXPECT_EQ(devices.observeAppeared("IOUSBDevice", [] {}), nullptr);
 }
 

@@ -34,7 +34,7 @@ class X11CapsLockKeyTest : public testing::Test {
 
   PrivateXServer server_;
   bool isHeldBack_ = false;
-  LinuxHidDevices devices_{DesktopKind::X11, [this] { return isHeldBack_; }};
+  LinuxHidDevices devices_{WindowSystem::X11, [this] { return isHeldBack_; }};
   Values values_;
   std::unique_ptr<Observation> key_;
 };

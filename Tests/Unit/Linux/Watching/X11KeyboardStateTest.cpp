@@ -31,7 +31,7 @@ class X11KeyboardStateTest : public testing::Test {
 
   PrivateXServer server_;
   bool isHeldBack_ = false;
-  LinuxEventTaps taps_{DesktopKind::X11, [this] { return isHeldBack_; }};
+  LinuxEventTaps taps_{WindowSystem::X11, [this] { return isHeldBack_; }};
   Flags changes_;
   std::unique_ptr<Observation> tap_;
 };
@@ -116,7 +116,7 @@ TEST_F(X11KeyboardStateTest, KnowsNoOtherEvents) {
 
 TEST(X11KeyboardStateWithoutAServer, IsNothing) {
   const test::EnvironmentVariable display("DISPLAY", ":no-display");
-  LinuxEventTaps taps(DesktopKind::X11, [] { return false; });
+  LinuxEventTaps taps(WindowSystem::X11, [] { return false; });
   EXPECT_EQ(taps.listen(eventMask(EventType::FlagsChanged), [](EventType, ModifierFlags) {}),
             nullptr);
   EXPECT_EQ(taps.currentModifierFlags(), 0U);

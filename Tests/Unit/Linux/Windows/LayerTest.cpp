@@ -48,11 +48,11 @@ TEST_F(LayerTest, ReplacingTheFillAndAskingForDisplayRedraws) {
   auto box = std::make_shared<Box>();
   realise(box);
   showAndActivate();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return box->updates == 1; }, patienceInMilliseconds));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return box->updates == 1; }, timeoutInMilliseconds));
   box->fill = {ColorRole::SystemRed};
   box->setNeedsDisplay();
   EXPECT_EQ(box->updates, 1) << "not from within setNeedsDisplay";
-  EXPECT_TRUE(QTest::qWaitFor([&] { return box->updates == 2; }, patienceInMilliseconds));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return box->updates == 2; }, timeoutInMilliseconds));
   EXPECT_EQ(colorAt(30, 5), shown(ColorRole::SystemRed));
   EXPECT_EQ(box->updates, 2);
 }

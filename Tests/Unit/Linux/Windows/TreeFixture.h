@@ -18,7 +18,7 @@ namespace zephlin {
 
 constexpr const char* testTitle = "A window";
 /// For what is bound to happen; only a failing test waits as long.
-constexpr int patienceInMilliseconds = 10000;
+constexpr int timeoutInMilliseconds = 10000;
 
 /// The one window with that title, or null.
 inline QWidget* findWindow(const QString& title) {

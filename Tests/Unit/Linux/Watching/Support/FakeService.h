@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "ZephlinCore/FileDescriptor.h"
+#include "Base/FileDescriptor.h"
 
 namespace zephlin::test {
 

@@ -34,11 +34,11 @@ std::string commonAnswers() {
 }
 
 // Types: synchronisation, keys and, with 02 in the third byte, lights. Keys: A and Caps Lock.
-std::string keyboardAnswers(MockedDevices::Lights lights) {
-  const bool hasLight = lights == MockedDevices::Lights::CapsLock;
-  return commonAnswers() + bits("EVIOCGBIT(0)", 8, hasLight ? "030002" : "03") +
+std::string keyboardAnswers(MockedDevices::Leds leds) {
+  const bool hasLed = leds == MockedDevices::Leds::CapsLock;
+  return commonAnswers() + bits("EVIOCGBIT(0)", 8, hasLed ? "030002" : "03") +
          bits("EVIOCGBIT(1)", 96, "0000004000000004") +
-         bits("EVIOCGBIT(17)", 8, hasLight ? "02" : "");
+         bits("EVIOCGBIT(17)", 8, hasLed ? "02" : "");
 }
 
 }  // namespace
@@ -48,9 +48,9 @@ MockedDevices::MockedDevices() {
   std::filesystem::permissions(rootFolder(), std::filesystem::perms(0755));
 }
 
-std::string MockedDevices::addKeyboard(int number, Lights lights) {
+std::string MockedDevices::addKeyboard(int number, Leds leds) {
   const std::string path = addEventDevice(number, keyboardProperties);
-  answer(number, keyboardAnswers(lights));
+  answer(number, keyboardAnswers(leds));
   return path;
 }
 
@@ -65,7 +65,7 @@ void MockedDevices::addForbiddenKeyboard(int number) {
 std::string MockedDevices::addPointer(int number) {
   const std::string path = addEventDevice(number, pointerProperties);
   // It claims to have a Caps Lock key, which must not count.
-  answer(number, keyboardAnswers(Lights::CapsLock));
+  answer(number, keyboardAnswers(Leds::CapsLock));
   return path;
 }
 

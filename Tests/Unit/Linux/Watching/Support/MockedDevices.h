@@ -15,13 +15,13 @@ namespace zephlin::test {
 /// library to be loaded first.
 class MockedDevices {
  public:
-  enum class Lights { None, CapsLock };
+  enum class Leds { None, CapsLock };
 
   MockedDevices();
 
   /// Adds a keyboard with one event device; udev says nothing of it yet. Returns the latter's path
   /// in sysfs.
-  std::string addKeyboard(int number, Lights lights = Lights::CapsLock);
+  std::string addKeyboard(int number, Leds leds = Leds::CapsLock);
   /// A keyboard that nobody but root may open.
   void addForbiddenKeyboard(int number);
   /// A mouse.

@@ -35,7 +35,7 @@ class ObservedService : public testing::Test {
   int calls_ = 0;
 
  private:
-  LinuxHidDevices devices_{DesktopKind::X11, [] { return false; }, path_};
+  LinuxHidDevices devices_{WindowSystem::X11, [] { return false; }, path_};
   std::unique_ptr<Observation> observation_;
 };
 

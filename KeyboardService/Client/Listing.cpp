@@ -1,0 +1,102 @@
+#include "KeyboardService/Client/Listing.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "KeyboardService/Protocol/Errors.h"
+#include "KeyboardService/Protocol/PrintableText.h"
+
+namespace zephlin {
+namespace {
+
+using Row = std::vector<std::string>;
+
+constexpr std::size_t gapBetweenColumns = 3;
+
+/// Left-aligned columns. The last one is not padded, so no line ends in spaces that a cell did not
+/// bring.
+std::string table(const std::vector<Row>& rows) {
+  std::vector<std::size_t> widths(rows.front().size());
+  for (const Row& row : rows) {
+    for (std::size_t column = 0; column < row.size(); ++column) {
+      widths[column] = std::max(widths[column], row[column].size());
+    }
+  }
+  std::string text;
+  for (const Row& row : rows) {
+    for (std::size_t column = 0; column + 1 < row.size(); ++column) {
+      text += row[column];
+      text.append(widths[column] - row[column].size() + gapBetweenColumns, ' ');
+    }
+    text += row.back() + '\n';
+  }
+  return text;
+}
+
+Row propertyRow(RegistryID registryID, std::string_view key, std::optional<std::int64_t> value) {
+  return {toText(registryID), std::string(key), value ? std::to_string(*value) : "(null)"};
+}
+
+Row propertyHeader() {
+  return {"RegistryID", "Key", "Value"};
+}
+
+std::string listingOf(const ListRequest& /*request*/, const ListResponse& response) {
+  std::vector<Row> rows{
+      {"RegistryID", "VendorID", "ProductID", "UsagePage", "Usage", "Transport", "Product"}};
+  for (const Keyboard& each : response.keyboards) {
+    const KeyboardDescription& description = each.description;
+    rows.push_back({toText(each.registryID), std::to_string(description.vendorID),
+                    std::to_string(description.productID),
+                    std::to_string(description.primaryUsagePage),
+                    std::to_string(description.primaryUsage), printable(description.transport),
+                    printable(description.product)});
+  }
+  return table(rows);
+}
+
+std::string listingOf(const GetRequest& request, const GetResponse& response) {
+  std::vector<Row> rows{propertyHeader()};
+  for (const KeyboardValue& each : response.values) {
+    rows.push_back(propertyRow(each.registryID, request.key, each.value));
+  }
+  return table(rows);
+}
+
+std::string listingOf(const SetRequest& request, const SetResponse& response) {
+  std::vector<Row> rows{propertyHeader()};
+  for (const RegistryID each : response.keyboards) {
+    for (const auto& [key, value] : request.properties) {
+      rows.push_back(propertyRow(each, key, value));
+    }
+  }
+  return table(rows);
+}
+
+std::string listingOf(const PlugRequest& /*request*/, const PlugResponse& response) {
+  return toText(response.registryID) + '\n';
+}
+
+std::string listingOf(const PullRequest& /*request*/, const PullResponse& /*response*/) {
+  return {};
+}
+
+template <typename AnyRequest>
+std::string listingOf(const AnyRequest& /*request*/, const ErrorResponse& response) {
+  throw RequestError(printable(response.text));
+}
+
+template <typename AnyRequest, typename OtherResponse>
+std::string listingOf(const AnyRequest& /*request*/, const OtherResponse& /*response*/) {
+  throw ResponseError("the response is of another kind than the request");
+}
+
+}  // namespace
+
+std::string listing(const Request& request, const Response& response) {
+  return std::visit(
+      [](const auto& asked, const auto& answered) { return listingOf(asked, answered); }, request,
+      response);
+}
+
+}  // namespace zephlin

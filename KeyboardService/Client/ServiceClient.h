@@ -1,0 +1,23 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+
+namespace zephlin {
+
+/// The longest response line that the client reads.
+constexpr std::size_t maximumResponseBytes = std::size_t{4} * 1024 * 1024;
+
+/// How long the client waits for the service, from connecting to the end of the response line.
+constexpr std::chrono::seconds serviceTimeout{5};
+
+/// Sends one request line to the service and returns its response line, both without line feed.
+/// Blocks the calling thread for at most `serviceTimeout`. Throws RequestError if the request is
+/// too long, or the service is absent, out of reach, silent, or answers no line of bearable length.
+std::string askService(const std::string& socketPath, const std::string& requestLine);
+
+/// What to say of a service whose response line is not understood.
+std::string misunderstoodService(const std::string& socketPath);
+
+}  // namespace zephlin

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "KeyboardService/Protocol/Keyboard.h"
+
+namespace zephlin {
+
+struct ListResponse {
+  std::vector<Keyboard> keyboards;
+  bool operator==(const ListResponse&) const = default;
+};
+
+/// A keyboard and its value of the property that was asked for; none if it is not set.
+struct KeyboardValue {
+  RegistryID registryID{};
+  std::optional<std::int64_t> value;
+  bool operator==(const KeyboardValue&) const = default;
+};
+
+struct GetResponse {
+  std::vector<KeyboardValue> values;
+  bool operator==(const GetResponse&) const = default;
+};
+
+/// The keyboards that now carry the properties of the request.
+struct SetResponse {
+  std::vector<RegistryID> keyboards;
+  bool operator==(const SetResponse&) const = default;
+};
+
+struct PlugResponse {
+  RegistryID registryID{};
+  bool operator==(const PlugResponse&) const = default;
+};
+
+struct PullResponse {
+  bool operator==(const PullResponse&) const = default;
+};
+
+/// The connection is now told of each keyboard that appears. Looks like {"subscribed":true}.
+struct SubscribeResponse {
+  bool operator==(const SubscribeResponse&) const = default;
+};
+
+/// Not an answer: what a subscribed connection is told. Looks like {"appeared":"100000001"}.
+struct AppearedNotice {
+  RegistryID registryID{};
+  bool operator==(const AppearedNotice&) const = default;
+};
+
+/// The request was not carried out and nothing has changed.
+struct ErrorResponse {
+  std::string text;
+  bool operator==(const ErrorResponse&) const = default;
+};
+
+using Response = std::variant<ListResponse, GetResponse, SetResponse, PlugResponse, PullResponse,
+                              SubscribeResponse, AppearedNotice, ErrorResponse>;
+
+/// A line that is no response.
+class ResponseError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// One line of JSON without its line feed.
+std::string encode(const Response& response);
+
+/// Reads one line without its line feed. Throws ResponseError.
+Response decodeResponse(std::string_view line);
+
+}  // namespace zephlin

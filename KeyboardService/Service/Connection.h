@@ -1,0 +1,87 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "Base/FileDescriptor.h"
+#include "KeyboardService/Protocol/LineSplitter.h"
+#include "KeyboardService/Service/EventLoop.h"
+
+namespace zephlin {
+
+class Connection;
+
+/// What a connection needs of the server that owns it.
+class ConnectionOwner {
+ public:
+  ConnectionOwner() = default;
+  ConnectionOwner(const ConnectionOwner&) = delete;
+  ConnectionOwner& operator=(const ConnectionOwner&) = delete;
+  virtual ~ConnectionOwner() = default;
+
+  /// The response line, without line feed, to a request line of the connection.
+  virtual std::string respond(std::string_view line, Connection& connection) = 0;
+
+  /// For how long the next request has to wait.
+  [[nodiscard]] virtual std::chrono::microseconds restBeforeRequest() = 0;
+
+  /// The connection has nothing more to do and is to be destroyed, at best within this call.
+  virtual void connectionEnded(Connection& connection) = 0;
+};
+
+/// One client. It answers one request line per turn of the loop, so that no client keeps the
+/// others waiting, and reads no further while a response is not sent, so that it holds at most one
+/// request and one response in memory. It ends when the client has closed its side, after a line
+/// that is too long, and when the client has neither sent the rest of a request nor taken more of
+/// a response for `timeout`.
+///
+/// Once subscribed, it may be silent for ever, and its client may leave lines untaken up to a bound
+/// in bytes; beyond it the connection ends. Another request is refused, and ends the subscription
+/// and the connection.
+class Connection {
+ public:
+  /// `socket` is a connected stream socket that does not block.
+  Connection(EventLoop& loop, FileDescriptor socket, uid_t user, std::chrono::microseconds timeout,
+             ConnectionOwner& owner);
+
+  [[nodiscard]] uid_t user() const { return user_; }
+  [[nodiscard]] bool isSubscribed() const { return subscribed_; }
+
+  /// Only while the owner is asked for a response, which is the last one.
+  void subscribe() { subscribed_ = true; }
+
+  /// Sends a line, given without line feed, to a subscribed connection. May end it.
+  void tell(std::string_view line);
+
+ private:
+  void onSocket(std::uint32_t events);
+  void receive();
+  void send();
+  void proceed();
+  [[nodiscard]] bool isOver() const;
+  void takeRequest();
+  void waitForClient(std::uint32_t events, bool midway);
+  void end();
+
+  uid_t user_;
+  std::chrono::microseconds timeout_;
+  ConnectionOwner& owner_;
+  LineSplitter input_;
+  std::string output_;
+  bool subscribed_ = false;
+  bool inputEnded_ = false;
+  bool lastResponse_ = false;
+  bool broken_ = false;
+  bool progressed_ = false;
+  FileDescriptor socket_;
+  EventSource watch_;
+  EventSource nextRequest_;
+  EventSource stalled_;
+};
+
+}  // namespace zephlin

@@ -1,0 +1,89 @@
+#include "KeyboardService/Service/Evdev/EvdevKeyboardBus.h"
+
+#include <system_error>
+#include <utility>
+
+#include "KeyboardService/Protocol/CapsLockDelay.h"
+#include "KeyboardService/Protocol/PrintableText.h"
+#include "KeyboardService/Protocol/SocketAddress.h"
+
+namespace zephlin {
+namespace {
+
+/// Unique among the keyboards that are present, as numbers of devices are.
+BusHandle handleOf(dev_t number) {
+  return BusHandle{number};
+}
+
+}  // namespace
+
+EvdevKeyboardBus::EvdevKeyboardBus(EventLoop& loop, std::chrono::milliseconds tapGap, Log log)
+    : loop_(loop), tapGap_(tapGap), log_(std::move(log)), nodes_(loop) {}
+
+void EvdevKeyboardBus::start(KeyboardBusObserver& observer) {
+  observer_ = &observer;
+  try {
+    UinputKeyboard::requireSupport();
+  } catch (const BusError& error) {
+    log_(std::string("Caps Lock cannot be changed yet: ") + error.what());
+  }
+  nodes_.start({[this](const KeyboardNode& node) { appeared(node); },
+                [this](dev_t number) { disappeared(number); }});
+}
+
+void EvdevKeyboardBus::applyProperties(BusHandle handle, const PropertySet& properties) {
+  const auto found = entries_.find(handle);
+  if (found == entries_.end()) {
+    return;
+  }
+  Entry& entry = found->second;
+  const auto delay = capsLockDelay(properties);
+  if (!delay) {
+    entry.rewritten.reset();
+  } else if (entry.rewritten) {
+    entry.rewritten->setRule({*delay, tapGap_});
+  } else {
+    rewrite(handle, entry, {*delay, tapGap_});
+  }
+}
+
+void EvdevKeyboardBus::appeared(const KeyboardNode& node) {
+  const BusHandle handle = handleOf(node.number);
+  entries_.emplace(handle, Entry{node, nullptr});
+  observer_->keyboardAppeared(*this, handle, node.description);
+}
+
+void EvdevKeyboardBus::disappeared(dev_t number) {
+  entries_.erase(handleOf(number));
+  observer_->keyboardDisappeared(*this, handleOf(number));
+}
+
+void EvdevKeyboardBus::rewrite(BusHandle handle, Entry& entry, CapsLockRule rule) {
+  GrabbedKeyboard::Observer observer;
+  observer.emergency = [this] { letGoOfAll(); };
+  // The node itself is removed when udev says so.
+  observer.gone = [this, handle] { entries_.at(handle).rewritten.reset(); };
+  observer.reportTrouble = [this, path = entry.node.path](const std::string& what) {
+    log_(path + ' ' + what);
+  };
+  try {
+    entry.rewritten =
+        std::make_unique<GrabbedKeyboard>(loop_, entry.node.path, rule, std::move(observer));
+  } catch (const std::system_error& error) {
+    if (error.code() != std::errc::no_such_device) {
+      throw BusError("cannot watch " + entry.node.path + reason(error.code().value()));
+    }
+  }
+}
+
+void EvdevKeyboardBus::letGoOfAll() {
+  log_(
+      "Backspace, Enter and Escape were held together: all keyboards are let go, and their "
+      "properties are unset");
+  for (auto& [handle, entry] : entries_) {
+    entry.rewritten.reset();
+    observer_->propertiesDropped(*this, handle);
+  }
+}
+
+}  // namespace zephlin

@@ -1,0 +1,168 @@
+#include "KeyboardService/Service/Evdev/GrabbedKeyboard.h"
+
+#include <sys/epoll.h>
+
+#include <algorithm>
+#include <ctime>
+#include <system_error>
+#include <utility>
+
+namespace zephlin {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// What a desktop takes to open a new keyboard, several times over: what is typed before that on a
+/// clone reaches nobody.
+constexpr std::chrono::milliseconds timeToFindTheClone = 500ms;
+
+constexpr std::chrono::seconds timeBetweenTries = 5s;
+
+std::chrono::microseconds monotonicTime() {
+  timespec now{};
+  ::clock_gettime(CLOCK_MONOTONIC, &now);
+  return std::chrono::duration_cast<std::chrono::microseconds>(
+      std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec));
+}
+
+/// Lights, sounds and the rate of repetition come back from the device to which they were sent.
+bool isTyped(const InputEvent& event) {
+  return event.type != EV_LED && event.type != EV_SND && event.type != EV_REP;
+}
+
+}  // namespace
+
+GrabbedKeyboard::GrabbedKeyboard(EventLoop& loop, const std::string& path, CapsLockRule rule,
+                                 Observer observer)
+    : observer_(std::move(observer)),
+      keyboard_(path),
+      clone_(keyboard_),
+      rewriter_(rule),
+      watchKeyboard_(
+          loop.watch(keyboard_.descriptor(), EPOLLIN, [this](std::uint32_t) { onKeyboard(); })),
+      watchLeds_(
+          loop.watch(clone_.descriptor(), EPOLLIN, [this](std::uint32_t) { onLedEvents(); })),
+      nextTry_(loop.timer([this] { unlessGone([this] { tryToGrab(); }); })),
+      deadline_(loop.timer([this] { onDeadline(); })) {
+  for (EventSource* const each : {&watchKeyboard_, &watchLeds_, &deadline_}) {
+    each->putFirst();
+  }
+  watchKeyboard_.disable();
+  nextTry_.setDelay(timeToFindTheClone);
+}
+
+GrabbedKeyboard::~GrabbedKeyboard() {
+  clone_.write(rewriter_.releaseAll());
+}
+
+void GrabbedKeyboard::onKeyboard() {
+  unlessGone([this] {
+    if (isGrabbed_) {
+      rewriteTyped();
+    } else {
+      while (keyboard_.takeEvent()) {
+      }
+      tryToGrab();
+    }
+  });
+}
+
+void GrabbedKeyboard::onDeadline() {
+  unlessGone([this] {
+    const auto now = monotonicTime();
+    // What was typed before the deadline may not have been read yet.
+    if (rewriteTyped()) {
+      onLedEvents();
+      clone_.write(rewriter_.expire(now));
+      waitForDeadline();
+    }
+  });
+}
+
+void GrabbedKeyboard::onLedEvents() {
+  for (const InputEvent& light : clone_.takeLedEvents()) {
+    setLed(light);
+  }
+}
+
+void GrabbedKeyboard::tryToGrab() {
+  switch (keyboard_.grab()) {
+    case PhysicalKeyboard::Grab::Done:
+      startRewriting();
+      break;
+    case PhysicalKeyboard::Grab::KeyIsHeld:
+      watchKeyboard_.enable();
+      break;
+    case PhysicalKeyboard::Grab::TakenByAnother:
+      watchKeyboard_.disable();
+      nextTry_.setDelay(timeBetweenTries);
+      if (!std::exchange(hasReportedTrouble_, true)) {
+        observer_.reportTrouble(
+            "is held by another program (fuser -v lists who has it open); it is taken when that "
+            "lets go");
+      }
+  }
+}
+
+void GrabbedKeyboard::startRewriting() {
+  isGrabbed_ = true;
+  watchKeyboard_.enable();
+  // The kernel tells of a light only when it changes, so the clone begins with what is lit.
+  std::vector<InputEvent> lights = keyboard_.lights();
+  std::for_each(lights.begin(), lights.end(), [this](const auto& each) { setLed(each); });
+  lights.push_back(endOfFrame);
+  clone_.write(lights);
+}
+
+/// Returns false after the emergency chord, with which the keyboard has ended.
+bool GrabbedKeyboard::rewriteTyped() {
+  const auto now = monotonicTime();
+  while (const auto typed = keyboard_.takeEvent()) {
+    const InputEvent& event = typed->event;
+    if (!isTyped(event)) {
+      continue;
+    }
+    if (isCapsLock(event)) {
+      onLedEvents();  // It is meant under the light that is on now.
+    }
+    clone_.write(rewriter_.take(event, typed->time, now));
+    if (endsFrame(event)) {
+      // Scan codes come back here as well, and the kernel keeps no more than sixteen events
+      // (drivers/input/misc/uinput.c): a light would be lost among them.
+      onLedEvents();
+    }
+    if (chord_.completes(event)) {
+      const auto emergency = observer_.emergency;  // A copy, as the call ends this object.
+      emergency();
+      return false;
+    }
+  }
+  waitForDeadline();
+  return true;
+}
+
+void GrabbedKeyboard::setLed(const InputEvent& light) {
+  if (light.code == LED_CAPSL) {
+    rewriter_.setLed(light.value != 0);
+  }
+  keyboard_.setLed(light);
+}
+
+void GrabbedKeyboard::waitForDeadline() {
+  if (const auto deadline = rewriter_.deadline()) {
+    deadline_.setTime(*deadline);
+  } else {
+    deadline_.disable();
+  }
+}
+
+void GrabbedKeyboard::unlessGone(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const std::system_error&) {
+    const auto gone = observer_.gone;  // A copy, as the call ends this object.
+    gone();
+  }
+}
+
+}  // namespace zephlin

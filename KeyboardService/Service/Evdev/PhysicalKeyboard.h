@@ -1,0 +1,63 @@
+#pragma once
+
+#include <libevdev/libevdev.h>
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Base/FileDescriptor.h"
+#include "KeyboardService/Service/Evdev/InputEvent.h"
+
+namespace zephlin {
+
+/// A keyboard's event device, open. Nothing blocks. When it is closed it belongs to everyone again.
+class PhysicalKeyboard {
+ public:
+  struct TimedEvent {
+    InputEvent event;
+    std::chrono::microseconds time;  ///< On the monotonic clock.
+  };
+
+  enum class Grab { Done, KeyIsHeld, TakenByAnother };
+
+  /// `path` is one in /dev. Throws BusError, or std::system_error with ENODEV if it has gone.
+  explicit PhysicalKeyboard(const std::string& path);
+
+  [[nodiscard]] int descriptor() const { return descriptor_.get(); }
+
+  /// What it can do, for a clone, and a light for Caps Lock even where it has none: programs show
+  /// by it whether the lock is on.
+  [[nodiscard]] const libevdev* capabilities() const { return device_.get(); }
+
+  /// Takes the keyboard away from everyone else, unless a key is held: its release would be missed
+  /// by those who have seen its press. Throws std::system_error if the device has gone.
+  Grab grab();
+
+  /// The next of what was typed, if there is more. When the kernel's queue has overflowed,
+  /// SYN_DROPPED is followed by the differences. Throws std::system_error if the device has gone.
+  std::optional<TimedEvent> takeEvent();
+
+  /// The state of each light that the keyboard really has.
+  [[nodiscard]] std::vector<InputEvent> lights() const;
+
+  /// Turns a light, which works while nobody else has grabbed the keyboard.
+  void setLed(const InputEvent& light);
+
+ private:
+  struct Release {
+    void operator()(libevdev* device) const { libevdev_free(device); }
+  };
+
+  [[nodiscard]] bool isAnyKeyHeld() const;
+
+  FileDescriptor descriptor_;
+  std::unique_ptr<libevdev, Release> device_;
+  std::vector<std::uint16_t> ledCodes_;
+  bool isCatchingUp_ = false;  ///< The kernel's queue has overflowed.
+};
+
+}  // namespace zephlin

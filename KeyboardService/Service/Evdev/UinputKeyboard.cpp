@@ -1,0 +1,94 @@
+#include "KeyboardService/Service/Evdev/UinputKeyboard.h"
+
+#include <fcntl.h>
+#include <linux/uinput.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <span>
+#include <string>
+
+#include "KeyboardService/Protocol/SocketAddress.h"
+#include "KeyboardService/Service/Evdev/KeyboardNode.h"
+#include "KeyboardService/Service/KeyboardBus.h"
+
+namespace zephlin {
+namespace {
+
+const char* advice(int errorNumber) {
+  switch (errorNumber) {
+    case EACCES:
+    case EPERM:
+      return "; run zephlin-hidd as root, or give its user access by a udev rule";
+    case ENOENT:
+    case ENODEV:
+    case ENXIO:
+      return "; run modprobe uinput as root, or start a kernel that has this module";
+    default:
+      return "";
+  }
+}
+
+BusError unusable(int errorNumber) {
+  return BusError("cannot use /dev/uinput" + reason(errorNumber) + advice(errorNumber));
+}
+
+FileDescriptor openUinput() {
+  FileDescriptor descriptor(::open("/dev/uinput", O_RDWR | O_NONBLOCK | O_CLOEXEC));
+  if (!descriptor.isOpen()) {
+    throw unusable(errno);
+  }
+  return descriptor;
+}
+
+}  // namespace
+
+UinputKeyboard::UinputKeyboard(const PhysicalKeyboard& original) : descriptor_(openUinput()) {
+  const char* const name = libevdev_get_name(original.capabilities());
+  const std::string physicalPath = std::string(clonePhysicalPath) + name;
+  libevdev_uinput* device = nullptr;
+  if (::ioctl(descriptor_.get(), UI_SET_PHYS, physicalPath.c_str()) < 0) {
+    throw unusable(errno);
+  }
+  if (const int error =
+          libevdev_uinput_create_from_device(original.capabilities(), descriptor_.get(), &device);
+      error < 0) {
+    throw unusable(-error);
+  }
+  device_.reset(device);
+}
+
+void UinputKeyboard::write(const std::vector<InputEvent>& events) {
+  if (events.empty()) {
+    return;
+  }
+  written_.resize(events.size());
+  std::transform(events.begin(), events.end(), written_.begin(), [](const InputEvent& each) {
+    return input_event{{}, each.type, each.code, each.value};
+  });
+  // At once, so that no key waits for three calls. The kernel takes all while there is a clone.
+  [[maybe_unused]] const ssize_t count =
+      ::write(descriptor_.get(), written_.data(), written_.size() * sizeof(input_event));
+}
+
+std::vector<InputEvent> UinputKeyboard::takeLedEvents() {
+  std::vector<InputEvent> lights;
+  std::array<input_event, 16> events;  // As many as the kernel keeps.
+  const ssize_t bytes = ::read(descriptor_.get(), events.data(), sizeof events);
+  const std::size_t count = bytes < 0 ? 0 : static_cast<std::size_t>(bytes) / sizeof(input_event);
+  for (const input_event& event : std::span(events).first(count)) {
+    if (event.type == EV_LED) {
+      lights.push_back({event.type, event.code, event.value});
+    }
+  }
+  return lights;
+}
+
+void UinputKeyboard::requireSupport() {
+  openUinput();
+}
+
+}  // namespace zephlin

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <libevdev/libevdev-uinput.h>
+#include <linux/input.h>
+
+#include <memory>
+#include <vector>
+
+#include "KeyboardService/Service/Evdev/PhysicalKeyboard.h"
+
+namespace zephlin {
+
+/// A keyboard made through uinput that looks like another one to programs: the same bus, vendor,
+/// product, name and abilities, so that what is configured for the one holds for the other. When it
+/// goes the kernel releases its keys.
+class UinputKeyboard {
+ public:
+  /// Throws BusError if uinput is absent or out of reach.
+  explicit UinputKeyboard(const PhysicalKeyboard& original);
+
+  [[nodiscard]] int descriptor() const { return descriptor_.get(); }
+
+  /// What the kernel does not take is lost.
+  void write(const std::vector<InputEvent>& events);
+
+  /// Which lights programs have turned since the last call.
+  std::vector<InputEvent> takeLedEvents();
+
+  /// Throws BusError if a clone could not be made.
+  static void requireSupport();
+
+ private:
+  struct Destroy {
+    void operator()(libevdev_uinput* device) const { libevdev_uinput_destroy(device); }
+  };
+
+  FileDescriptor descriptor_;
+  std::unique_ptr<libevdev_uinput, Destroy> device_;
+  std::vector<input_event> written_;  ///< Kept, so that no key waits for memory.
+};
+
+}  // namespace zephlin

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KeyboardService/Protocol/Keyboard.h"
+#include "KeyboardService/Protocol/Matching.h"
+#include "KeyboardService/Protocol/Properties.h"
+#include "KeyboardService/Protocol/Response.h"
+#include "KeyboardService/Service/KeyboardBus.h"
+
+namespace zephlin {
+
+/// Takes one line, without line feed, for the service's log.
+using Log = std::function<void(const std::string& line)>;
+
+/// "1 keyboard", "2 keyboards".
+std::string countedKeyboards(std::size_t count);
+
+/// The keyboards of all buses, in the order in which they appeared, and their properties, which go
+/// with them. Single-threaded: used on the thread of the event loop.
+class KeyboardRegistry final : public KeyboardBusObserver {
+ public:
+  /// Where a keyboard comes from.
+  struct Origin {
+    KeyboardBus* bus = nullptr;
+    BusHandle handle{};
+    bool operator==(const Origin&) const = default;
+  };
+
+  /// Told of each keyboard that is now in the registry.
+  using AppearanceListener = std::function<void(RegistryID registryID)>;
+
+  explicit KeyboardRegistry(Log log) : log_(std::move(log)) {}
+
+  /// Replaces the former listener. What appeared before is not told.
+  void listen(AppearanceListener listener) { listener_ = std::move(listener); }
+
+  void keyboardAppeared(KeyboardBus& bus, BusHandle handle,
+                        const KeyboardDescription& description) override;
+  void keyboardDisappeared(KeyboardBus& bus, BusHandle handle) override;
+  void propertiesDropped(KeyboardBus& bus, BusHandle handle) override;
+
+  [[nodiscard]] std::size_t size() const { return entries_.size(); }
+  [[nodiscard]] std::vector<Keyboard> list(const Matching& matching) const;
+  [[nodiscard]] std::vector<KeyboardValue> get(const Matching& matching,
+                                               std::string_view key) const;
+
+  /// Sets all properties on all matching keyboards and returns these, or throws RequestError and
+  /// has changed nothing; its text names the keyboards on which that cannot be undone.
+  std::vector<RegistryID> set(const Matching& matching, const PropertySet& properties);
+
+  [[nodiscard]] std::optional<Origin> origin(RegistryID registryID) const;
+  [[nodiscard]] std::optional<RegistryID> find(const Origin& origin) const;
+
+ private:
+  struct Entry {
+    Keyboard keyboard;
+    Origin origin;
+    PropertySet properties;
+  };
+
+  struct Change {
+    Entry* entry = nullptr;
+    PropertySet after;
+  };
+
+  [[nodiscard]] std::vector<Change> plan(const Matching& matching, const PropertySet& properties);
+  static void apply(const std::vector<Change>& changes);
+  static std::string rollBack(const std::vector<Change>& changes, std::size_t count);
+
+  Log log_;
+  AppearanceListener listener_ = [](RegistryID) {};
+  std::uint64_t nextRegistryID_ = 0x100000001;
+  std::map<RegistryID, Entry> entries_;
+};
+
+}  // namespace zephlin

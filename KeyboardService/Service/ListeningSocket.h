@@ -1,0 +1,60 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "Base/FileDescriptor.h"
+#include "KeyboardService/Protocol/SocketAddress.h"
+#include "KeyboardService/Service/InstanceLock.h"
+
+namespace zephlin {
+
+/// A directory that is made for the socket if it is absent, and then removed again at the end
+/// unless something else has moved in.
+class SocketDirectory {
+ public:
+  /// Makes the last level of the directory of `socketPath` only. Throws RequestError.
+  explicit SocketDirectory(const std::string& socketPath);
+  SocketDirectory(const SocketDirectory&) = delete;
+  SocketDirectory& operator=(const SocketDirectory&) = delete;
+  ~SocketDirectory();
+
+ private:
+  std::string path_;
+  bool made_ = false;
+};
+
+/// A Unix stream socket that this process has bound to a path, where everyone may connect. It is
+/// removed at the end, with all that was made for it.
+class BoundSocket {
+ public:
+  /// Takes the place of a socket that nobody listens at, but of nothing else. Throws RequestError.
+  explicit BoundSocket(const std::string& path);
+  BoundSocket(const BoundSocket&) = delete;
+  BoundSocket& operator=(const BoundSocket&) = delete;
+  ~BoundSocket();
+
+  /// The listening descriptor; it does not block. To be taken once.
+  FileDescriptor takeDescriptor() { return std::move(descriptor_); }
+
+ private:
+  std::string path_;
+  SocketAddress address_;
+  SocketDirectory directory_;
+  InstanceLock lock_;
+  FileDescriptor descriptor_;
+  dev_t device_ = 0;
+  ino_t inode_ = 0;
+};
+
+/// The listening socket that systemd has handed to this process, set not to block; none if the
+/// process was started by other means. Throws RequestError if it is not one Unix stream socket.
+std::optional<FileDescriptor> takeActivationSocket();
+
+/// The path that a Unix socket is bound to, for the log.
+std::string boundPath(const FileDescriptor& socket);
+
+}  // namespace zephlin

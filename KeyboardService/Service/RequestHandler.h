@@ -1,0 +1,41 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <string_view>
+
+#include "KeyboardService/Protocol/Request.h"
+#include "KeyboardService/Protocol/Response.h"
+#include "KeyboardService/Service/KeyboardRegistry.h"
+#include "KeyboardService/Service/Permissions.h"
+#include "KeyboardService/Service/VirtualKeyboardBus.h"
+
+namespace zephlin {
+
+/// Carries out request lines, which come without line feed. It knows no descriptors. What it is
+/// made with outlives it.
+class RequestHandler {
+ public:
+  RequestHandler(KeyboardRegistry& registry, VirtualKeyboardBus& virtualKeyboards,
+                 const Permissions& permissions, Log log);
+
+  /// `user` is who asks, as the system vouches for it. A request that fails has changed nothing, or
+  /// says what. A SubscribeResponse is a promise that the caller keeps, as connections are its own.
+  Response respond(std::string_view line, uid_t user);
+
+ private:
+  Response perform(const ListRequest& request, uid_t user);
+  Response perform(const GetRequest& request, uid_t user);
+  Response perform(const SetRequest& request, uid_t user);
+  Response perform(const PlugRequest& request, uid_t user);
+  Response perform(const PullRequest& request, uid_t user);
+  Response perform(const SubscribeRequest& request, uid_t user);
+
+  KeyboardRegistry& registry_;
+  VirtualKeyboardBus& virtualKeyboards_;
+  const Permissions& permissions_;
+  Log log_;
+};
+
+}  // namespace zephlin

@@ -1,0 +1,127 @@
+#include <poll.h>
+#include <sys/resource.h>
+#include <systemd/sd-daemon.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Base/FileDescriptor.h"
+#include "Base/StandardDescriptors.h"
+#include "KeyboardService/Protocol/Errors.h"
+#include "KeyboardService/Protocol/SocketAddress.h"
+#include "KeyboardService/Service/Evdev/EvdevKeyboardBus.h"
+#include "KeyboardService/Service/Evdev/RealTimePriority.h"
+#include "KeyboardService/Service/EventLoop.h"
+#include "KeyboardService/Service/KeyboardRegistry.h"
+#include "KeyboardService/Service/ListeningSocket.h"
+#include "KeyboardService/Service/LoginSessions.h"
+#include "KeyboardService/Service/Permissions.h"
+#include "KeyboardService/Service/RequestHandler.h"
+#include "KeyboardService/Service/Server.h"
+#include "KeyboardService/Service/ServiceCommandLine.h"
+#include "KeyboardService/Service/VirtualKeyboardBus.h"
+
+namespace zephlin {
+namespace {
+
+enum ExitStatus : int { Done = 0, Failed = 1, WrongUsage = 64 };
+
+void log(const std::string& text) {
+  // Whoever reads it may have stopped; the keyboards must not stop with him.
+  constexpr int timeoutMilliseconds = 100;
+  static bool hasStopped = false;
+  pollfd standardError{STDERR_FILENO, POLLOUT, 0};
+  hasStopped = ::poll(&standardError, 1, hasStopped ? 0 : timeoutMilliseconds) == 0;
+  if (hasStopped) {
+    return;
+  }
+  // One write for the whole line, so that it stays whole among other programs' lines.
+  const std::string line = "zephlin-hidd: " + text + '\n';
+  std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+/// Every client takes a descriptor, and the usual soft limit is low for the sake of select().
+void raiseDescriptorLimit() {
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_NOFILE, &limit) == 0) {
+    limit.rlim_cur = limit.rlim_max;
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+  }
+}
+
+void serve(const ServiceOptions& options) {
+  raiseDescriptorLimit();
+  EventLoop loop;
+  loop.stopOnSignal(SIGTERM);
+  loop.stopOnSignal(SIGINT);
+
+  auto listening = takeActivationSocket();
+  std::optional<BoundSocket> bound;
+  if (!listening) {
+    listening = bound.emplace(options.socketPath).takeDescriptor();
+  }
+  const std::string ready = "ready on " + boundPath(*listening) + " with ";
+
+  KeyboardRegistry registry(log);
+  VirtualKeyboardBus virtualKeyboards(options.virtualKeyboards.value_or(0));
+  virtualKeyboards.start(registry);
+  std::optional<EvdevKeyboardBus> machineKeyboards;
+  if (!options.virtualKeyboards) {
+    takeRealTimePriority();
+    machineKeyboards.emplace(loop, options.tapGap, log).start(registry);
+  }
+
+  const Permissions permissions(::geteuid(), hasActiveLocalLoginSession);
+  RequestHandler handler(registry, virtualKeyboards, permissions, log);
+  Server server(loop, std::move(*listening), handler, ServerLimits{});
+  registry.listen([&server](RegistryID registryID) { server.announce({registryID}); });
+
+  log(ready + countedKeyboards(registry.size()));
+  sd_notify(0, "READY=1");
+  loop.run();
+  sd_notify(0, "STOPPING=1");
+}
+
+int print(std::string_view text) {
+  const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+  if (!written || std::fflush(stdout) != 0) {
+    throw RequestError("cannot write to standard output" + reason(errno) + "; check where it goes");
+  }
+  return Done;
+}
+
+int runCommandLine(const std::vector<std::string>& arguments) {
+  try {
+    const ServiceOptions options = parseServiceCommandLine(arguments);
+    if (options.showHelp) {
+      return print(serviceHelp);
+    }
+    if (options.showVersion) {
+      return print("zephlin-hidd (Zephlin) " ZEPHLIN_VERSION "\n");
+    }
+    serve(options);
+    return Done;
+  } catch (const UsageError& error) {
+    log(error.what());
+    return WrongUsage;
+  } catch (const std::exception& error) {
+    log(error.what());
+    return Failed;
+  }
+}
+
+}  // namespace
+}  // namespace zephlin
+
+int main(int argumentCount, char** arguments) {
+  zephlin::openMissingStandardDescriptors();
+  std::signal(SIGPIPE, SIG_IGN);
+  return zephlin::runCommandLine(
+      {arguments + (argumentCount > 0 ? 1 : 0), arguments + argumentCount});
+}

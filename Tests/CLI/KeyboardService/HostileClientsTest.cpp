@@ -1,0 +1,211 @@
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <ctime>
+#include <fstream>
+#include <memory>
+#include <utility>
+
+#include "Tests/CLI/KeyboardService/RunningService.h"
+
+namespace zephlin {
+namespace {
+
+const std::string listRequest = R"({"request":"list","matching":{}})";
+const std::string listAnswerStart = R"({"keyboards":[)";
+
+bool isServed(RawClient& client) {
+  return client.ask(listRequest).starts_with(listAnswerStart);
+}
+
+TEST(HostileClients, AStalledOneDoesNotKeepOthersWaiting) {
+  const RunningService service;
+  const RawClient silent = service.connect();
+  const RawClient halfway = service.connect();
+  halfway.send(R"({"request":)");
+  const RawClient deaf = service.connect();
+  for (int count = 0; count < 1000; ++count) {
+    deaf.sendWithoutWaiting(listRequest + "\n");
+  }
+  EXPECT_EQ(service.hidutil({"list"}).status, 0);
+}
+
+TEST(HostileClients, FiveHundredAtOnceAreAllServed) {
+  const RunningService service;
+  constexpr std::size_t many = 500;
+  std::vector<RawClient> clients;
+  clients.reserve(many);
+  while (clients.size() < many) {
+    clients.push_back(service.connect());
+  }
+  for (const RawClient& each : clients) {
+    each.send(listRequest + "\n");
+  }
+  for (RawClient& each : clients) {
+    EXPECT_TRUE(each.receiveLine().starts_with(listAnswerStart));
+  }
+}
+
+/// How much of a processor a process takes.
+class ProcessorShare {
+ public:
+  explicit ProcessorShare(pid_t process) { ::clock_getcpuclockid(process, &clock_); }
+
+  /// Since the last call.
+  double next() {
+    const auto wall = std::exchange(wall_, std::chrono::steady_clock::now());
+    const auto used = std::exchange(used_, usedSoFar());
+    return std::chrono::duration<double>(used_ - used) / (wall_ - wall);
+  }
+
+ private:
+  [[nodiscard]] std::chrono::nanoseconds usedSoFar() const {
+    timespec time{};
+    ::clock_gettime(clock_, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+  }
+
+  clockid_t clock_{};
+  std::chrono::steady_clock::time_point wall_;
+  std::chrono::nanoseconds used_{};
+};
+
+/// Anyone could have a real-time process killed that never rests (RLIMIT_RTTIME).
+TEST(HostileClients, AFloodOfRequestsLeavesTheServiceTimeToRest) {
+  RunningService service;
+  std::vector<RawClient> clients;
+  for (int count = 0; count < 8; ++count) {
+    clients.push_back(service.connect());
+  }
+  const std::string request = R"({"request":")" + std::string(3'000, 'x') + "\"}\n";
+  const auto flood = [&](std::chrono::milliseconds time) {
+    const auto end = std::chrono::steady_clock::now() + time;
+    while (std::chrono::steady_clock::now() < end) {
+      for (const RawClient& each : clients) {
+        each.sendWithoutWaiting(request);
+      }
+      for (RawClient& each : clients) {
+        while (each.hasLine()) {
+          each.receiveLine();
+        }
+      }
+    }
+  };
+  ProcessorShare share(service.process().id());
+  flood(std::chrono::milliseconds(200));
+  share.next();
+  flood(std::chrono::milliseconds(1000));
+  EXPECT_LT(share.next(), 0.8);
+}
+
+TEST(HostileClients, AReaderOfTheLogThatHasStoppedStopsNobody) {
+  const RunningService service;
+  // More than a pipe holds.
+  std::string properties;
+  for (int count = 0; count < 60; ++count) {
+    properties += (count == 0 ? "\"" : ",\"") + std::to_string(count) + "\":0";
+  }
+  RawClient client = service.connect();
+  for (int count = 0; count < 300; ++count) {
+    client.ask(R"({"request":"set","matching":{},"properties":{)" + properties + "}}");
+  }
+  EXPECT_TRUE(isServed(client));
+}
+
+TEST(HostileClients, HalfALineIsNoRequest) {
+  const RunningService service(1);
+  {
+    const RawClient client = service.connect();
+    client.send(R"({"request":"plug"})");
+  }
+  RawClient polite = service.connect();
+  polite.send(R"({"request":"plug"})");
+  polite.endSending();
+  polite.waitForClose();
+  EXPECT_EQ(service.hidutil({"plug"}).output, "100000002\n");
+}
+
+TEST(HostileClients, ALineThatIsTooLongIsAnsweredAndTheConnectionCloses) {
+  const RunningService service;
+  RawClient client = service.connect();
+  client.send(std::string(std::size_t{64} * 1024 + 1, 'x'));
+  EXPECT_EQ(
+      client.receiveLine(),
+      R"({"response":"error","text":"the request is longer than 65536 bytes; ask for less at )"
+      R"(once"})");
+  client.waitForClose();
+  EXPECT_EQ(service.hidutil({"list"}).status, 0);
+}
+
+TEST(HostileClients, NonsenseIsAnsweredAndTheConnectionStays) {
+  const RunningService service;
+  RawClient client = service.connect();
+  for (const char* const line : {"", "nonsense", "[]", "{\"request\":\"dance\"}", "\xff\xfe"}) {
+    EXPECT_TRUE(client.ask(line).starts_with(R"({"response":"error",)")) << line;
+  }
+  EXPECT_TRUE(isServed(client));
+}
+
+TEST(HostileClients, OneThatIsKilledInTheMiddleOfAnAnswerHarmsNoOther) {
+  const RunningService service(256);
+  test::TestProcess client([&] {
+    const RawClient connection = service.connect();
+    for (int count = 0; count < 100; ++count) {
+      connection.sendWithoutWaiting(listRequest + "\n");
+    }
+    std::fputs("asked\n", stderr);
+    ::pause();
+  });
+  client.waitForErrors("asked");
+  client.send(SIGKILL);
+  EXPECT_EQ(client.wait().status, -SIGKILL);
+  EXPECT_EQ(service.hidutil({"list"}).status, 0);
+}
+
+/// Processor time that the process has used, in clock ticks.
+long processorTime(pid_t process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+  std::string skipped;
+  std::getline(file, skipped, ')');
+  for (int field = 3; field < 14; ++field) {
+    file >> skipped;
+  }
+  long user = 0;
+  long system = 0;
+  file >> user >> system;
+  return user + system;
+}
+
+TEST(HostileClients, MoreThanThereAreDescriptorsForWaitTheirTurn) {
+  RunningService service(1, [] {
+    const rlimit few{32, 32};
+    ::setrlimit(RLIMIT_NOFILE, &few);
+  });
+  std::vector<std::unique_ptr<RawClient>> clients;
+  for (int count = 0; count < 64; ++count) {
+    clients.push_back(std::make_unique<RawClient>(service.connect()));
+    clients.back()->send(listRequest + "\n");
+  }
+  RawClient& first = *clients.front();
+  EXPECT_TRUE(first.receiveLine().starts_with(listAnswerStart));
+
+  // The service sits still while it can accept no one: of two seconds it uses less than one.
+  const long before = processorTime(service.process().id());
+  ::sleep(2);
+  EXPECT_LT(processorTime(service.process().id()) - before, ::sysconf(_SC_CLK_TCK));
+  EXPECT_TRUE(isServed(first));
+
+  // Each one that leaves makes room for the next, until the last one has been served.
+  while (clients.size() > 1) {
+    clients.erase(clients.begin());
+  }
+  EXPECT_TRUE(clients.front()->receiveLine().starts_with(listAnswerStart));
+  clients.clear();
+  EXPECT_EQ(service.hidutil({"list"}).status, 0);
+}
+
+}  // namespace
+}  // namespace zephlin

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/TestProcess.h"
+#include "Tests/Unit/KeyboardService/Support/RawClient.h"
+
+namespace zephlin {
+
+inline const std::string hidutilProgram = HIDUTIL_PROGRAM;
+inline const std::string serviceProgram = SERVICE_PROGRAM;
+
+/// A zephlin-hidd that is ready, on a socket of its own.
+class RunningService {
+ public:
+  explicit RunningService(
+      int virtualKeyboards = 2, const test::TestProcess::Body& prepare = [] {});
+
+  [[nodiscard]] std::string socketPath() const { return directory_.file("hidd.sock"); }
+  [[nodiscard]] test::TestProcess& process() { return process_; }
+  [[nodiscard]] RawClient connect() const { return RawClient(socketPath()); }
+
+  /// hidutil's arguments, with the program and this service's socket before them.
+  [[nodiscard]] std::vector<std::string> command(const std::vector<std::string>& arguments) const;
+
+  /// Runs hidutil against this service.
+  [[nodiscard]] test::Outcome hidutil(const std::vector<std::string>& arguments) const;
+
+  /// Ends the service with SIGTERM.
+  test::Outcome stop();
+
+ private:
+  test::TemporaryDirectory directory_;
+  test::TestProcess process_;
+};
+
+/// What hidutil does when it fails: status 1 and one line.
+test::Outcome failure(const std::string& message);
+
+/// What hidutil does when nobody listens at a path.
+test::Outcome absence(const std::string& path, const std::string& reason);
+
+}  // namespace zephlin

@@ -1,0 +1,44 @@
+#include <gtest/gtest.h>
+
+#include "KeyboardService/Protocol/PrintableText.h"
+
+namespace zephlin {
+namespace {
+
+TEST(PrintableText, LeavesOrdinaryTextOfAnyScriptAlone) {
+  EXPECT_EQ(printable("Grüße, 键盘 ⌨ 😀"), "Grüße, 键盘 ⌨ 😀");
+}
+
+TEST(PrintableText, EscapesControlCharacters) {
+  EXPECT_EQ(printable(std::string_view("a\nb\t\x1b[31m\x7f\0", 11)),
+            R"(a\x0ab\x09\x1b[31m\x7f\x00)");
+}
+
+TEST(PrintableText, EscapesSecondControlBlockAndLineAndDirectionMarks) {
+  EXPECT_EQ(printable("\u0085"), R"(\xc2\x85)");
+  EXPECT_EQ(printable("\u2028"), R"(\xe2\x80\xa8)");
+  EXPECT_EQ(printable("\u202e"), R"(\xe2\x80\xae)");
+}
+
+TEST(PrintableText, EscapesBytesThatAreNotUtf8) {
+  EXPECT_EQ(printable("\xff"), R"(\xff)");
+  EXPECT_EQ(printable("\xc3("), R"(\xc3()");
+  EXPECT_EQ(printable("\xe2\x82"), R"(\xe2\x82)");
+  EXPECT_EQ(printable("\xc0\xaf"), R"(\xc0\xaf)");
+  EXPECT_EQ(printable("\xed\xa0\x80"), R"(\xed\xa0\x80)");
+  EXPECT_EQ(printable("\xf4\x90\x80\x80"), R"(\xf4\x90\x80\x80)");
+  EXPECT_EQ(printable("\xe0\x80\xaf"), R"(\xe0\x80\xaf)");
+}
+
+TEST(PrintableText, CutsWhatIsTooLong) {
+  EXPECT_EQ(printable("abcdef", 4), "abcd…");
+  EXPECT_EQ(printable("abcd", 4), "abcd");
+}
+
+TEST(PrintableText, QuotesShortly) {
+  EXPECT_EQ(inQuotes("a b"), "\"a b\"");
+  EXPECT_LT(inQuotes(std::string(10'000, 'x')).size(), 200U);
+}
+
+}  // namespace
+}  // namespace zephlin

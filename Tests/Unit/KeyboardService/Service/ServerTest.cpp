@@ -1,0 +1,128 @@
+#include <vector>
+
+#include "KeyboardService/Protocol/Request.h"
+#include "Tests/Unit/KeyboardService/Support/EffectiveUser.h"
+#include "Tests/Unit/KeyboardService/Support/ServerFixture.h"
+
+namespace zephlin {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::steady_clock;
+
+TEST_F(ServerTest, AnswersRequestsInTheirOrder) {
+  RawClient client = connect();
+  client.send("{\"request\":\"pull\",\"registryID\":\"100000001\"}\nnonsense\n" + listRequest +
+              "\n");
+  EXPECT_EQ(receive(client), R"({"response":"pull"})");
+  EXPECT_EQ(receive(client).find(R"({"response":"error")"), 0U);
+  EXPECT_EQ(receive(client).find(R"({"keyboards":[)"), 0U);
+}
+
+TEST_F(ServerTest, AnswersAClientThatSendsNoMore) {
+  RawClient client = connect();
+  client.send(listRequest + "\n" + listRequest + "\n");
+  client.endSending();
+  receive(client);
+  receive(client);
+  turnUntil([&] { return client.isClosed(); });
+}
+
+TEST_F(ServerTest, DropsAClientThatLeavesARequestUnfinished) {
+  const auto start = steady_clock::now();
+  RawClient client = connect();
+  client.send("{");
+  turnUntil([&] { return client.isClosed(); });
+  EXPECT_GE(steady_clock::now() - start, timeout - 10ms);
+}
+
+TEST_F(ServerTest, EveryByteOfARequestRestartsTheTimeout) {
+  RawClient client = connect();
+  const auto start = steady_clock::now();
+  const auto deadline = start + 2 * timeout;
+  while (steady_clock::now() < deadline) {
+    client.send(" ");
+    turnFor(20ms);
+  }
+  client.send(listRequest + "\n");
+  EXPECT_EQ(receive(client).find(R"({"keyboards":[)"), 0U);
+}
+
+TEST_F(ServerTest, DropsAClientThatTakesNoAnswers) {
+  RawClient client = connect();
+  std::string requests;
+  for (int count = 0; count < 100; ++count) {
+    requests += listRequest + "\n";
+  }
+  const auto start = steady_clock::now();
+  client.send(requests);
+  RawClient other = connect();
+  other.send(listRequest + "\n");
+  EXPECT_EQ(receive(other).find(R"({"keyboards":[)"), 0U);
+  turnUntil([&] { return client.isHungUp(); });
+  EXPECT_GE(steady_clock::now() - start, timeout - 10ms);
+}
+
+TEST_F(ServerTest, KeepsAClientThatHasNothingToSay) {
+  RawClient client = connect();
+  client.send(listRequest + "\n");
+  receive(client);
+  turnFor(2 * timeout);
+  client.send(listRequest + "\n");
+  EXPECT_EQ(receive(client).find(R"({"keyboards":[)"), 0U);
+}
+
+TEST_F(ServerTest, ReadsNoFurtherWhileAnAnswerIsNotTaken) {
+  const RawClient client = connect();
+  const std::string requests = listRequest + std::string(1000, ' ') + "\n";
+  constexpr std::size_t moreThanAllBuffersHold = 4'000'000;
+  std::size_t accepted = 0;
+  int turnsWithoutProgress = 0;
+  while (accepted < moreThanAllBuffersHold && turnsWithoutProgress < 20) {
+    const std::size_t sent = client.sendWithoutWaiting(requests);
+    accepted += sent;
+    turnsWithoutProgress = sent == 0 ? turnsWithoutProgress + 1 : 0;
+    sd_event_run(loop.native(), 1000);
+  }
+  EXPECT_LT(accepted, moreThanAllBuffersHold);
+}
+
+TEST_F(ServerTest, ALineOfTheLongestKindIsRead) {
+  RawClient client = connect();
+  client.send(listRequest + std::string(maximumRequestBytes - listRequest.size(), ' ') + "\n");
+  EXPECT_EQ(receive(client).find(R"({"keyboards":[)"), 0U);
+}
+
+TEST_F(ServerTest, ALineThatIsTooLongIsAnsweredAndEndsTheConnection) {
+  RawClient client = connect();
+  client.send(std::string(maximumRequestBytes + 1, 'x'));
+  EXPECT_EQ(
+      receive(client),
+      R"({"response":"error","text":"the request is longer than 65536 bytes; ask for less at once"})");
+  turnUntil([&] { return client.isClosed(); });
+}
+
+TEST_F(ServerTest, AUserHasOnlySoManyConnections) {
+  const EffectiveUser user(4242);
+  std::vector<RawClient> clients;
+  for (int count = 0; count < 3; ++count) {
+    clients.push_back(connect());
+    clients.back().send(listRequest + "\n");
+    EXPECT_EQ(receive(clients.back()).find(R"({"keyboards":[)"), 0U);
+  }
+  RawClient oneMore = connect();
+  EXPECT_EQ(
+      receive(oneMore),
+      R"({"response":"error","text":"you have 3 connections to the keyboard service, which is )"
+      R"(the most; close some of them"})");
+  turnUntil([&] { return oneMore.isClosed(); });
+
+  clients.pop_back();
+  turnFor(50ms);
+  RawClient again = connect();
+  again.send(listRequest + "\n");
+  EXPECT_EQ(receive(again).find(R"({"keyboards":[)"), 0U);
+}
+
+}  // namespace
+}  // namespace zephlin

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+#include "KeyboardService/Service/ListeningSocket.h"
+#include "KeyboardService/Service/Server.h"
+#include "KeyboardService/Service/VirtualKeyboardBus.h"
+#include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Unit/KeyboardService/Support/RawClient.h"
+
+namespace zephlin {
+
+constexpr std::chrono::milliseconds timeout{500};
+inline const std::string listRequest = R"({"request":"list","matching":{}})";
+
+/// A server whose loop the test turns itself, in the same thread.
+class ServerTest : public testing::Test {
+ protected:
+  ServerTest()
+      : socket(directory.file("s")),
+        registry([](const std::string&) {}),
+        virtualKeyboards(200),
+        permissions(::geteuid(), [](uid_t) { return false; }),
+        handler(registry, virtualKeyboards, permissions, [](const std::string&) {}),
+        server(loop, socket.takeDescriptor(), handler, {timeout, 3, 2}) {
+    virtualKeyboards.start(registry);
+    registry.listen([this](RegistryID registryID) { server.announce({registryID}); });
+  }
+
+  RawClient connect() const { return RawClient(directory.file("s")); }
+
+  /// Turns the loop until the condition holds, a minute at most.
+  void turnUntil(const std::function<bool()>& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (!condition()) {
+      if (std::chrono::steady_clock::now() > deadline) {
+        throw std::runtime_error("it does not happen");
+      }
+      sd_event_run(loop.native(), 10'000);
+    }
+  }
+
+  /// Turns the loop for a while.
+  void turnFor(std::chrono::steady_clock::duration time) {
+    const auto deadline = std::chrono::steady_clock::now() + time;
+    turnUntil([&] { return std::chrono::steady_clock::now() >= deadline; });
+  }
+
+  std::string receive(RawClient& client) {
+    turnUntil([&] { return client.hasLine(); });
+    return client.receiveLine();
+  }
+
+  test::TemporaryDirectory directory;
+  EventLoop loop;
+  BoundSocket socket;
+  KeyboardRegistry registry;
+  VirtualKeyboardBus virtualKeyboards;
+  Permissions permissions;
+  RequestHandler handler;
+  Server server;
+};
+
+}  // namespace zephlin

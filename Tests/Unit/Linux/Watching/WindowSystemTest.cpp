@@ -1,0 +1,21 @@
+#include <gtest/gtest.h>
+
+#include "Platform/Linux/Watching/WindowSystem.h"
+#include "Tests/Unit/Linux/Watching/Support/EnvironmentVariable.h"
+#include "Tests/Unit/Linux/Watching/Support/PrivateXServer.h"
+
+namespace zephlin {
+namespace {
+
+TEST(WindowSystem, IsX11WhereAnXServerCanBeReached) {
+  const test::PrivateXServer server;
+  EXPECT_EQ(currentWindowSystem(), WindowSystem::X11);
+}
+
+TEST(WindowSystem, IsWaylandWhereNoXServerCanBeReached) {
+  const test::EnvironmentVariable display("DISPLAY", ":no-display");
+  EXPECT_EQ(currentWindowSystem(), WindowSystem::Wayland);
+}
+
+}  // namespace
+}  // namespace zephlin
