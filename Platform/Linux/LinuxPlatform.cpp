@@ -1,10 +1,9 @@
 #include "Platform/Linux/LinuxPlatform.h"
 
-#include <QVersionNumber>
 #include <cstdlib>
 #include <utility>
 
-#include "Platform/Linux/Session/AppcastUpdater.h"
+#include "Platform/Linux/LinuxUpdater.h"
 #include "Platform/Linux/Session/ConfigurationFolder.h"
 #include "Platform/Linux/Session/SessionEnd.h"
 
@@ -46,9 +45,7 @@ LinuxPlatform::LinuxPlatform(int& argc, char** argv)
 }
 
 std::unique_ptr<Updater> LinuxPlatform::makeStartedUpdater() {
-  return std::make_unique<AppcastUpdater>(
-      QUrl(ZEPHLIN_UPDATE_FEED), QVersionNumber::fromString(QApplication::applicationVersion()),
-      QApplication::applicationDirPath() + "/" ZEPHLIN_UPDATES_MODULE);
+  return std::make_unique<LinuxUpdater>(alerts_);
 }
 
 // To wait for a run of hidutil would keep the process, its icon gone, for as long as that hangs.

@@ -72,7 +72,7 @@ TEST_F(MenuActions, TapTestOpensItsWindowInFront) {
             [&] { return desktop().screen().titleOfActiveWindow() == "Tap Test"; });
 }
 
-TEST_F(MenuActions, CheckForUpdatesAnswersInAWindow) {
+TEST_F(MenuActions, CheckForUpdatesShowsAnAlert) {
   App app(desktop());
   app.menu().choose("Check for Updates…");
   const xcb_window_t window = desktop().screen().waitForWindow("Zephlin");
@@ -84,7 +84,7 @@ TEST_F(MenuActions, CheckForUpdatesAnswersInAWindow) {
   EXPECT_FALSE(app.program().hasEnded());
 }
 
-TEST_F(MenuActions, NothingIsLoadedForTheNetworkBeforeUpdatesAreCheckedFor) {
+TEST_F(MenuActions, NothingIsLoadedForTheNetwork) {
   App app(desktop());
   app.waitForStatusLine("On. Every tap registers instantly");
   const std::string maps = contentOf("/proc/" + std::to_string(app.program().id()) + "/maps");

@@ -30,3 +30,5 @@ for package in zephlin zephlin-desktop; do
 done
 check_same "zephlin needs nothing of the desktop" "" \
     "$(dpkg-deb --field "$packages/zephlin.deb" Depends | tr , '\n' | grep -E 'qt|xcb' || true)"
+check_same "zephlin-desktop needs no network" "" \
+    "$(dpkg-deb --field "$packages/zephlin-desktop.deb" Depends | tr , '\n' | grep network || true)"

@@ -6,21 +6,14 @@
 //   caller         calls what else the instance's interface has, and prints how each call ends
 //   quit-signals   prints "ready" and runs until it is asked to quit, then prints "quits"
 //   display        prints "ready" and runs with a window until its display is gone
-//   updates        checks for updates with the module that the next argument names, and prints
-//                  before and after it whether Qt's network library is in memory
 
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QUrl>
-#include <QVersionNumber>
 #include <QWidget>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <string>
 
-#include "Platform/Linux/Session/AppcastUpdater.h"
 #include "Platform/Linux/Session/InstanceObject.h"
 #include "Platform/Linux/Session/LinuxSystemLog.h"
 #include "Platform/Linux/Session/QtMessages.h"
@@ -84,20 +77,6 @@ int runUntilDisplayIsGone(SystemLog& log) {
   return QApplication::exec();
 }
 
-void printWhetherNetworkIsLoaded() {
-  std::ifstream stream("/proc/self/maps");
-  const std::string maps(std::istreambuf_iterator<char>(stream), {});
-  std::puts(maps.find("libQt6Network") == std::string::npos ? "no network" : "network");
-}
-
-int checkForUpdates(const char* module) {
-  AppcastUpdater updater(QUrl("https://localhost:1/"), QVersionNumber(1), module);
-  printWhetherNetworkIsLoaded();
-  updater.checkForUpdates();
-  printWhetherNetworkIsLoaded();
-  return 0;
-}
-
 }  // namespace
 
 int main(int argc, char* argv[]) {
@@ -118,9 +97,6 @@ int main(int argc, char* argv[]) {
   }
   if (mode == "display") {
     return runUntilDisplayIsGone(log);
-  }
-  if (mode == "updates" && argc > 2) {
-    return checkForUpdates(argv[2]);
   }
   return 64;
 }
