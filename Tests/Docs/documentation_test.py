@@ -15,7 +15,7 @@ from not_run import NOT_RUN
 ROOT = Path(__file__).resolve().parents[2]
 MARKDOWN = [
     Markdown(path, ROOT)
-    for path in [ROOT / "README.md", ROOT / "CONTRIBUTING.md",
+    for path in [ROOT / "README.md", ROOT / "CONTRIBUTING.md", ROOT / "SECURITY.md",
                  *sorted((ROOT / "docs").glob("*.md"))]
 ]
 MANUAL_PAGES = [ManualPage(path, ROOT) for path in sorted((ROOT / "Packaging/Man").iterdir())]
