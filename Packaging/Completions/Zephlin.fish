@@ -4,6 +4,6 @@ complete --command Zephlin --condition __fish_use_subcommand --arguments apply \
 complete --command Zephlin --condition __fish_use_subcommand --arguments restore \
     --description "Restore the system's own delay"
 complete --command Zephlin --condition __fish_use_subcommand --arguments status \
-    --description 'Count the keyboards by the delay that they report'
+    --description 'Count the keyboards by their delay'
 complete --command Zephlin --condition __fish_use_subcommand --arguments help \
-    --description 'Print the help'
+    --description 'Show help'

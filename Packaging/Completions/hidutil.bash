@@ -14,7 +14,7 @@ _hidutil() {
         esac
     done
 
-    # JSON is offered as a whole, in quotes, and only where nothing stands yet.
+    # JSON is offered as a whole, in quotes, and only while the word is empty.
     case $prev in
     --socket)
         _filedir

@@ -1,6 +1,6 @@
 set --local commands list property plug pull
 
-# The virtual keyboards of the service that the command line names.
+# Lists the virtual keyboards of the service whose socket is on the command line.
 function __hidutil_virtual_keyboards
     set --local words (commandline --tokenize --cut-at-cursor)
     set --local connection
@@ -12,27 +12,27 @@ end
 
 complete --command hidutil --no-files
 complete --command hidutil --long-option socket --require-parameter --force-files \
-    --description 'Where zephlin-hidd listens'
+    --description 'Socket of zephlin-hidd'
 complete --command hidutil --condition "not __fish_seen_subcommand_from $commands" \
-    --short-option h --long-option help --description 'Print the help'
+    --short-option h --long-option help --description 'Show help'
 complete --command hidutil --condition "not __fish_seen_subcommand_from $commands" \
-    --long-option version --description 'Print the version'
+    --long-option version --description 'Show the version'
 
 complete --command hidutil --condition "not __fish_seen_subcommand_from $commands" \
     --arguments list --description 'List the keyboards'
 complete --command hidutil --condition "not __fish_seen_subcommand_from $commands" \
-    --arguments property --description 'Print or set a property of the keyboards'
+    --arguments property --description 'Get or set properties'
 complete --command hidutil --condition "not __fish_seen_subcommand_from $commands" \
     --arguments plug --description 'Plug in a virtual keyboard'
 complete --command hidutil --condition "not __fish_seen_subcommand_from $commands" \
-    --arguments pull --description 'Pull out a virtual keyboard'
+    --arguments pull --description 'Unplug a virtual keyboard'
 
 complete --command hidutil --condition '__fish_seen_subcommand_from list property' \
     --long-option matching --exclusive \
-    --arguments '\'{"PrimaryUsagePage":1,"PrimaryUsage":6}\'' --description 'Choose keyboards'
+    --arguments '\'{"PrimaryUsagePage":1,"PrimaryUsage":6}\'' --description 'Select keyboards'
 complete --command hidutil --condition '__fish_seen_subcommand_from property' \
     --long-option get --exclusive --arguments CapsLockDelayOverride \
-    --description 'Print a property'
+    --description 'Get a property'
 complete --command hidutil --condition '__fish_seen_subcommand_from property' \
     --long-option set --exclusive --arguments '\'{"CapsLockDelayOverride":0}\'' \
     --description 'Set properties'

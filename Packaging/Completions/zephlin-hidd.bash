@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# shellcheck disable=SC2034 # _init_completion sets them all.
+# shellcheck disable=SC2034 # _init_completion sets all of them.
 _zephlin_hidd() {
     local cur prev words cword
     _init_completion || return
