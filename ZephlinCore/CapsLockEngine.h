@@ -13,9 +13,9 @@ namespace zephlin {
 /// The only code that touches the keyboards' Caps Lock delay: it runs hidutil to set the HID
 /// property `CapsLockDelayOverride` on every keyboard service, and to read it back.
 ///
-/// A copyable value without state besides the tool's path. Each operation is one run of the tool
+/// A copyable value whose only state is the tool's path. Each operation is one run of the tool
 /// and blocks its thread for at most `timeoutSeconds` plus the time a kill takes; any thread, any
-/// number at once. Callers whose writes and read-backs must not interleave take turns themselves.
+/// number at once. Callers whose writes and read-backs must not interleave serialize them.
 ///
 /// Every operation throws `EngineError` when the tool ran and failed, and std::system_error (the
 /// platform's own error, unchanged) when it could not be launched or watched. A failed operation
@@ -44,7 +44,7 @@ class CapsLockEngine {
     /// Any other positive value.
     std::int64_t otherServices = 0;
 
-    /// All of them are instant. False where there are none.
+    /// All of them are instant. False if there are none.
     [[nodiscard]] bool isInstant() const;
     /// Some of them are instant, and some are not.
     [[nodiscard]] bool isPartial() const;
@@ -60,8 +60,8 @@ class CapsLockEngine {
     struct HidutilFailed {
       /// Or the number of the signal that ended the tool.
       std::int32_t exitStatus;
-      /// The tool's standard output and standard error, untrimmed; empty where they are not valid
-      /// UTF-8, or too long to be kept.
+      /// The tool's standard output and standard error, untrimmed; empty if they are not valid
+      /// UTF-8 or too long to keep.
       std::string output;
     };
     /// The tool ran past `timeoutSeconds` and was killed.
@@ -90,19 +90,19 @@ class CapsLockEngine {
   void restoreDefault() const;
   /// Sets the override to `value` milliseconds on every keyboard; reads nothing back.
   void setOverride(std::int64_t value) const;
-  /// Counts the keyboard services by the delay they report. Output that is not valid UTF-8 counts
-  /// as no keyboards. Throws std::system_error when the listing is too long to be kept.
+  /// Counts the keyboard services by the delay they report; no keyboards if the output is not valid
+  /// UTF-8. Throws std::system_error when the listing is too long to keep.
   [[nodiscard]] Status status() const;
 
   std::string hidutilPath;
 
  private:
-  /// Returns the tool's standard output and standard error as one text, empty where it is not
-  /// valid UTF-8; nothing where it is too long to be kept.
+  /// Returns the tool's standard output and standard error as one text, empty if it is not valid
+  /// UTF-8; nothing if it is too long to keep.
   [[nodiscard]] std::optional<std::string> runHidutil(std::span<const std::string> arguments) const;
 };
 
-/// The text by which a failure of the engine is shown to a person.
+/// The text that shows a failure of the engine to the user.
 std::string localizedDescription(const std::exception& error);
 
 }  // namespace zephlin

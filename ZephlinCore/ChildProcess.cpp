@@ -12,7 +12,7 @@
 
 #include "Base/CloseOnExec.h"
 
-extern char** environ;  // macOS declares it nowhere.
+extern char** environ;  // No header of macOS declares it.
 
 namespace zephlin {
 
@@ -44,8 +44,8 @@ struct Attributes {
   posix_spawnattr_t value;
 };
 
-/// A process that ignores SIGCHLD, or asked for no zombies, has its children reaped by the system,
-/// and their statuses are lost.
+/// The system reaps the children of a process that ignores SIGCHLD or set SA_NOCLDWAIT, and their
+/// statuses are lost.
 void keepChildStatuses() {
   struct sigaction action {};
   ::sigaction(SIGCHLD, nullptr, &action);
@@ -94,7 +94,7 @@ int waitFor(pid_t process, int& status) {
   return 0;
 }
 
-/// macOS reports a stopped child too, though only ended ones are asked for.
+/// macOS reports stopped children too, though we ask only for ended ones.
 bool hasEnded(const siginfo_t& info) {
   return info.si_code == CLD_EXITED || info.si_code == CLD_KILLED || info.si_code == CLD_DUMPED;
 }
@@ -122,7 +122,7 @@ ChildProcess::~ChildProcess() {
   if (processIdentifier_ == -1) {
     return;
   }
-  if (isRunning()) {  // The number is a stranger's once somebody else has reaped the child.
+  if (isRunning()) {  // Once other code has reaped the child, the number may be another process's.
     kill();
   }
   int status = 0;

@@ -10,11 +10,11 @@
 
 namespace zephlin {
 
-/// Owns one running child process. Destroying it kills and reaps a child that was not reaped, be it
-/// by `reap` or by other code of the process.
+/// Owns one running child process. Destroying it kills and reaps the child, unless `reap` or other
+/// code of the process already has reaped it.
 ///
-/// The process identifier is the child's for as long as it is unreaped, so `isRunning` and `kill`
-/// may be called from any thread until `reap` is; the owner sees to that order.
+/// The process identifier is the child's until it is reaped, so any thread may call `isRunning` and
+/// `kill` until the owner calls `reap`; the owner ensures that order.
 class ChildProcess {
  public:
   /// Launches `executable` with `output` as its standard output and standard error; see
@@ -27,9 +27,9 @@ class ChildProcess {
 
   [[nodiscard]] bool isRunning() const;
   void kill() const;
-  /// Blocks until the child has ended, and leaves it to be reaped.
+  /// Blocks until the child has ended; does not reap it.
   void waitUntilExit() const;
-  /// Blocks until the child has ended, and takes its termination status: the exit status, or the
+  /// Blocks until the child has ended, and returns its termination status: the exit status, or the
   /// number of the signal that ended it. Called once. Throws std::system_error when other code of
   /// the process has reaped it.
   std::int32_t reap();

@@ -6,20 +6,90 @@
 
 #include <array>
 #include <cerrno>
+#include <condition_variable>
+#include <csignal>
+#include <functional>
+#include <mutex>
 #include <system_error>
 #include <thread>
 #include <utility>
 
 #include "Base/FileDescriptor.h"
 #include "ZephlinCore/ChildProcess.h"
-#include "ZephlinCore/TimeoutFlag.h"
-#include "ZephlinCore/Watchdog.h"
 
 namespace zephlin {
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+/// Set by the watchdog when it kills the child, and read by the runner.
+class TimeoutFlag {
+ public:
+  void set() {
+    const std::scoped_lock guard(lock_);
+    value_ = true;
+  }
+  [[nodiscard]] bool value() const {
+    const std::scoped_lock guard(lock_);
+    return value_;
+  }
+
+ private:
+  mutable std::mutex lock_;
+  bool value_ = false;
+};
+
+/// Blocks every signal for the calling thread, then restores the thread's mask. A thread created
+/// in between starts with every signal blocked.
+class AllSignalsBlocked {
+ public:
+  AllSignalsBlocked() noexcept : previous_() {
+    sigset_t all;
+    sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &previous_);
+  }
+  AllSignalsBlocked(const AllSignalsBlocked&) = delete;
+  AllSignalsBlocked& operator=(const AllSignalsBlocked&) = delete;
+  ~AllSignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &previous_, nullptr); }
+
+ private:
+  sigset_t previous_;
+};
+
+/// Runs a piece of work once, at a deadline, on a thread of its own, unless cancelled before.
+class Watchdog {
+ public:
+  /// `work` must not throw. Throws std::system_error when no thread can be created.
+  Watchdog(Clock::time_point deadline, std::function<void()> work) {
+    // The process's signals stay with the threads that expect them.
+    const AllSignalsBlocked blocked;
+    thread_ = std::thread([this, deadline, work = std::move(work)] {
+      std::unique_lock lock(mutex_);
+      if (!cancellation_.wait_until(lock, deadline, [this] { return cancelled_; })) {
+        lock.unlock();
+        work();
+      }
+    });
+  }
+  Watchdog(const Watchdog&) = delete;
+  Watchdog& operator=(const Watchdog&) = delete;
+  /// Cancels. Waits for work that already runs: afterwards it has run completely or not at all.
+  ~Watchdog() {
+    {
+      const std::scoped_lock lock(mutex_);
+      cancelled_ = true;
+    }
+    cancellation_.notify_one();
+    thread_.join();
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable cancellation_;
+  bool cancelled_ = false;
+  std::thread thread_;
+};
 
 /// Waits for something to read, or for the end of file; false once the deadline has passed.
 bool waitUntilReadable(const FileDescriptor& descriptor, Clock::time_point deadline) {
@@ -39,11 +109,11 @@ bool waitUntilReadable(const FileDescriptor& descriptor, Clock::time_point deadl
   }
 }
 
-/// What the child has printed, as far as it is kept.
+/// What the child has printed, if it is short enough to keep.
 class Output {
  public:
-  /// Reads once and returns the number of bytes, 0 at the end of file. What is too long is read all
-  /// the same, so that the child can go on.
+  /// Reads once and returns the number of bytes, 0 at the end of file. Goes on reading output that
+  /// is too long to keep, so that the child is not blocked.
   std::size_t readFrom(const FileDescriptor& descriptor) {
     ssize_t count = -1;
     while ((count = ::read(descriptor.get(), buffer_.data(), buffer_.size())) == -1) {
@@ -72,8 +142,7 @@ void readToEnd(const FileDescriptor& descriptor, Clock::time_point deadline, Out
   }
 }
 
-/// Reads what the pipe holds now, and no more: a process that the child left behind may go on
-/// writing.
+/// Reads only what the pipe holds now: a process that the child left behind may go on writing.
 void readRest(const FileDescriptor& descriptor, Output& output) {
   int waiting = 0;
   if (::ioctl(descriptor.get(), FIONREAD, &waiting) == -1) {
@@ -84,7 +153,7 @@ void readRest(const FileDescriptor& descriptor, Output& output) {
   }
 }
 
-/// A child's output ends in the middle of its exit, the rest of which takes microseconds.
+/// The pipe closes in the middle of the child's exit, the rest of which takes microseconds.
 bool endsAtOnce(const ChildProcess& child) {
   const auto timeout = Clock::now() + std::chrono::milliseconds(1);
   while (child.isRunning()) {
@@ -108,9 +177,9 @@ ChildProcessResult runChildProcess(const std::string& executable,
   const auto deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(timeLimit);
   TimeoutFlag timeoutFlag;
   Output output;
-  // In this order: a child blocks while the pipe is full, and would never exit.
+  // Before waiting: a child blocks while the pipe is full, and would never exit.
   readToEnd(pipe.readEnd, deadline, output);
-  // Reading keeps to the deadline by itself; only a child that goes on after it costs a thread.
+  // Reading stops at the deadline by itself; only a child that runs on afterwards costs a thread.
   if (!endsAtOnce(child)) {
     const Watchdog watchdog(deadline, [&child, &timeoutFlag] {
       if (child.isRunning()) {
@@ -120,8 +189,8 @@ ChildProcessResult runChildProcess(const std::string& executable,
     });
     child.waitUntilExit();
   }
-  // Should this process have been stopped, the deadline may have passed before all was read of a
-  // child that ended in time.
+  // If this process was stopped meanwhile, the deadline may have passed before everything was read,
+  // though the child ended in time.
   readRest(pipe.readEnd, output);
   ChildProcessResult result;
   // The watchdog is gone: nothing can signal the identifier once reaping has freed it.

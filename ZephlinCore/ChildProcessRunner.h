@@ -15,8 +15,8 @@ struct ChildProcessResult {
   std::int32_t terminationStatus = 0;
   /// The child still ran when the time was up, and was killed.
   bool timedOut = false;
-  /// What arrived of standard output and standard error, in one stream. Nothing is kept of more
-  /// than `maximumChildOutputBytes`: a part would read like the whole.
+  /// Standard output and standard error, in one stream. Nothing if that is more than
+  /// `maximumChildOutputBytes`: a part could be mistaken for the whole.
   std::optional<std::string> output = std::string();
 };
 
@@ -28,14 +28,15 @@ constexpr std::size_t maximumChildOutputBytes = std::size_t{256} << 20U;
 /// The child inherits standard input, the environment and the working directory, and nothing else:
 /// no other descriptor, default signal dispositions, an empty signal mask. Its standard output and
 /// standard error are one pipe. All of it is read, then the child is reaped; a child that is still
-/// running after `timeLimit` is sent SIGKILL. Waiting for more to read ends at the limit too, in
-/// case another process holds the pipe open. So the call blocks for `timeLimit` and a kill at most.
+/// running after `timeLimit` is sent SIGKILL. Reading ends at the limit too, in case another
+/// process holds the pipe open. So the call blocks for at most `timeLimit` and the time a kill
+/// takes.
 ///
-/// Throws std::system_error when the child cannot be launched, naming an executable that cannot be
-/// run, and when it cannot be watched, be it that no thread can be had for the time limit or that
-/// reading or waiting fails; the child is killed then. Any thread, any number at once; nothing of a
-/// run is left when it returns or throws. Should the process ignore SIGCHLD, the disposition is set
-/// back to the default for good: a process that ignores it never learns how its children ended.
+/// Throws std::system_error, which names the executable, when the child cannot be launched. Also
+/// throws it, after killing the child, when no thread can be created for the time limit, or when
+/// reading or waiting fails. Any thread, any number at once; nothing of a run is left when it
+/// returns or throws. If the process ignores SIGCHLD, the disposition is set back to the default
+/// for good: a process that ignores it never learns how its children ended.
 ///
 /// This header is a seam: a program may link another body of it, in which keyboards are simulated.
 ChildProcessResult runChildProcess(const std::string& executable,

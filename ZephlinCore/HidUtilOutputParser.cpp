@@ -34,7 +34,7 @@ std::string_view takeColumn(std::string_view& line) {
 }
 
 std::optional<std::int64_t> parseInteger(std::string_view text) {
-  // std::from_chars knows no plus sign, and "+-1" is no number.
+  // std::from_chars rejects a plus sign, and would accept the rest of "+-1".
   if (text.starts_with('+')) {
     text.remove_prefix(1);
     if (text.starts_with('-')) {
@@ -61,7 +61,7 @@ std::vector<HidPropertyRow> parse(std::string_view text) {
   while (!text.empty()) {
     std::string_view line = takeLine(text);
     const std::string_view registryID = takeColumn(line);
-    takeColumn(line);  // The property's name; whoever asked knows it.
+    takeColumn(line);  // The property's name; the caller knows it.
     const std::string_view valueText = takeColumn(line);
     if (registryID == "RegistryID") {
       continue;

@@ -10,9 +10,9 @@ namespace zephlin {
 
 /// One keyboard service in a property listing of hidutil.
 struct HidPropertyRow {
-  /// The first column as it stands; opaque, never read as a number.
+  /// The first column, verbatim; opaque, never read as a number.
   std::string registryID;
-  /// Absent where the tool printed a null marker.
+  /// Absent if the tool printed a null marker.
   std::optional<std::int64_t> value;
 
   bool operator==(const HidPropertyRow&) const = default;
@@ -22,10 +22,10 @@ struct HidPropertyRow {
 namespace HidUtilOutputParser {
 
 /// The rows of the listing, in its order. Lenient: a line that cannot be read is dropped, and
-/// nothing is ever thrown but std::bad_alloc. Linear in the size of `text`. Any thread.
+/// nothing but std::bad_alloc is thrown. Linear in the size of `text`. Any thread.
 ///
-/// A line ends at a line feed, except at one directly behind a carriage return: those two are one
-/// character to the text model this format comes from, so text with CR LF ends is a single line.
+/// A line ends at a line feed, unless a carriage return precedes it: in the text model this format
+/// comes from, the two are one character, so text with CR LF ends is a single line.
 std::vector<HidPropertyRow> parse(std::string_view text);
 
 }  // namespace HidUtilOutputParser
