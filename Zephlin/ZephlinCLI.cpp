@@ -1,7 +1,11 @@
 #include "Zephlin/ZephlinCLI.h"
 
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <cstdio>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "Platform/Workspace.h"
@@ -17,21 +21,41 @@ constexpr std::int32_t exitSuccess = 0;
 constexpr std::int32_t exitFailure = 1;
 constexpr std::int32_t exitUnknownCommand = 2;
 
-constexpr std::string_view bundleIdentifier = "com.quorvenel.zephlin";
+/// What a command prints once its work is done, and the exit status.
+struct Report {
+  std::string text;
+  std::int32_t exitStatus = exitSuccess;
+};
 
-void printLine(const std::string& line) {
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fputc('\n', stdout);
-}
+struct Command {
+  std::string word;
+  /// Its line of the usage text; an alias has none.
+  std::string help;
+  /// Throws what the engine throws.
+  Report (*function)(const CapsLockEngine& engine);
+};
+
+/// All of them, in the order of the usage text.
+const std::array<Command, 6>& commands();
+
+constexpr std::string_view bundleIdentifier = "com.quorvenel.zephlin";
 
 /// Standard error is unbuffered, so the text is one write.
 void printError(const std::string& text) {
   std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
-std::int32_t fail(const char* command, const std::exception& error) {
-  printError(std::string(command) + " failed: " + localizedDescription(error) + "\n");
-  return exitFailure;
+/// Prints the report and returns the exit status: a report that is lost is a failure. A caller that
+/// has closed standard output wants none.
+std::int32_t print(const Report& report) {
+  const std::string text = report.text + "\n";
+  const bool isWritten = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+  if ((isWritten && std::fflush(stdout) == 0) || errno == EBADF) {
+    return report.exitStatus;
+  }
+  printError("Zephlin: cannot write to standard output: " + std::generic_category().message(errno) +
+             "\n");
+  return report.exitStatus == exitSuccess ? exitFailure : report.exitStatus;
 }
 
 const std::string& appleDefaultDelay() {
@@ -43,38 +67,20 @@ std::string instantOfTotal(const Status& status) {
   return std::to_string(status.instantServices) + " of " + std::to_string(status.totalServices());
 }
 
-void printUsage() {
-  printLine(
-      "Zephlin — instant Caps Lock for macOS\n"
-      "\n"
-      "usage: Zephlin [command]\n"
-      "\n"
-      "Run with no command to start the menu bar app.\n"
-      "\n"
-      "commands:\n"
-      "  apply     set CapsLockDelayOverride=0 on all keyboards\n"
-      "  restore   restore Apple's default (" +
-      appleDefaultDelay() +
-      " ms) behavior\n"
-      "  status    show the current override state\n"
-      "  help      show this help");
-}
-
-void warnIfMenuBarAppRunning(std::string_view command) {
+/// Empty unless the menu bar app runs as another process.
+std::string noteIfMenuBarAppRunning(const char* whatElseItWillDo) {
   const std::vector<RunningApplication> applications =
       runningApplicationsWithBundleIdentifier(bundleIdentifier);
   if (applications.empty() ||
       applications.front().processIdentifier == currentProcessIdentifier()) {
-    return;
+    return "";
   }
-  std::string note = "note: the Zephlin menu bar app is running and will re-assert its own setting";
-  if (command == "restore") {
-    note += " and undo this restore";
-  }
-  printLine(note + ". Prefer the ⇪ menu toggle while it runs.");
+  return std::string(
+             "\nnote: the Zephlin menu bar app is running and will re-assert its own setting") +
+         whatElseItWillDo + ". Prefer the ⇪ menu toggle while it runs.";
 }
 
-std::string applyReport(const Status& status) {
+std::string applyOutcome(const Status& status) {
   if (status.instantServices < 1) {
     return "Apply command succeeded, but no keyboard service confirmed the override.";
   }
@@ -97,64 +103,93 @@ std::string verdict(const Status& status) {
   return "Zephlin override is ACTIVE on all keyboards.";
 }
 
-std::int32_t apply(const CapsLockEngine& engine) try {
+Report apply(const CapsLockEngine& engine) {
   engine.applyInstant();
   const Status status = engine.status();
-  printLine(applyReport(status));
-  warnIfMenuBarAppRunning("apply");
-  return status.instantServices < 1 ? exitFailure : exitSuccess;
-} catch (const std::exception& error) {
-  return fail("apply", error);
+  return {applyOutcome(status) + noteIfMenuBarAppRunning(""),
+          status.instantServices < 1 ? exitFailure : exitSuccess};
 }
 
-std::int32_t restore(const CapsLockEngine& engine) try {
+Report restore(const CapsLockEngine& engine) {
   engine.restoreDefault();
-  printLine("Restored Apple default Caps Lock behavior (" + appleDefaultDelay() +
-            " ms delay). A reboot resets the override entirely.");
-  warnIfMenuBarAppRunning("restore");
-  return exitSuccess;
-} catch (const std::exception& error) {
-  return fail("restore", error);
+  return {"Restored Apple default Caps Lock behavior (" + appleDefaultDelay() +
+          " ms delay). A reboot resets the override entirely." +
+          noteIfMenuBarAppRunning(" and undo this restore")};
 }
 
-std::int32_t status(const CapsLockEngine& engine) try {
+Report status(const CapsLockEngine& engine) {
   const Status status = engine.status();
-  printLine("Keyboard HID services: " + std::to_string(status.totalServices()));
-  printLine("  instant (0 ms):      " + std::to_string(status.instantServices));
-  printLine("  Apple default:       " + std::to_string(status.defaultServices));
-  printLine("  other delay values:  " + std::to_string(status.otherServices));
-  printLine(verdict(status));
-  return exitSuccess;
-} catch (const std::exception& error) {
-  return fail("status", error);
+  return {"Keyboard HID services: " + std::to_string(status.totalServices()) +
+          "\n  instant (0 ms):      " + std::to_string(status.instantServices) +
+          "\n  Apple default:       " + std::to_string(status.defaultServices) +
+          "\n  other delay values:  " + std::to_string(status.otherServices) + "\n" +
+          verdict(status)};
+}
+
+std::string usage() {
+  constexpr std::size_t wordColumnWidth = 10;
+  std::string text =
+      "Zephlin — instant Caps Lock for macOS\n"
+      "\n"
+      "usage: Zephlin [command]\n"
+      "\n"
+      "Run with no command to start the menu bar app.\n"
+      "\n"
+      "commands:";
+  for (const Command& command : commands()) {
+    if (!command.help.empty()) {
+      text += "\n  " + command.word;
+      text.append(wordColumnWidth - command.word.size(), ' ');
+      text += command.help;
+    }
+  }
+  return text;
+}
+
+Report help(const CapsLockEngine& /*engine*/) {
+  return {usage()};
+}
+
+const std::array<Command, 6>& commands() {
+  static const std::array<Command, 6> table = {{
+      {"apply", "set CapsLockDelayOverride=0 on all keyboards", apply},
+      {"restore", "restore Apple's default (" + appleDefaultDelay() + " ms) behavior", restore},
+      {"status", "show the current override state", status},
+      {"help", "show this help", help},
+      {"--help", "", help},
+      {"-h", "", help},
+  }};
+  return table;
 }
 
 }  // namespace
 
 const std::set<std::string>& knownCommands() {
-  static const std::set<std::string> commands = {"apply", "restore", "status",
-                                                 "help",  "--help",  "-h"};
-  return commands;
+  static const std::set<std::string> words = [] {
+    std::set<std::string> all;
+    for (const Command& command : commands()) {
+      all.insert(command.word);
+    }
+    return all;
+  }();
+  return words;
 }
 
-std::int32_t run(const std::string& command) {
-  const CapsLockEngine engine("/usr/bin/hidutil");
-  if (command == "apply") {
-    return apply(engine);
+std::int32_t run(const std::string& word) {
+  const auto command = std::find_if(commands().begin(), commands().end(),
+                                    [&](const Command& each) { return each.word == word; });
+  if (command == commands().end()) {
+    printError("unknown command: " + word + "\n\n");
+    return print({usage(), exitUnknownCommand});
   }
-  if (command == "restore") {
-    return restore(engine);
+  Report report;
+  try {
+    report = command->function(CapsLockEngine("/usr/bin/hidutil"));
+  } catch (const std::exception& error) {
+    printError(word + " failed: " + localizedDescription(error) + "\n");
+    return exitFailure;
   }
-  if (command == "status") {
-    return status(engine);
-  }
-  if (knownCommands().contains(command)) {
-    printUsage();
-    return exitSuccess;
-  }
-  printError("unknown command: " + command + "\n\n");
-  printUsage();
-  return exitUnknownCommand;
+  return print(report);
 }
 
 }  // namespace zephlin::ZephlinCLI

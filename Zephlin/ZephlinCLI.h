@@ -10,13 +10,13 @@ namespace zephlin {
 /// error.
 namespace ZephlinCLI {
 
-/// The words that `run` knows, to the letter.
+/// The words that `run` knows; case matters.
 const std::set<std::string>& knownCommands();
 
-/// Performs one command, prints, and returns the exit status: 0, 1 for a failure or, after
-/// "apply", for no keyboard that confirmed it, 2 for an unknown command. Blocks for up to the
-/// engine's time limit for each run of hidutil. Called on the main thread; throws nothing that the
-/// engine reports.
+/// Performs one command, prints its report, and returns the exit status: 0; 1 if the command
+/// failed, if no keyboard confirmed an "apply", or if the report could not be written; 2 for an
+/// unknown command. Blocks for up to the engine's time limit for each run of hidutil. Main thread.
+/// Reports what the engine throws, and throws nothing else.
 std::int32_t run(const std::string& command);
 
 }  // namespace ZephlinCLI
