@@ -3,10 +3,6 @@
 #include "Platform/Platform.h"
 #include "Zephlin/RunApplication.h"
 
-namespace zephlin {
-
-int startApplication(int argc, char** argv) {
-  return runApplication(*makePlatform(argc, argv));
+int zephlinStartApplication(int argc, char** argv) {
+  return zephlin::runApplication(*zephlin::makePlatform(argc, argv));
 }
-
-}  // namespace zephlin

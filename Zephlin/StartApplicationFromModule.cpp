@@ -9,10 +9,7 @@
 #include <cstdio>
 #include <string>
 
-#include "Zephlin/DesktopModule.h"
 #include "Zephlin/StartApplication.h"
-
-namespace zephlin {
 
 namespace {
 
@@ -21,7 +18,7 @@ int fail(const std::string& reason) {
   return 1;
 }
 
-/// Beside the program itself, whatever link it was started by.
+/// Beside the program itself, even if it was started by a link.
 std::string modulePath() {
   std::array<char, PATH_MAX> program{};
   const ssize_t length = ::readlink("/proc/self/exe", program.data(), program.size());
@@ -31,13 +28,13 @@ std::string modulePath() {
 
 }  // namespace
 
-int startApplication(int argc, char** argv) {
+int zephlinStartApplication(int argc, char** argv) {
   const std::string path = modulePath();
   if (::access(path.c_str(), F_OK) != 0) {
     return fail("the menu bar app is not installed; install the package zephlin-desktop");
   }
-  // Never closed: the toolkit in it leaves handlers behind that run when the process ends. The
-  // module itself is linked to be resolved at once; libraries that are not need not be.
+  // Never closed: the toolkit in it installs handlers that run when the process ends. Lazy, because
+  // not every library below it needs all of its symbols; the module itself is linked with -z now.
   void* const module = ::dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
   void* const symbol = module == nullptr ? nullptr : ::dlsym(module, "zephlinStartApplication");
   if (symbol == nullptr) {
@@ -46,5 +43,3 @@ int startApplication(int argc, char** argv) {
   }
   return reinterpret_cast<decltype(&zephlinStartApplication)>(symbol)(argc, argv);
 }
-
-}  // namespace zephlin

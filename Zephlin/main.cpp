@@ -4,7 +4,7 @@
 #include "Zephlin/StartApplication.h"
 #include "Zephlin/ZephlinCLI.h"
 
-/// Chooses the face by the first argument: a command, or the application.
+/// Runs the command that the first argument names, or else the application.
 int main(int argc, char* argv[]) {
   const std::vector<std::string> cliArguments(argv + (argc > 0 ? 1 : 0), argv + argc);
   if (!cliArguments.empty()) {
@@ -13,5 +13,5 @@ int main(int argc, char* argv[]) {
       return zephlin::ZephlinCLI::run(first);
     }
   }
-  return zephlin::startApplication(argc, argv);
+  return zephlinStartApplication(argc, argv);
 }
