@@ -6,6 +6,8 @@ NOT_RUN = {
     r"(cmake|ctest) .*": "builds, tests or measures all of the tree; ./test does the first two",
     r"ZEPHLIN_RENEW_GOLDEN=.*": "changes the sources",
     r"gdb .*": "waits for a person",
+    r"git config .*": "changes the clone",
+    r"build/\w+/tests/Simulation .*": "is a test of another label, which need not be built",
     r"sudo (apt|adduser|modprobe|udevadm) .*": "changes the machine",
     r"(sudo )?(systemctl|journalctl) .*": "needs systemd",
     r"xcrun .*": "needs a Mac",
