@@ -1,4 +1,4 @@
-"""What the documents say is true: commands are run, links lead somewhere, names are in the code."""
+"""Checks the documents: commands are run, links are followed, names are looked up in the code."""
 
 import errno
 import json
@@ -135,7 +135,7 @@ class Names(unittest.TestCase):
         headings = re.findall(r"^\*\*(\".*\")", document("docs/troubleshooting.md").prose(), re.M)
         self.assertTrue(headings)
         for message in re.findall(r'"([^"]+)"', "\n".join(headings)):
-            # Numbers, paths and what a colon brings together come from elsewhere.
+            # Numbers, paths and the parts around a colon are put together at run time.
             for part in re.split(r"/\S+|\d+|: ", message):
                 with self.subTest(message=message, part=part):
                     self.assertTrue(part.strip() in code)

@@ -1,4 +1,4 @@
-"""Takes the documents apart: blocks of commands, links, names in the text."""
+"""Parses the documents: blocks of commands, links, names in the text."""
 
 import re
 from dataclasses import dataclass, field
@@ -8,12 +8,12 @@ from pathlib import Path
 @dataclass
 class Command:
     text: str
-    output: str | None = None  # What the document shows of it; None where it shows none.
+    output: str | None = None  # As shown in the document, or None if it shows no output.
 
 
 @dataclass
 class Block:
-    """Commands that stand together, so that one follows on the other."""
+    """Commands that run one after the other in the same place."""
 
     place: str
     commands: list[Command] = field(default_factory=list)
@@ -31,7 +31,7 @@ class Document:
 
 class ManualPage(Document):
     def blocks(self) -> list[Block]:
-        """Literal lines that begin with a prompt, .Dl $ or .Dl #; paragraphs part them."""
+        """Consecutive literal lines that begin with a prompt: .Dl $ or .Dl #."""
         blocks: list[Block] = []
         is_continued = False
         for index, line in enumerate(self.lines):
@@ -52,7 +52,7 @@ class Markdown(Document):
         return self._indented_blocks() + self._transcripts()
 
     def _indented_blocks(self) -> list[Block]:
-        """Lines that are indented by four spaces are commands."""
+        """Lines indented by four spaces are commands."""
         blocks: list[Block] = []
         is_continued = False
         for index, line in self._outside_fences():
@@ -71,7 +71,7 @@ class Markdown(Document):
         return blocks
 
     def _transcripts(self) -> list[Block]:
-        """Fences of the language console have commands behind a prompt, and what they print."""
+        """Fences with the language console hold commands after a prompt, and their output."""
         blocks: list[Block] = []
         for language, start, lines in self._fences():
             if language != "console":
@@ -105,7 +105,7 @@ class Markdown(Document):
                 yield index, line
 
     def fences(self) -> list[tuple[str, list[str]]]:
-        """The language and the lines of each."""
+        """The language and the lines of each fence."""
         return [(language, lines) for language, _, lines in self._fences()]
 
     def prose(self) -> str:
@@ -115,7 +115,7 @@ class Markdown(Document):
         return re.findall(r"\]\(([^)\s]+)\)", self.prose())
 
     def code(self) -> list[str]:
-        """What stands between backticks."""
+        """The text between backticks."""
         return re.findall(r"`([^`]+)`", self.prose())
 
     def anchors(self) -> set[str]:
@@ -123,6 +123,6 @@ class Markdown(Document):
         return {re.sub(r"[^\w -]", "", title.lower()).replace(" ", "-") for title in titles}
 
     def paragraph(self, beginning: str) -> str:
-        """The paragraph that begins so."""
+        """The paragraph that starts with these words."""
         paragraphs = re.split(r"\n{2,}", self.prose())
         return next(each for each in paragraphs if each.startswith(beginning))

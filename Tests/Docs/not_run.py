@@ -1,13 +1,13 @@
-"""The commands of the documents that are not run by this test, and why."""
+"""The commands in the documents that this test does not run, and why."""
 
-# What the whole command has to match.
+# Patterns that match a whole command.
 NOT_RUN = {
-    r"\./(run|test)\b.*": "installs, or takes as long as all the tests",
-    r"(cmake|ctest) .*": "builds, tests or measures all of the tree; ./test does the first two",
+    r"\./(run|test)\b.*": "installs packages, or runs all tests",
+    r"(cmake|ctest) .*": "builds or tests the whole tree, which ./test does anyway",
     r"ZEPHLIN_RENEW_GOLDEN=.*": "changes the sources",
     r"gdb .*": "waits for a person",
     r"git config .*": "changes the clone",
-    r"build/\w+/tests/Simulation .*": "is a test of another label, which need not be built",
+    r"build/\w+/tests/Simulation .*": "has another label, and may not be built",
     r"sudo (apt|adduser|modprobe|udevadm) .*": "changes the machine",
     r"(sudo )?(systemctl|journalctl) .*": "needs systemd",
     r"xcrun .*": "needs a Mac",

@@ -1,4 +1,4 @@
-"""Runs commands where the built programs stand in /usr/bin, with three virtual keyboards."""
+"""Runs commands with the built programs in /usr/bin and three virtual keyboards."""
 
 import os
 import re
@@ -12,7 +12,7 @@ from documents import Block
 BIN = Path(os.environ["ZEPHLIN_BIN"])
 TESTS = Path(os.environ["ZEPHLIN_TESTS"])
 
-# What the commands of the documents, and the script around them, need besides.
+# What else the commands in the documents, and the script around them, need.
 TOOLS = ["bash", "rm", "sleep"]
 
 
@@ -35,7 +35,7 @@ def run(block: Block) -> list[tuple[int, str, str]]:
 
 
 def _furnish(machine: Path) -> None:
-    """The programs, a user's files, and the folder that a build leaves in the clone."""
+    """Puts the programs, a user's files and the clone's build folder there."""
     programs = machine / "bin"
     programs.mkdir()
     for name in ["Zephlin", "hidutil", "zephlin-hidd"]:
