@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "KeyboardService/Protocol/Errors.h"
-#include "KeyboardService/Protocol/PrintableText.h"
+#include "KeyboardService/Protocol/Transport.h"
 
 namespace zephlin {
 

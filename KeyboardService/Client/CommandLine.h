@@ -5,7 +5,7 @@
 #include <variant>
 #include <vector>
 
-#include "KeyboardService/Protocol/Request.h"
+#include "KeyboardService/Protocol/Messages.h"
 
 namespace zephlin {
 

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "KeyboardService/Protocol/Errors.h"
-#include "KeyboardService/Protocol/PrintableText.h"
 
 namespace zephlin {
 namespace {

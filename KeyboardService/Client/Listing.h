@@ -2,8 +2,7 @@
 
 #include <string>
 
-#include "KeyboardService/Protocol/Request.h"
-#include "KeyboardService/Protocol/Response.h"
+#include "KeyboardService/Protocol/Messages.h"
 
 namespace zephlin {
 

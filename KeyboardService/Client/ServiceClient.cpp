@@ -8,11 +8,10 @@
 #include <cerrno>
 #include <string_view>
 
+#include "Base/ErrnoText.h"
 #include "Base/FileDescriptor.h"
 #include "KeyboardService/Protocol/Errors.h"
-#include "KeyboardService/Protocol/PrintableText.h"
-#include "KeyboardService/Protocol/Request.h"
-#include "KeyboardService/Protocol/SocketAddress.h"
+#include "KeyboardService/Protocol/Transport.h"
 
 namespace zephlin {
 namespace {
@@ -54,11 +53,11 @@ milliseconds Exchange::remaining() const {
 RequestError Exchange::unreachable(int errorNumber) const {
   if (errorNumber == EACCES || errorNumber == EPERM) {
     return RequestError("no permission to talk to the keyboard service at " + path_ +
-                        reason(errorNumber) +
+                        errnoText(errorNumber) +
                         R"(; everyone should have it: restart it as root with )"
                         R"("systemctl restart zephlin-hidd.socket")");
   }
-  return RequestError("no keyboard service at " + path_ + reason(errorNumber) +
+  return RequestError("no keyboard service at " + path_ + errnoText(errorNumber) +
                       R"(; start it as root with "systemctl start zephlin-hidd.socket", or )"
                       R"(without systemd with "zephlin-hidd")");
 }
@@ -77,7 +76,7 @@ RequestError Exchange::misbehaving(const std::string& how) const {
 void Exchange::connect(const SocketAddress& address) {
   socket_ = FileDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
   if (!socket_.isOpen()) {
-    throw RequestError("cannot make a socket" + reason(errno) + "; close some programs");
+    throw RequestError("cannot make a socket" + errnoText(errno) + "; close some programs");
   }
   // A connection is put off while the service's queue is full; this bounds the wait.
   const auto limit = remaining();

@@ -4,10 +4,9 @@
 #include <cstddef>
 #include <string>
 
-namespace zephlin {
+#include "KeyboardService/Protocol/Transport.h"
 
-/// The longest response line that the client reads.
-constexpr std::size_t maximumResponseBytes = std::size_t{4} * 1024 * 1024;
+namespace zephlin {
 
 /// How long the client waits for the service, from connecting to the end of the response line.
 constexpr std::chrono::seconds serviceTimeout{5};

@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "Base/ErrnoText.h"
 #include "Base/FileDescriptor.h"
 #include "Base/StandardDescriptors.h"
 #include "KeyboardService/Client/CommandLine.h"
 #include "KeyboardService/Client/Listing.h"
 #include "KeyboardService/Client/ServiceClient.h"
 #include "KeyboardService/Protocol/Errors.h"
-#include "KeyboardService/Protocol/SocketAddress.h"
 
 namespace zephlin {
 namespace {
@@ -38,7 +38,7 @@ std::string run(const Invocation& invocation) {
 void print(const std::string& text) {
   const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
   if (!written || std::fflush(stdout) != 0) {
-    throw RequestError("cannot write to standard output" + reason(errno) +
+    throw RequestError("cannot write to standard output" + errnoText(errno) +
                        "; check where it goes (any change asked for has been made)");
   }
 }

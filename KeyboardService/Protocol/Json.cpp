@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "KeyboardService/Protocol/Errors.h"
-#include "KeyboardService/Protocol/PrintableText.h"
 
 namespace zephlin {
 namespace {

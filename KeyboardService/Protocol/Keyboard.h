@@ -1,11 +1,25 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
+#include <nlohmann/json_fwd.hpp>
 
-#include "KeyboardService/Protocol/RegistryID.h"
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
 
 namespace zephlin {
+
+/// Names one keyboard for as long as the service runs; never used again for another one.
+enum class RegistryID : std::uint64_t {};
+
+/// The form that listings print: lower-case hexadecimal without a prefix.
+std::string toText(RegistryID registryID);
+
+/// Reads exactly the form that listings print, and nothing else.
+std::optional<RegistryID> registryIDFromText(std::string_view text);
+
+/// The same for text that the user typed. Throws RequestError.
+RegistryID parseRegistryID(std::string_view text);
 
 /// What a bus knows about a keyboard. The texts come from the device: any bytes.
 struct KeyboardDescription {
@@ -25,5 +39,28 @@ struct Keyboard {
 
   bool operator==(const Keyboard&) const = default;
 };
+
+/// Chooses keyboards. What is absent is not asked for, so a default one matches every keyboard.
+struct Matching {
+  std::optional<std::int64_t> primaryUsagePage;
+  std::optional<std::int64_t> primaryUsage;
+  std::optional<std::int64_t> vendorID;
+  std::optional<std::int64_t> productID;
+  std::optional<std::string> product;
+  std::optional<RegistryID> registryID;
+
+  [[nodiscard]] bool matches(const Keyboard& keyboard) const;
+
+  bool operator==(const Matching&) const = default;
+};
+
+/// Reads the argument of --matching. Throws RequestError.
+Matching parseMatching(std::string_view text);
+
+/// Throws RequestError if `value` is not an object, names an unknown key or has a value of the
+/// wrong kind.
+Matching matchingFromJson(const nlohmann::json& value);
+
+nlohmann::json toJson(const Matching& matching);
 
 }  // namespace zephlin

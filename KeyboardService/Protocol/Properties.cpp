@@ -6,7 +6,6 @@
 
 #include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Protocol/Json.h"
-#include "KeyboardService/Protocol/PrintableText.h"
 
 namespace zephlin {
 namespace {
@@ -14,6 +13,9 @@ namespace {
 using nlohmann::json;
 
 constexpr JsonObjectShape setArgument{"--set", R"({"CapsLockDelayOverride":0})"};
+
+/// The system's own delay where the property comes from.
+constexpr std::int64_t systemDelay = 75;
 
 bool isPrintableWithoutSpace(char each) {
   return each > ' ' && each < '\x7f';
@@ -65,6 +67,18 @@ PropertySet propertiesFromJson(const json& value) {
     properties.emplace(key, valueFromJson(key, number));
   }
   return properties;
+}
+
+std::optional<std::chrono::milliseconds> capsLockDelay(const PropertySet& properties) {
+  const auto property = properties.find(capsLockDelayKey);
+  if (property == properties.end() || property->second < 0 || property->second == systemDelay) {
+    return std::nullopt;
+  }
+  if (property->second > maximumCapsLockDelay.count()) {
+    throw RequestError("CapsLockDelayOverride can be at most " +
+                       std::to_string(maximumCapsLockDelay.count()) + " on this keyboard");
+  }
+  return std::chrono::milliseconds(property->second);
 }
 
 }  // namespace zephlin

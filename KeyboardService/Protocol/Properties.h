@@ -2,9 +2,11 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -29,5 +31,13 @@ PropertySet parseProperties(std::string_view text);
 
 /// Throws RequestError unless `value` is an object of 1 to 64 valid keys with whole numbers.
 PropertySet propertiesFromJson(const nlohmann::json& value);
+
+/// The longest delay that a keyboard carries.
+constexpr std::chrono::milliseconds maximumCapsLockDelay{60'000};
+
+/// What `CapsLockDelayOverride` asks for: how long Caps Lock must be held before its press counts.
+/// Zero makes it instant. Returns nothing where the system's own behaviour is wanted: unset,
+/// negative, or 75, the default on macOS. Throws RequestError above the maximum.
+std::optional<std::chrono::milliseconds> capsLockDelay(const PropertySet& properties);
 
 }  // namespace zephlin

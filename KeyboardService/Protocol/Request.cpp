@@ -1,12 +1,10 @@
-#include "KeyboardService/Protocol/Request.h"
-
 #include <nlohmann/json.hpp>
 
 #include <initializer_list>
 
 #include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Protocol/Json.h"
-#include "KeyboardService/Protocol/PrintableText.h"
+#include "KeyboardService/Protocol/Messages.h"
 
 namespace zephlin {
 namespace {
@@ -50,7 +48,7 @@ void requireMembers(const json& object, std::initializer_list<const char*> names
     }
   }
   if (object.size() != names.size()) {
-    throw RequestError("the request has more in it than its kind takes");
+    throw RequestError("unexpected member in the request");
   }
 }
 
@@ -122,14 +120,6 @@ Request decodeRequest(std::string_view line) {
   }
   throw RequestError("unknown request " + inQuotes(kind) +
                      "; known are list, get, set, plug, pull, subscribe");
-}
-
-RegistryID parseRegistryID(std::string_view text) {
-  const auto registryID = registryIDFromText(text);
-  if (!registryID) {
-    throw RequestError(inQuotes(text) + " is not a RegistryID; hidutil list prints them");
-  }
-  return *registryID;
 }
 
 }  // namespace zephlin

@@ -1,9 +1,8 @@
-#include "KeyboardService/Protocol/Response.h"
-
 #include <nlohmann/json.hpp>
 
 #include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Protocol/Json.h"
+#include "KeyboardService/Protocol/Messages.h"
 
 namespace zephlin {
 namespace {

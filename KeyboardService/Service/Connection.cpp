@@ -6,8 +6,8 @@
 #include <array>
 #include <cerrno>
 
-#include "KeyboardService/Protocol/Request.h"
-#include "KeyboardService/Protocol/Response.h"
+#include "KeyboardService/Protocol/Messages.h"
+#include "KeyboardService/Protocol/Transport.h"
 
 namespace zephlin {
 namespace {

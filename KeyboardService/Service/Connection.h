@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "Base/FileDescriptor.h"
-#include "KeyboardService/Protocol/LineSplitter.h"
+#include "KeyboardService/Protocol/Transport.h"
 #include "KeyboardService/Service/EventLoop.h"
 
 namespace zephlin {

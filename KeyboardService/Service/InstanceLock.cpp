@@ -7,9 +7,8 @@
 
 #include <cerrno>
 
+#include "Base/ErrnoText.h"
 #include "KeyboardService/Protocol/Errors.h"
-#include "KeyboardService/Protocol/PrintableText.h"
-#include "KeyboardService/Protocol/SocketAddress.h"
 
 namespace zephlin {
 namespace {
@@ -17,7 +16,7 @@ namespace {
 FileDescriptor openLockFile(const std::string& path) {
   FileDescriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
   if (!file.isOpen()) {
-    throw RequestError("cannot open the lock file " + printable(path) + reason(errno) +
+    throw RequestError("cannot open the lock file " + printable(path) + errnoText(errno) +
                        "; run zephlin-hidd as root, or choose another place with --socket");
   }
   struct stat status {};
@@ -36,7 +35,7 @@ void lock(const FileDescriptor& file, const std::string& socketPath) {
     throw RequestError("another instance is running on " + printable(socketPath) +
                        "; stop it first");
   }
-  throw RequestError("cannot lock the lock file of " + printable(socketPath) + reason(errno) +
+  throw RequestError("cannot lock the lock file of " + printable(socketPath) + errnoText(errno) +
                      "; choose another place with --socket");
 }
 

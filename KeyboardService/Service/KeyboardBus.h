@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <stdexcept>
 
+#include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Protocol/Keyboard.h"
 #include "KeyboardService/Protocol/Properties.h"
 
@@ -30,12 +30,6 @@ class KeyboardBusObserver {
   virtual void propertiesDropped(KeyboardBus& bus, BusHandle handle) = 0;
 };
 
-/// Why a bus did not do what it was asked: part of a line for the user, without a full stop.
-class BusError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
 /// Supplies keyboards. Everything happens on the thread of the service's event loop; a bus that
 /// discovers keyboards by descriptors or timers is given that loop when it is made.
 class KeyboardBus {
@@ -50,9 +44,9 @@ class KeyboardBus {
   virtual void start(KeyboardBusObserver& observer) = 0;
 
   /// Gives a keyboard all properties that it is to carry from now on, in place of the former ones.
-  /// Throws BusError if the keyboard cannot carry them; the former ones are then still in force.
-  /// A keyboard that is gone but not yet reported so is no error, as its properties go with it.
-  /// Does not call the observer.
+  /// Throws RequestError if the keyboard cannot carry them; the former ones are then still in
+  /// force. A keyboard that is gone but not yet reported so is no error, as its properties go with
+  /// it. Does not call the observer.
   virtual void applyProperties(BusHandle handle, const PropertySet& properties) = 0;
 };
 

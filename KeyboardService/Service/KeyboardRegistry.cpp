@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "KeyboardService/Protocol/Errors.h"
-#include "KeyboardService/Protocol/PrintableText.h"
 
 namespace zephlin {
 
@@ -97,7 +96,7 @@ void KeyboardRegistry::apply(const std::vector<Change>& changes) {
     }
     try {
       entry->origin.bus->applyProperties(entry->origin.handle, after);
-    } catch (const BusError& error) {
+    } catch (const RequestError& error) {
       throw RequestError("keyboard " + toText(entry->keyboard.registryID) +
                          " refused: " + printable(error.what()) + rollBack(changes, done));
     }
@@ -114,7 +113,7 @@ std::string KeyboardRegistry::rollBack(const std::vector<Change>& changes, std::
     }
     try {
       entry->origin.bus->applyProperties(entry->origin.handle, entry->properties);
-    } catch (const BusError&) {
+    } catch (const RequestError&) {
       stuck += ' ' + toText(entry->keyboard.registryID);
     }
   }

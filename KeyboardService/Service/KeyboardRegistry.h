@@ -9,9 +9,8 @@
 #include <vector>
 
 #include "KeyboardService/Protocol/Keyboard.h"
-#include "KeyboardService/Protocol/Matching.h"
+#include "KeyboardService/Protocol/Messages.h"
 #include "KeyboardService/Protocol/Properties.h"
-#include "KeyboardService/Protocol/Response.h"
 #include "KeyboardService/Service/KeyboardBus.h"
 
 namespace zephlin {

@@ -9,9 +9,9 @@
 #include <cerrno>
 #include <cstring>
 
+#include "Base/ErrnoText.h"
 #include "KeyboardService/Protocol/Errors.h"
-#include "KeyboardService/Protocol/PrintableText.h"
-#include "KeyboardService/Protocol/SocketAddress.h"
+#include "KeyboardService/Protocol/Transport.h"
 
 namespace zephlin {
 namespace {
@@ -42,7 +42,7 @@ std::string directoryOf(const std::string& path) {
 FileDescriptor streamSocket() {
   FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
   if (!socket.isOpen()) {
-    throw RequestError("cannot make a socket" + reason(errno) + "; close some programs");
+    throw RequestError("cannot make a socket" + errnoText(errno) + "; close some programs");
   }
   return socket;
 }
@@ -74,7 +74,7 @@ void bindAndListen(const FileDescriptor& socket, const std::string& path,
   const FileCreationMask mask(static_cast<mode_t>(~everyoneMayConnect) & 0777U);
   if (::bind(socket.get(), address.get(), address.size()) != 0 ||
       ::listen(socket.get(), SOMAXCONN) != 0) {
-    throw RequestError("cannot listen at " + printable(path) + reason(errno) +
+    throw RequestError("cannot listen at " + printable(path) + errnoText(errno) +
                        "; run zephlin-hidd as root, or choose another place with --socket");
   }
 }
@@ -85,7 +85,7 @@ SocketDirectory::SocketDirectory(const std::string& socketPath) : path_(director
   const FileCreationMask mask(static_cast<mode_t>(~directoryMode) & 0777U);
   made_ = ::mkdir(path_.c_str(), directoryMode) == 0;
   if (!made_ && errno != EEXIST) {
-    throw RequestError("cannot make the directory " + printable(path_) + reason(errno) +
+    throw RequestError("cannot make the directory " + printable(path_) + errnoText(errno) +
                        "; run zephlin-hidd as root, or choose another place with --socket");
   }
 }

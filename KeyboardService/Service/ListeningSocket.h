@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "Base/FileDescriptor.h"
-#include "KeyboardService/Protocol/SocketAddress.h"
+#include "KeyboardService/Protocol/Transport.h"
 #include "KeyboardService/Service/InstanceLock.h"
 
 namespace zephlin {

@@ -1,7 +1,6 @@
 #include "KeyboardService/Service/RequestHandler.h"
 
 #include "KeyboardService/Protocol/Errors.h"
-#include "KeyboardService/Protocol/PrintableText.h"
 
 namespace zephlin {
 namespace {
@@ -51,12 +50,8 @@ Response RequestHandler::perform(const SetRequest& request, uid_t user) {
 
 Response RequestHandler::perform(const PlugRequest& /*request*/, uid_t user) {
   permissions_.requireChangeBy(user);
-  try {
-    const BusHandle handle = virtualKeyboards_.plug();
-    return PlugResponse{registry_.find({&virtualKeyboards_, handle}).value()};
-  } catch (const BusError& error) {
-    throw RequestError(error.what());
-  }
+  const BusHandle handle = virtualKeyboards_.plug();
+  return PlugResponse{registry_.find({&virtualKeyboards_, handle}).value()};
 }
 
 Response RequestHandler::perform(const PullRequest& request, uid_t user) {

@@ -5,8 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "KeyboardService/Protocol/Request.h"
-#include "KeyboardService/Protocol/Response.h"
+#include "KeyboardService/Protocol/Messages.h"
 #include "KeyboardService/Service/KeyboardRegistry.h"
 #include "KeyboardService/Service/Permissions.h"
 #include "KeyboardService/Service/VirtualKeyboardBus.h"

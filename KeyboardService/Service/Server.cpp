@@ -9,7 +9,7 @@
 #include <optional>
 #include <system_error>
 
-#include "KeyboardService/Protocol/Response.h"
+#include "KeyboardService/Protocol/Messages.h"
 
 namespace zephlin {
 namespace {

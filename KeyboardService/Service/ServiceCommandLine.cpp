@@ -3,8 +3,7 @@
 #include <charconv>
 
 #include "KeyboardService/Protocol/Errors.h"
-#include "KeyboardService/Protocol/PrintableText.h"
-#include "KeyboardService/Protocol/Request.h"
+#include "KeyboardService/Protocol/Transport.h"
 #include "KeyboardService/Service/VirtualKeyboardBus.h"
 
 namespace zephlin {

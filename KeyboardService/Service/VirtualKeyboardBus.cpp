@@ -22,8 +22,8 @@ void VirtualKeyboardBus::start(KeyboardBusObserver& observer) {
 
 BusHandle VirtualKeyboardBus::plug() {
   if (present_.size() >= maximumKeyboards) {
-    throw BusError("there are " + std::to_string(maximumKeyboards) +
-                   " virtual keyboards, which is the most; pull one first");
+    throw RequestError("there are " + std::to_string(maximumKeyboards) +
+                       " virtual keyboards, which is the most; pull one first");
   }
   const std::uint64_t number = ++lastNumber_;
   const BusHandle handle{number};

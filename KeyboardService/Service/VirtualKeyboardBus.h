@@ -20,7 +20,7 @@ class VirtualKeyboardBus final : public KeyboardBus {
   void applyProperties(BusHandle /*handle*/, const PropertySet& /*properties*/) override {}
 
   /// Plugs in one more, which the observer hears of within the call. Needs a started bus. Throws
-  /// BusError if there are as many as can be.
+  /// RequestError if there are as many as can be.
   BusHandle plug();
 
   /// Pulls out a keyboard that is present; the observer hears of it within the call.

@@ -11,10 +11,10 @@
 #include <string>
 #include <vector>
 
+#include "Base/ErrnoText.h"
 #include "Base/FileDescriptor.h"
 #include "Base/StandardDescriptors.h"
 #include "KeyboardService/Protocol/Errors.h"
-#include "KeyboardService/Protocol/SocketAddress.h"
 #include "KeyboardService/Service/Evdev/EvdevKeyboardBus.h"
 #include "KeyboardService/Service/Evdev/RealTimePriority.h"
 #include "KeyboardService/Service/EventLoop.h"
@@ -91,7 +91,8 @@ void serve(const ServiceOptions& options) {
 int print(std::string_view text) {
   const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
   if (!written || std::fflush(stdout) != 0) {
-    throw RequestError("cannot write to standard output" + reason(errno) + "; check where it goes");
+    throw RequestError("cannot write to standard output" + errnoText(errno) +
+                       "; check where it goes");
   }
   return Done;
 }

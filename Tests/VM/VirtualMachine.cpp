@@ -12,7 +12,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "KeyboardService/Protocol/SocketAddress.h"
+#include "KeyboardService/Protocol/Transport.h"
 
 namespace zephlin {
 namespace {

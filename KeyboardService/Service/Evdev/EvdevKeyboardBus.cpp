@@ -3,9 +3,9 @@
 #include <system_error>
 #include <utility>
 
-#include "KeyboardService/Protocol/CapsLockDelay.h"
-#include "KeyboardService/Protocol/PrintableText.h"
-#include "KeyboardService/Protocol/SocketAddress.h"
+#include "Base/ErrnoText.h"
+#include "KeyboardService/Protocol/Errors.h"
+#include "KeyboardService/Protocol/Properties.h"
 
 namespace zephlin {
 namespace {
@@ -24,7 +24,7 @@ void EvdevKeyboardBus::start(KeyboardBusObserver& observer) {
   observer_ = &observer;
   try {
     UinputKeyboard::requireSupport();
-  } catch (const BusError& error) {
+  } catch (const RequestError& error) {
     log_(std::string("Caps Lock cannot be changed yet: ") + error.what());
   }
   nodes_.start({[this](const KeyboardNode& node) { appeared(node); },
@@ -71,7 +71,7 @@ void EvdevKeyboardBus::rewrite(BusHandle handle, Entry& entry, CapsLockRule rule
         std::make_unique<GrabbedKeyboard>(loop_, entry.node.path, rule, std::move(observer));
   } catch (const std::system_error& error) {
     if (error.code() != std::errc::no_such_device) {
-      throw BusError("cannot watch " + entry.node.path + reason(error.code().value()));
+      throw RequestError("cannot watch " + entry.node.path + errnoText(error.code().value()));
     }
   }
 }

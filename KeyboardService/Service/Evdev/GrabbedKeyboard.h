@@ -24,8 +24,8 @@ class GrabbedKeyboard {
     std::function<void(const std::string& what)> reportTrouble;  ///< For the log.
   };
 
-  /// Throws BusError if the device or uinput cannot be used, and std::system_error with ENODEV if
-  /// the device has gone.
+  /// Throws RequestError if the device or uinput cannot be used, and std::system_error with ENODEV
+  /// if the device has gone.
   GrabbedKeyboard(EventLoop& loop, const std::string& path, CapsLockRule rule, Observer observer);
   GrabbedKeyboard(const GrabbedKeyboard&) = delete;
   GrabbedKeyboard& operator=(const GrabbedKeyboard&) = delete;

@@ -10,8 +10,8 @@
 #include <ctime>
 #include <system_error>
 
-#include "KeyboardService/Protocol/SocketAddress.h"
-#include "KeyboardService/Service/KeyboardBus.h"
+#include "Base/ErrnoText.h"
+#include "KeyboardService/Protocol/Errors.h"
 
 namespace zephlin {
 namespace {
@@ -31,10 +31,10 @@ using LedBits = std::array<unsigned char, LED_CNT / 8>;
       throwGone(ENODEV);
     case EACCES:
     case EPERM:
-      throw BusError("cannot open " + path + reason(errorNumber) +
-                     "; run zephlin-hidd as root or as a user in the group input");
+      throw RequestError("cannot open " + path + errnoText(errorNumber) +
+                         "; run zephlin-hidd as root or as a user in the group input");
     default:
-      throw BusError("cannot open " + path + reason(errorNumber));
+      throw RequestError("cannot open " + path + errnoText(errorNumber));
   }
 }
 

@@ -24,7 +24,7 @@ class PhysicalKeyboard {
 
   enum class Grab { Done, KeyIsHeld, TakenByAnother };
 
-  /// `path` is one in /dev. Throws BusError, or std::system_error with ENODEV if it has gone.
+  /// `path` is one in /dev. Throws RequestError, or std::system_error with ENODEV if it has gone.
   explicit PhysicalKeyboard(const std::string& path);
 
   [[nodiscard]] int descriptor() const { return descriptor_.get(); }

@@ -11,9 +11,9 @@
 #include <span>
 #include <string>
 
-#include "KeyboardService/Protocol/SocketAddress.h"
+#include "Base/ErrnoText.h"
+#include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Service/Evdev/KeyboardNode.h"
-#include "KeyboardService/Service/KeyboardBus.h"
 
 namespace zephlin {
 namespace {
@@ -32,8 +32,8 @@ const char* advice(int errorNumber) {
   }
 }
 
-BusError unusable(int errorNumber) {
-  return BusError("cannot use /dev/uinput" + reason(errorNumber) + advice(errorNumber));
+RequestError unusable(int errorNumber) {
+  return RequestError("cannot use /dev/uinput" + errnoText(errorNumber) + advice(errorNumber));
 }
 
 FileDescriptor openUinput() {

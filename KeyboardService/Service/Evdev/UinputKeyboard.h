@@ -15,7 +15,7 @@ namespace zephlin {
 /// goes the kernel releases its keys.
 class UinputKeyboard {
  public:
-  /// Throws BusError if uinput is absent or out of reach.
+  /// Throws RequestError if uinput is absent or out of reach.
   explicit UinputKeyboard(const PhysicalKeyboard& original);
 
   [[nodiscard]] int descriptor() const { return descriptor_.get(); }
@@ -26,7 +26,7 @@ class UinputKeyboard {
   /// Which lights programs have turned since the last call.
   std::vector<InputEvent> takeLedEvents();
 
-  /// Throws BusError if a clone could not be made.
+  /// Throws RequestError if a clone could not be made.
   static void requireSupport();
 
  private:

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <functional>
 
-#include "KeyboardService/Protocol/SocketAddress.h"
+#include "KeyboardService/Protocol/Transport.h"
 #include "Tests/CLI/KeyboardService/RunningService.h"
 
 namespace zephlin {

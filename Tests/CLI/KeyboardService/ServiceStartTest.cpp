@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "KeyboardService/Protocol/SocketAddress.h"
+#include "KeyboardService/Protocol/Transport.h"
 #include "Tests/CLI/KeyboardService/RunningService.h"
 
 namespace zephlin {

@@ -6,8 +6,7 @@
 #include <string_view>
 
 #include "KeyboardService/Protocol/Errors.h"
-#include "KeyboardService/Protocol/PrintableText.h"
-#include "KeyboardService/Protocol/Request.h"
+#include "KeyboardService/Protocol/Messages.h"
 #include "Tests/Fuzz/KeyboardService/Require.h"
 
 namespace zephlin {

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "KeyboardService/Protocol/LineSplitter.h"
+#include "KeyboardService/Protocol/Transport.h"
 #include "Tests/Fuzz/KeyboardService/Require.h"
 
 namespace zephlin {

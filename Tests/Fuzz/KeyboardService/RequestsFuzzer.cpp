@@ -28,7 +28,7 @@ class MoodyBus final : public KeyboardBus {
     require(carried.contains(handle), "only keyboards that are there are changed");
     require(properties.size() <= maximumPropertiesOfAKeyboard, "a keyboard holds so many");
     if (refusing.contains(handle)) {
-      throw BusError("not in the mood");
+      throw RequestError("not in the mood");
     }
     carried[handle] = properties;
   }

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "KeyboardService/Protocol/LineSplitter.h"
+#include "KeyboardService/Protocol/Transport.h"
 
 namespace zephlin {
 namespace {

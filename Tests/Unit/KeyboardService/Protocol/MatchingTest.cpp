@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "KeyboardService/Protocol/Matching.h"
+#include "KeyboardService/Protocol/Keyboard.h"
 #include "Tests/Unit/KeyboardService/Support/ErrorText.h"
 
 namespace zephlin {

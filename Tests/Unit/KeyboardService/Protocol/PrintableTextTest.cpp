@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "KeyboardService/Protocol/PrintableText.h"
+#include "KeyboardService/Protocol/Errors.h"
 
 namespace zephlin {
 namespace {

@@ -73,5 +73,30 @@ TEST(Properties, BrokenJsonIsRefusedWithItsPlace) {
   EXPECT_EQ(propertyErrorOf(R"({"A":1,"A":1})").find("--set names \"A\" twice"), 0U);
 }
 
+std::optional<std::chrono::milliseconds> delayOf(std::int64_t value) {
+  return capsLockDelay({{"Another", 3}, {"CapsLockDelayOverride", value}});
+}
+
+TEST(CapsLockDelay, IsHowLongTheKeyMustBeHeld) {
+  for (const std::int64_t value : {0, 1, 74, 76, 60'000}) {
+    EXPECT_EQ(delayOf(value), std::chrono::milliseconds(value));
+  }
+}
+
+TEST(CapsLockDelay, TheSystemsOwnBehaviourIsLeftAlone) {
+  EXPECT_EQ(capsLockDelay({}), std::nullopt);
+  EXPECT_EQ(capsLockDelay({{"Another", 0}}), std::nullopt);
+  for (const std::int64_t value : {std::int64_t{75}, std::int64_t{-1}, INT64_MIN}) {
+    EXPECT_EQ(delayOf(value), std::nullopt) << value;
+  }
+}
+
+TEST(CapsLockDelay, ALongerOneIsRefused) {
+  for (const std::int64_t value : {std::int64_t{60'001}, INT64_MAX}) {
+    EXPECT_EQ(requestErrorOf([value] { delayOf(value); }),
+              "CapsLockDelayOverride can be at most 60000 on this keyboard");
+  }
+}
+
 }  // namespace
 }  // namespace zephlin

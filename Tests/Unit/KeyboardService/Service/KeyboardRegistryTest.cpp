@@ -181,7 +181,7 @@ TEST(VirtualKeyboardBus, HasAtMost256KeyboardsAtOnce) {
   VirtualKeyboardBus bus(256);
   bus.start(registry);
   EXPECT_EQ(registry.size(), 256U);
-  EXPECT_THROW(bus.plug(), BusError);
+  EXPECT_THROW(bus.plug(), RequestError);
   EXPECT_EQ(registry.size(), 256U);
   bus.pull(BusHandle{1});
   EXPECT_NO_THROW(bus.plug());

@@ -1,6 +1,6 @@
 #include <vector>
 
-#include "KeyboardService/Protocol/Request.h"
+#include "KeyboardService/Protocol/Transport.h"
 #include "Tests/Unit/KeyboardService/Support/EffectiveUser.h"
 #include "Tests/Unit/KeyboardService/Support/ServerFixture.h"
 

@@ -17,7 +17,7 @@ class FakeKeyboardBus final : public KeyboardBus {
 
   void applyProperties(BusHandle handle, const PropertySet& properties) override {
     if (refusing.contains(handle) || (refusesToRestore && carried.contains(handle))) {
-      throw BusError("the cable is loose");
+      throw RequestError("the cable is loose");
     }
     carried[handle] = properties;
     applied.push_back(handle);

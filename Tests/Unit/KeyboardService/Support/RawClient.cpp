@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "KeyboardService/Protocol/SocketAddress.h"
+#include "KeyboardService/Protocol/Transport.h"
 
 namespace zephlin {
 namespace {

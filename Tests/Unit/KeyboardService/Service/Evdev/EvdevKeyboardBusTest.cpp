@@ -19,7 +19,7 @@ TEST(PhysicalKeyboard, ADeviceThatIsNoneIsRefusedWithTheReason) {
     try {
       const PhysicalKeyboard keyboard(path);
       return "no error";
-    } catch (const BusError& error) {
+    } catch (const RequestError& error) {
       return error.what();
     }
   };

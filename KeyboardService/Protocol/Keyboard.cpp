@@ -1,13 +1,13 @@
-#include "KeyboardService/Protocol/Matching.h"
+#include "KeyboardService/Protocol/Keyboard.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 
 #include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Protocol/Json.h"
-#include "KeyboardService/Protocol/PrintableText.h"
 
 namespace zephlin {
 namespace {
@@ -86,6 +86,32 @@ void readKey(Matching& matching, std::string_view key, const json& value) {
 }
 
 }  // namespace
+
+std::string toText(RegistryID registryID) {
+  std::array<char, 16> digits{};
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(),
+                                 static_cast<std::uint64_t>(registryID), 16);
+  return {digits.data(), end.ptr};
+}
+
+std::optional<RegistryID> registryIDFromText(std::string_view text) {
+  std::uint64_t number = 0;
+  const auto end = std::from_chars(text.data(), text.data() + text.size(), number, 16);
+  const auto registryID = static_cast<RegistryID>(number);
+  // Printing it again rules out capitals, leading zeros, signs and trailing characters.
+  if (end.ec != std::errc{} || toText(registryID) != text) {
+    return std::nullopt;
+  }
+  return registryID;
+}
+
+RegistryID parseRegistryID(std::string_view text) {
+  const auto registryID = registryIDFromText(text);
+  if (!registryID) {
+    throw RequestError(inQuotes(text) + " is not a RegistryID; hidutil list prints them");
+  }
+  return *registryID;
+}
 
 bool Matching::matches(const Keyboard& keyboard) const {
   const bool numbersMatch =

@@ -1,10 +1,34 @@
 #pragma once
 
+#include <sys/socket.h>
+#include <sys/un.h>
+
 #include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace zephlin {
+
+/// Where the service listens unless it is told otherwise.
+constexpr std::string_view defaultSocketPath = "/run/zephlin/hidd.sock";
+
+/// The longest lines, without line feed: a request, a response, and what a subscription is sent.
+constexpr std::size_t maximumRequestBytes = std::size_t{64} * 1024;
+constexpr std::size_t maximumResponseBytes = std::size_t{4} * 1024 * 1024;
+constexpr std::size_t maximumNoticeBytes = std::size_t{4} * 1024;
+
+/// The address of a Unix socket by its path. Throws RequestError if the path is empty, too long
+/// for a socket or has a NUL in it.
+class SocketAddress {
+ public:
+  explicit SocketAddress(const std::string& path);
+
+  [[nodiscard]] const sockaddr* get() const;
+  [[nodiscard]] socklen_t size() const { return sizeof(address_); }
+
+ private:
+  sockaddr_un address_{};
+};
 
 /// Splits a stream of bytes into lines at line feeds. What it yields depends on the bytes alone,
 /// not on the pieces in which they come. The first line beyond the limit ends the stream: nothing

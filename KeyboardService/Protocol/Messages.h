@@ -9,8 +9,52 @@
 #include <vector>
 
 #include "KeyboardService/Protocol/Keyboard.h"
+#include "KeyboardService/Protocol/Properties.h"
 
 namespace zephlin {
+
+struct ListRequest {
+  Matching matching;
+  bool operator==(const ListRequest&) const = default;
+};
+
+struct GetRequest {
+  Matching matching;
+  std::string key;
+  bool operator==(const GetRequest&) const = default;
+};
+
+struct SetRequest {
+  Matching matching;
+  PropertySet properties;
+  bool operator==(const SetRequest&) const = default;
+};
+
+/// Plugs in one more virtual keyboard.
+struct PlugRequest {
+  bool operator==(const PlugRequest&) const = default;
+};
+
+/// Pulls out a virtual keyboard.
+struct PullRequest {
+  RegistryID registryID{};
+  bool operator==(const PullRequest&) const = default;
+};
+
+/// Has the service say on this connection which keyboards appear from now on, and nothing else.
+/// Whoever subscribes first and lists then, on another connection, misses none.
+struct SubscribeRequest {
+  bool operator==(const SubscribeRequest&) const = default;
+};
+
+using Request =
+    std::variant<ListRequest, GetRequest, SetRequest, PlugRequest, PullRequest, SubscribeRequest>;
+
+/// One line of JSON without its line feed.
+std::string encode(const Request& request);
+
+/// Reads one line without its line feed. Throws RequestError.
+Request decodeRequest(std::string_view line);
 
 struct ListResponse {
   std::vector<Keyboard> keyboards;

@@ -1,10 +1,8 @@
-#include "KeyboardService/Protocol/SocketAddress.h"
+#include "KeyboardService/Protocol/Transport.h"
 
 #include <algorithm>
-#include <system_error>
 
 #include "KeyboardService/Protocol/Errors.h"
-#include "KeyboardService/Protocol/PrintableText.h"
 
 namespace zephlin {
 
@@ -22,8 +20,19 @@ const sockaddr* SocketAddress::get() const {
   return reinterpret_cast<const sockaddr*>(&address_);
 }
 
-std::string reason(int errorNumber) {
-  return " (" + std::generic_category().message(errorNumber) + ")";
+LineSplitter::State LineSplitter::state() const {
+  const std::string_view head = std::string_view(buffer_).substr(0, maximumLineBytes_ + 1);
+  if (head.find('\n') != std::string_view::npos) {
+    return State::HasLine;
+  }
+  return head.size() > maximumLineBytes_ ? State::LineTooLong : State::NeedsBytes;
+}
+
+std::string LineSplitter::takeLine() {
+  const auto end = buffer_.find('\n');
+  std::string line = buffer_.substr(0, end);
+  buffer_.erase(0, end + 1);
+  return line;
 }
 
 }  // namespace zephlin

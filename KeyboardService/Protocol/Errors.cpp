@@ -1,4 +1,4 @@
-#include "KeyboardService/Protocol/PrintableText.h"
+#include "KeyboardService/Protocol/Errors.h"
 
 #include <array>
 #include <cstdint>
