@@ -8,6 +8,7 @@
 
 #include "KeyboardService/Protocol/Messages.h"
 #include "KeyboardService/Protocol/Transport.h"
+#include "KeyboardService/Service/Server.h"
 
 namespace zephlin {
 namespace {
@@ -34,10 +35,10 @@ bool meansLater(int errorNumber) {
 }  // namespace
 
 Connection::Connection(EventLoop& loop, FileDescriptor socket, uid_t user,
-                       std::chrono::microseconds timeout, ConnectionOwner& owner)
+                       std::chrono::microseconds timeout, Server& server)
     : user_(user),
       timeout_(timeout),
-      owner_(owner),
+      server_(server),
       input_(maximumRequestBytes),
       socket_(std::move(socket)),
       watch_(
@@ -102,7 +103,7 @@ void Connection::proceed() {
   } else {
     watch_.setEvents(0);
     stalled_.disable();
-    nextRequest_.setDelay(owner_.restBeforeRequest());
+    nextRequest_.setDelay(server_.restBeforeRequest());
   }
 }
 
@@ -113,7 +114,7 @@ bool Connection::isOver() const {
 }
 
 void Connection::takeRequest() {
-  if (const auto rest = owner_.restBeforeRequest(); rest > rest.zero()) {
+  if (const auto rest = server_.restBeforeRequest(); rest > rest.zero()) {
     nextRequest_.setDelay(rest);  // Another client's request was taken meanwhile.
     return;
   }
@@ -122,7 +123,7 @@ void Connection::takeRequest() {
     subscribed_ = false;
     lastResponse_ = true;
   } else if (input_.state() == LineSplitter::State::HasLine) {
-    output_ = owner_.respond(input_.takeLine(), *this) + '\n';
+    output_ = server_.respond(input_.takeLine(), *this) + '\n';
   } else {
     output_ = requestTooLong() + '\n';
     lastResponse_ = true;
@@ -143,7 +144,7 @@ void Connection::waitForClient(std::uint32_t events, bool midway) {
 }
 
 void Connection::end() {
-  owner_.connectionEnded(*this);
+  server_.connectionEnded(*this);
 }
 
 }  // namespace zephlin

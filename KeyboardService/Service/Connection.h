@@ -14,25 +14,7 @@
 
 namespace zephlin {
 
-class Connection;
-
-/// What a connection needs of the server that owns it.
-class ConnectionOwner {
- public:
-  ConnectionOwner() = default;
-  ConnectionOwner(const ConnectionOwner&) = delete;
-  ConnectionOwner& operator=(const ConnectionOwner&) = delete;
-  virtual ~ConnectionOwner() = default;
-
-  /// The response line, without line feed, to a request line of the connection.
-  virtual std::string respond(std::string_view line, Connection& connection) = 0;
-
-  /// For how long the next request has to wait.
-  [[nodiscard]] virtual std::chrono::microseconds restBeforeRequest() = 0;
-
-  /// The connection has nothing more to do and is to be destroyed, at best within this call.
-  virtual void connectionEnded(Connection& connection) = 0;
-};
+class Server;
 
 /// One client. It answers one request line per turn of the loop, so that no client keeps the
 /// others waiting, and reads no further while a response is not sent, so that it holds at most one
@@ -45,14 +27,14 @@ class ConnectionOwner {
 /// and the connection.
 class Connection {
  public:
-  /// `socket` is a connected stream socket that does not block.
+  /// `socket` is a connected stream socket that does not block. `server` owns the connection.
   Connection(EventLoop& loop, FileDescriptor socket, uid_t user, std::chrono::microseconds timeout,
-             ConnectionOwner& owner);
+             Server& server);
 
   [[nodiscard]] uid_t user() const { return user_; }
   [[nodiscard]] bool isSubscribed() const { return subscribed_; }
 
-  /// Only while the owner is asked for a response, which is the last one.
+  /// Only while the server is asked for a response, which is the last one.
   void subscribe() { subscribed_ = true; }
 
   /// Sends a line, given without line feed, to a subscribed connection. May end it.
@@ -70,7 +52,7 @@ class Connection {
 
   uid_t user_;
   std::chrono::microseconds timeout_;
-  ConnectionOwner& owner_;
+  Server& server_;
   LineSplitter input_;
   std::string output_;
   bool subscribed_ = false;

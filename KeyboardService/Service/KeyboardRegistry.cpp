@@ -16,7 +16,7 @@ void KeyboardRegistry::keyboardAppeared(KeyboardBus& bus, BusHandle handle,
   entries_.emplace(registryID, Entry{{registryID, description}, {&bus, handle}, {}});
   log_("keyboard " + toText(registryID) + " plugged: " + inQuotes(description.product) + ", " +
        printable(description.transport));
-  listener_(registryID);
+  appeared_(registryID);
 }
 
 void KeyboardRegistry::keyboardDisappeared(KeyboardBus& bus, BusHandle handle) {

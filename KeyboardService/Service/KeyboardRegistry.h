@@ -12,11 +12,9 @@
 #include "KeyboardService/Protocol/Messages.h"
 #include "KeyboardService/Protocol/Properties.h"
 #include "KeyboardService/Service/KeyboardBus.h"
+#include "KeyboardService/Service/Log.h"
 
 namespace zephlin {
-
-/// Takes one line, without line feed, for the service's log.
-using Log = std::function<void(const std::string& line)>;
 
 /// "1 keyboard", "2 keyboards".
 std::string countedKeyboards(std::size_t count);
@@ -32,13 +30,10 @@ class KeyboardRegistry final : public KeyboardBusObserver {
     bool operator==(const Origin&) const = default;
   };
 
-  /// Told of each keyboard that is now in the registry.
-  using AppearanceListener = std::function<void(RegistryID registryID)>;
-
   explicit KeyboardRegistry(Log log) : log_(std::move(log)) {}
 
-  /// Replaces the former listener. What appeared before is not told.
-  void listen(AppearanceListener listener) { listener_ = std::move(listener); }
+  /// Has `appeared` called with each keyboard that appears from now on, once it is listed.
+  void onAppeared(std::function<void(RegistryID)> appeared) { appeared_ = std::move(appeared); }
 
   void keyboardAppeared(KeyboardBus& bus, BusHandle handle,
                         const KeyboardDescription& description) override;
@@ -74,7 +69,7 @@ class KeyboardRegistry final : public KeyboardBusObserver {
   static std::string rollBack(const std::vector<Change>& changes, std::size_t count);
 
   Log log_;
-  AppearanceListener listener_ = [](RegistryID) {};
+  std::function<void(RegistryID)> appeared_ = [](RegistryID) {};
   std::uint64_t nextRegistryID_ = 0x100000001;
   std::map<RegistryID, Entry> entries_;
 };

@@ -8,7 +8,6 @@
 
 #include "Base/FileDescriptor.h"
 #include "KeyboardService/Protocol/Transport.h"
-#include "KeyboardService/Service/InstanceLock.h"
 
 namespace zephlin {
 
@@ -25,6 +24,23 @@ class SocketDirectory {
  private:
   std::string path_;
   bool made_ = false;
+};
+
+/// A lock file beside a socket, which one process at a time holds: whoever holds it may bind the
+/// socket's path. It is removed when the holder is done.
+class InstanceLock {
+ public:
+  /// Throws RequestError if another process holds the lock, or if the file cannot be made.
+  explicit InstanceLock(const std::string& socketPath);
+  InstanceLock(const InstanceLock&) = delete;
+  InstanceLock& operator=(const InstanceLock&) = delete;
+  ~InstanceLock();
+
+ private:
+  [[nodiscard]] bool isAtPath() const;
+
+  std::string path_;
+  FileDescriptor file_;
 };
 
 /// A Unix stream socket that this process has bound to a path, where everyone may connect. It is

@@ -25,4 +25,8 @@ class Permissions {
   HasActiveLocalSession hasActiveLocalSession_;
 };
 
+/// Asks systemd-logind's records for a session of the user that is active, has a seat and is not
+/// remote. A user of whom nothing can be learnt has none.
+bool hasActiveLocalLoginSession(uid_t user);
+
 }  // namespace zephlin

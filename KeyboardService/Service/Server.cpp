@@ -127,10 +127,9 @@ void Server::welcome(FileDescriptor socket) {
     turnAway(socket, limits_.connectionsOfAUser);
     return;
   }
-  ConnectionOwner& owner = *this;
   try {
     auto connection =
-        std::make_unique<Connection>(loop_, std::move(socket), *user, limits_.timeout, owner);
+        std::make_unique<Connection>(loop_, std::move(socket), *user, limits_.timeout, *this);
     const Connection* const key = connection.get();
     connections_.emplace(key, std::move(connection));
     ++connectionsOfUsers_[*user];

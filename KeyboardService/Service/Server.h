@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <map>
@@ -13,7 +14,6 @@
 #include "KeyboardService/Service/Connection.h"
 #include "KeyboardService/Service/EventLoop.h"
 #include "KeyboardService/Service/RequestHandler.h"
-#include "KeyboardService/Service/WorkBudget.h"
 
 namespace zephlin {
 
@@ -29,23 +29,58 @@ struct ServerLimits {
   std::size_t subscriptionsOfAUser = 64;
 };
 
+/// Keeps clients from occupying the service's thread without a pause. It is a real-time thread:
+/// nobody else would get its processor, and the system would kill it in the end (RLIMIT_RTTIME,
+/// setrlimit(2)). A burst of work is followed by as much rest.
+class WorkBudget {
+ public:
+  using Time = std::chrono::nanoseconds;
+
+  static constexpr Time burst = std::chrono::milliseconds(20);
+
+  /// For how long to rest, when it is `now`, on any clock, and the thread has worked for `worked`
+  /// altogether. To be asked again and again.
+  Time rest(Time now, Time worked) {
+    evenAt_ = std::max(evenAt_, asked_) + 2 * (worked - worked_);
+    asked_ = now;
+    worked_ = worked;
+    if (evenAt_ - now >= burst) {
+      restsUntil_ = evenAt_;
+    }
+    return std::max(restsUntil_ - now, Time::zero());
+  }
+
+ private:
+  Time evenAt_{};  ///< When there has been as much rest as work.
+  Time restsUntil_{};
+  Time asked_{};
+  Time worked_{};
+};
+
 /// Accepts clients and has their requests handled, on the thread of the loop. When the system has
 /// no descriptor for one more client, it accepts no more until one leaves or a second has passed.
 /// However many requests there are, it works for half of the time at most.
-class Server final : private ConnectionOwner {
+class Server {
  public:
   /// `listening` does not block. The loop and the handler outlive the server.
   Server(EventLoop& loop, FileDescriptor listening, RequestHandler& handler, ServerLimits limits);
+  Server(const Server&) = delete;
+  Server& operator=(const Server&) = delete;
 
-  /// Tells every subscribed connection.
+  /// Sends a notice to every subscribed connection.
   void announce(const AppearedNotice& notice);
 
- private:
-  std::string respond(std::string_view line, Connection& connection) override;
-  [[nodiscard]] std::chrono::microseconds restBeforeRequest() override;
-  Response subscribe(Connection& connection);
-  void connectionEnded(Connection& connection) override;
+  /// For its connections: the response line to a request line, both without line feed.
+  std::string respond(std::string_view line, Connection& connection);
 
+  /// For its connections: how long the next request has to wait.
+  [[nodiscard]] std::chrono::microseconds restBeforeRequest();
+
+  /// For its connections: destroys the caller, which has nothing more to do.
+  void connectionEnded(Connection& connection);
+
+ private:
+  Response subscribe(Connection& connection);
   void acceptOne();
   void welcome(FileDescriptor socket);
   [[nodiscard]] bool hasRoomFor(uid_t user) const;

@@ -1,4 +1,4 @@
-#include <poll.h>
+#include <sched.h>
 #include <sys/resource.h>
 #include <systemd/sd-daemon.h>
 #include <unistd.h>
@@ -15,16 +15,15 @@
 #include "Base/FileDescriptor.h"
 #include "Base/StandardDescriptors.h"
 #include "KeyboardService/Protocol/Errors.h"
+#include "KeyboardService/Service/CommandLine.h"
 #include "KeyboardService/Service/Evdev/EvdevKeyboardBus.h"
-#include "KeyboardService/Service/Evdev/RealTimePriority.h"
 #include "KeyboardService/Service/EventLoop.h"
 #include "KeyboardService/Service/KeyboardRegistry.h"
 #include "KeyboardService/Service/ListeningSocket.h"
-#include "KeyboardService/Service/LoginSessions.h"
+#include "KeyboardService/Service/Log.h"
 #include "KeyboardService/Service/Permissions.h"
 #include "KeyboardService/Service/RequestHandler.h"
 #include "KeyboardService/Service/Server.h"
-#include "KeyboardService/Service/ServiceCommandLine.h"
 #include "KeyboardService/Service/VirtualKeyboardBus.h"
 
 namespace zephlin {
@@ -32,18 +31,12 @@ namespace {
 
 enum ExitStatus : int { Done = 0, Failed = 1, WrongUsage = 64 };
 
-void log(const std::string& text) {
-  // Whoever reads it may have stopped; the keyboards must not stop with him.
-  constexpr int timeoutMilliseconds = 100;
-  static bool hasStopped = false;
-  pollfd standardError{STDERR_FILENO, POLLOUT, 0};
-  hasStopped = ::poll(&standardError, 1, hasStopped ? 0 : timeoutMilliseconds) == 0;
-  if (hasStopped) {
-    return;
-  }
-  // One write for the whole line, so that it stays whole among other programs' lines.
-  const std::string line = "zephlin-hidd: " + text + '\n';
-  std::fwrite(line.data(), 1, line.size(), stderr);
+/// Runs ahead of ordinary processes, so that keys are not late when the machine is busy. Everything
+/// works without it too, where the system does not allow it.
+void takeRealTimePriority() {
+  sched_param parameters{};
+  parameters.sched_priority = 1;  // Ahead of all that is not real time, behind all else that is.
+  ::sched_setscheduler(0, SCHED_RR | SCHED_RESET_ON_FORK, &parameters);
 }
 
 /// Every client takes a descriptor, and the usual soft limit is low for the sake of select().
@@ -68,21 +61,21 @@ void serve(const ServiceOptions& options) {
   }
   const std::string ready = "ready on " + boundPath(*listening) + " with ";
 
-  KeyboardRegistry registry(log);
+  KeyboardRegistry registry(logToStandardError);
   VirtualKeyboardBus virtualKeyboards(options.virtualKeyboards.value_or(0));
   virtualKeyboards.start(registry);
   std::optional<EvdevKeyboardBus> machineKeyboards;
   if (!options.virtualKeyboards) {
     takeRealTimePriority();
-    machineKeyboards.emplace(loop, options.tapGap, log).start(registry);
+    machineKeyboards.emplace(loop, options.tapGap, logToStandardError).start(registry);
   }
 
   const Permissions permissions(::geteuid(), hasActiveLocalLoginSession);
-  RequestHandler handler(registry, virtualKeyboards, permissions, log);
+  RequestHandler handler(registry, virtualKeyboards, permissions, logToStandardError);
   Server server(loop, std::move(*listening), handler, ServerLimits{});
-  registry.listen([&server](RegistryID registryID) { server.announce({registryID}); });
+  registry.onAppeared([&server](RegistryID registryID) { server.announce({registryID}); });
 
-  log(ready + countedKeyboards(registry.size()));
+  logToStandardError(ready + countedKeyboards(registry.size()));
   sd_notify(0, "READY=1");
   loop.run();
   sd_notify(0, "STOPPING=1");
@@ -109,10 +102,10 @@ int runCommandLine(const std::vector<std::string>& arguments) {
     serve(options);
     return Done;
   } catch (const UsageError& error) {
-    log(error.what());
+    logToStandardError(error.what());
     return WrongUsage;
   } catch (const std::exception& error) {
-    log(error.what());
+    logToStandardError(error.what());
     return Failed;
   }
 }

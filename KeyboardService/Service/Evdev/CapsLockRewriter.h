@@ -28,8 +28,8 @@ struct CapsLockRule {
 /// come with the events, as durations since any one moment.
 ///
 /// XKB locks at the press of Caps Lock and unlocks at its release. So with a hold of zero, and only
-/// while the lock's light is lit, a press becomes press and release, and the real release is
-/// dropped. While the light is dark the key passes as it is: it may well be a Control, an Escape or
+/// while the lock's LED is lit, a press becomes press and release, and the real release is
+/// dropped. While the LED is off the key passes as it is: it may well be a Control, an Escape or
 /// the modifier of a screen reader, which has to stay down for as long as it is held. Other keys
 /// wait until the release is out, so that their letters come after the unlocking.
 ///
@@ -46,7 +46,7 @@ class CapsLockRewriter {
   /// Counts for the presses that come afterwards.
   void setRule(CapsLockRule rule) { rule_ = rule; }
 
-  /// Whether the light of Caps Lock is lit, which shows whether the lock is on.
+  /// Whether the LED of Caps Lock is lit, which shows whether the lock is on.
   void setLed(bool lit) { lit_ = lit; }
 
   /// Takes the next event, which happened at `time` and is read at `now`, and returns what comes

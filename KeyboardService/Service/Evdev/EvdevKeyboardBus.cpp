@@ -27,8 +27,8 @@ void EvdevKeyboardBus::start(KeyboardBusObserver& observer) {
   } catch (const RequestError& error) {
     log_(std::string("Caps Lock cannot be changed yet: ") + error.what());
   }
-  nodes_.start({[this](const KeyboardNode& node) { appeared(node); },
-                [this](dev_t number) { disappeared(number); }});
+  nodes_.start([this](const KeyboardNode& node) { appeared(node); },
+               [this](dev_t number) { disappeared(number); });
 }
 
 void EvdevKeyboardBus::applyProperties(BusHandle handle, const PropertySet& properties) {
@@ -59,16 +59,15 @@ void EvdevKeyboardBus::disappeared(dev_t number) {
 }
 
 void EvdevKeyboardBus::rewrite(BusHandle handle, Entry& entry, CapsLockRule rule) {
-  GrabbedKeyboard::Observer observer;
-  observer.emergency = [this] { letGoOfAll(); };
-  // The node itself is removed when udev says so.
-  observer.gone = [this, handle] { entries_.at(handle).rewritten.reset(); };
-  observer.reportTrouble = [this, path = entry.node.path](const std::string& what) {
-    log_(path + ' ' + what);
+  const auto ended = [this, handle](GrabbedKeyboard::End end) {
+    if (end == GrabbedKeyboard::End::EmergencyChord) {
+      letGoOfAll();
+    } else {
+      entries_.at(handle).rewritten.reset();  // The node is removed when udev says so.
+    }
   };
   try {
-    entry.rewritten =
-        std::make_unique<GrabbedKeyboard>(loop_, entry.node.path, rule, std::move(observer));
+    entry.rewritten = std::make_unique<GrabbedKeyboard>(loop_, entry.node.path, rule, log_, ended);
   } catch (const std::system_error& error) {
     if (error.code() != std::errc::no_such_device) {
       throw RequestError("cannot watch " + entry.node.path + errnoText(error.code().value()));

@@ -25,16 +25,39 @@ std::chrono::microseconds monotonicTime() {
       std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec));
 }
 
-/// Lights, sounds and the rate of repetition come back from the device to which they were sent.
+/// LEDs, sounds and the repeat rate come back from the device to which they were sent.
 bool isTyped(const InputEvent& event) {
   return event.type != EV_LED && event.type != EV_SND && event.type != EV_REP;
 }
 
 }  // namespace
 
+bool EmergencyChord::completes(const InputEvent& event) {
+  if (event.type != EV_KEY || event.value == KeyRepeated) {
+    return false;
+  }
+  const bool isDown = event.value == KeyPressed;
+  switch (event.code) {
+    case KEY_BACKSPACE:
+      backspace_ = isDown;
+      break;
+    case KEY_ENTER:
+      enter_ = isDown;
+      break;
+    case KEY_ESC:
+      escape_ = isDown;
+      break;
+    default:
+      return false;
+  }
+  return backspace_ && enter_ && escape_;
+}
+
 GrabbedKeyboard::GrabbedKeyboard(EventLoop& loop, const std::string& path, CapsLockRule rule,
-                                 Observer observer)
-    : observer_(std::move(observer)),
+                                 Log log, std::function<void(End)> ended)
+    : path_(path),
+      log_(std::move(log)),
+      ended_(std::move(ended)),
       keyboard_(path),
       clone_(keyboard_),
       rewriter_(rule),
@@ -80,8 +103,8 @@ void GrabbedKeyboard::onDeadline() {
 }
 
 void GrabbedKeyboard::onLedEvents() {
-  for (const InputEvent& light : clone_.takeLedEvents()) {
-    setLed(light);
+  for (const InputEvent& led : clone_.takeLedEvents()) {
+    setLed(led);
   }
 }
 
@@ -97,9 +120,9 @@ void GrabbedKeyboard::tryToGrab() {
       watchKeyboard_.disable();
       nextTry_.setDelay(timeBetweenTries);
       if (!std::exchange(hasReportedTrouble_, true)) {
-        observer_.reportTrouble(
-            "is held by another program (fuser -v lists who has it open); it is taken when that "
-            "lets go");
+        log_(path_ +
+             " is held by another program (fuser -v lists who has it open); it is taken when that "
+             "lets go");
       }
   }
 }
@@ -107,11 +130,11 @@ void GrabbedKeyboard::tryToGrab() {
 void GrabbedKeyboard::startRewriting() {
   isGrabbed_ = true;
   watchKeyboard_.enable();
-  // The kernel tells of a light only when it changes, so the clone begins with what is lit.
-  std::vector<InputEvent> lights = keyboard_.lights();
-  std::for_each(lights.begin(), lights.end(), [this](const auto& each) { setLed(each); });
-  lights.push_back(endOfFrame);
-  clone_.write(lights);
+  // The kernel reports LEDs only when they change, so the clone starts with their present state.
+  std::vector<InputEvent> leds = keyboard_.leds();
+  std::for_each(leds.begin(), leds.end(), [this](const auto& each) { setLed(each); });
+  leds.push_back(endOfFrame);
+  clone_.write(leds);
 }
 
 /// Returns false after the emergency chord, with which the keyboard has ended.
@@ -123,17 +146,16 @@ bool GrabbedKeyboard::rewriteTyped() {
       continue;
     }
     if (isCapsLock(event)) {
-      onLedEvents();  // It is meant under the light that is on now.
+      onLedEvents();  // It was pressed with the LED as it is now.
     }
     clone_.write(rewriter_.take(event, typed->time, now));
     if (endsFrame(event)) {
       // Scan codes come back here as well, and the kernel keeps no more than sixteen events
-      // (drivers/input/misc/uinput.c): a light would be lost among them.
+      // (drivers/input/misc/uinput.c): an LED event would be lost among them.
       onLedEvents();
     }
     if (chord_.completes(event)) {
-      const auto emergency = observer_.emergency;  // A copy, as the call ends this object.
-      emergency();
+      end(End::EmergencyChord);
       return false;
     }
   }
@@ -141,11 +163,11 @@ bool GrabbedKeyboard::rewriteTyped() {
   return true;
 }
 
-void GrabbedKeyboard::setLed(const InputEvent& light) {
-  if (light.code == LED_CAPSL) {
-    rewriter_.setLed(light.value != 0);
+void GrabbedKeyboard::setLed(const InputEvent& led) {
+  if (led.code == LED_CAPSL) {
+    rewriter_.setLed(led.value != 0);
   }
-  keyboard_.setLed(light);
+  keyboard_.setLed(led);
 }
 
 void GrabbedKeyboard::waitForDeadline() {
@@ -160,9 +182,13 @@ void GrabbedKeyboard::unlessGone(const std::function<void()>& action) {
   try {
     action();
   } catch (const std::system_error&) {
-    const auto gone = observer_.gone;  // A copy, as the call ends this object.
-    gone();
+    end(End::DeviceGone);
   }
+}
+
+void GrabbedKeyboard::end(End end) {
+  const auto ended = ended_;  // A copy, as the call destroys this object.
+  ended(end);
 }
 
 }  // namespace zephlin

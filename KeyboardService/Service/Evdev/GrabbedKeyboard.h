@@ -5,28 +5,38 @@
 #include <vector>
 
 #include "KeyboardService/Service/Evdev/CapsLockRewriter.h"
-#include "KeyboardService/Service/Evdev/EmergencyChord.h"
 #include "KeyboardService/Service/Evdev/PhysicalKeyboard.h"
 #include "KeyboardService/Service/Evdev/UinputKeyboard.h"
 #include "KeyboardService/Service/EventLoop.h"
+#include "KeyboardService/Service/Log.h"
 
 namespace zephlin {
+
+/// Backspace, Enter and Escape held together on one keyboard: whoever cannot type any more gets the
+/// keyboard back by them.
+class EmergencyChord {
+ public:
+  /// Whether this event completes the chord.
+  bool completes(const InputEvent& event);
+
+ private:
+  bool backspace_ = false;
+  bool enter_ = false;
+  bool escape_ = false;
+};
 
 /// A keyboard that is taken away from programs, which see a clone of it with Caps Lock rewritten.
 /// It is taken once programs have had the time to find the clone and no key is held; until then it
 /// works as ever. Its end gives it back, with no key held. What is typed is never logged.
 class GrabbedKeyboard {
  public:
-  /// Each of these is the last thing that a callback of the loop does, so it may end the keyboard.
-  struct Observer {
-    std::function<void()> emergency;                             ///< The chord was pressed.
-    std::function<void()> gone;                                  ///< The device has gone.
-    std::function<void(const std::string& what)> reportTrouble;  ///< For the log.
-  };
+  enum class End { DeviceGone, EmergencyChord };
 
+  /// `ended` is to destroy this object, which does nothing after that call.
   /// Throws RequestError if the device or uinput cannot be used, and std::system_error with ENODEV
   /// if the device has gone.
-  GrabbedKeyboard(EventLoop& loop, const std::string& path, CapsLockRule rule, Observer observer);
+  GrabbedKeyboard(EventLoop& loop, const std::string& path, CapsLockRule rule, Log log,
+                  std::function<void(End)> ended);
   GrabbedKeyboard(const GrabbedKeyboard&) = delete;
   GrabbedKeyboard& operator=(const GrabbedKeyboard&) = delete;
   ~GrabbedKeyboard();
@@ -40,11 +50,14 @@ class GrabbedKeyboard {
   void tryToGrab();
   void startRewriting();
   bool rewriteTyped();
-  void setLed(const InputEvent& light);
+  void setLed(const InputEvent& led);
   void waitForDeadline();
   void unlessGone(const std::function<void()>& action);
+  void end(End end);
 
-  Observer observer_;
+  std::string path_;
+  Log log_;
+  std::function<void(End)> ended_;
   PhysicalKeyboard keyboard_;
   UinputKeyboard clone_;
   CapsLockRewriter rewriter_;

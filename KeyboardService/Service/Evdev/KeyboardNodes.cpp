@@ -1,9 +1,12 @@
 #include "KeyboardService/Service/Evdev/KeyboardNodes.h"
 
+#include <linux/input.h>
 #include <sys/epoll.h>
 
 #include <cerrno>
+#include <charconv>
 #include <cstdlib>
+#include <limits>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -11,6 +14,30 @@
 
 namespace zephlin {
 namespace {
+
+struct KeyRange {
+  std::size_t first;
+  std::size_t last;
+};
+
+/// The rows of letters, whose codes follow one another, and Caps Lock.
+constexpr KeyRange needed[] = {
+    {KEY_Q, KEY_P}, {KEY_A, KEY_L}, {KEY_Z, KEY_M}, {KEY_CAPSLOCK, KEY_CAPSLOCK}};
+
+bool hasBit(std::string_view bitmap, std::size_t bit) {
+  constexpr std::size_t bitsInWord = std::numeric_limits<unsigned long>::digits;
+  for (std::size_t skipped = bit / bitsInWord; skipped > 0; --skipped) {
+    const auto space = bitmap.rfind(' ');
+    if (space == std::string_view::npos) {
+      return false;
+    }
+    bitmap = bitmap.substr(0, space);
+  }
+  const std::string_view word = bitmap.substr(bitmap.rfind(' ') + 1);
+  unsigned long value = 0;
+  std::from_chars(word.data(), word.data() + word.size(), value, 16);
+  return (value >> bit % bitsInWord & 1U) != 0;
+}
 
 template <typename Object>
 Object* checked(Object* object, const char* what) {
@@ -50,6 +77,38 @@ std::optional<KeyboardNode> keyboardNode(udev_device* device) {
 
 }  // namespace
 
+bool hasCapsLockAndLetters(std::string_view keyBitmap) {
+  for (const auto& [first, last] : needed) {
+    for (std::size_t key = first; key <= last; ++key) {
+      if (!hasBit(keyBitmap, key)) {
+        return false;
+      }
+    }
+  }
+  return true;
+}
+
+std::string busName(unsigned bus) {
+  switch (bus) {
+    case BUS_USB:
+      return "USB";
+    case BUS_BLUETOOTH:
+      return "Bluetooth";
+    case BUS_I8042:
+      return "PS/2";
+    case BUS_I2C:
+      return "I2C";
+    case BUS_SPI:
+      return "SPI";
+    case BUS_HOST:
+      return "Host";
+    case BUS_VIRTUAL:
+      return "Virtual";
+    default:
+      return "Other";
+  }
+}
+
 KeyboardNodes::KeyboardNodes(EventLoop& loop)
     : context_(checked(udev_new(), "udev")),
       monitor_(checked(udev_monitor_new_from_netlink(context_.get(), "udev"), "udev's events")),
@@ -58,8 +117,10 @@ KeyboardNodes::KeyboardNodes(EventLoop& loop)
   udev_monitor_filter_add_match_subsystem_devtype(monitor_.get(), "input", nullptr);
 }
 
-void KeyboardNodes::start(Observer observer) {
-  observer_ = std::move(observer);
+void KeyboardNodes::start(std::function<void(const KeyboardNode& node)> appeared,
+                          std::function<void(dev_t number)> disappeared) {
+  appeared_ = std::move(appeared);
+  disappeared_ = std::move(disappeared);
   // What comes while the others are listed is reported afterwards.
   udev_monitor_enable_receiving(monitor_.get());
   const Owned<udev_enumerate> list(checked(udev_enumerate_new(context_.get()), "udev's devices"));
@@ -99,12 +160,12 @@ void KeyboardNodes::add(udev_device* device) {
   }
   remove(node->number);  // Its removal was missed if it was known.
   known_[node->number] = node->systemPath;
-  observer_.appeared(*node);
+  appeared_(*node);
 }
 
 void KeyboardNodes::remove(dev_t number) {
   if (known_.erase(number) > 0) {
-    observer_.disappeared(number);
+    disappeared_(number);
   }
 }
 

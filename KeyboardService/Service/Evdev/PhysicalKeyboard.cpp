@@ -109,19 +109,19 @@ std::optional<PhysicalKeyboard::TimedEvent> PhysicalKeyboard::takeEvent() {
   }
 }
 
-std::vector<InputEvent> PhysicalKeyboard::lights() const {
+std::vector<InputEvent> PhysicalKeyboard::leds() const {
   LedBits bits{};
   ::ioctl(descriptor_.get(), EVIOCGLED(bits.size()), bits.data());
-  std::vector<InputEvent> lights;
+  std::vector<InputEvent> leds;
   for (const std::uint16_t code : ledCodes_) {
-    lights.push_back({EV_LED, code, bits.at(code / 8U) >> code % 8U & 1});
+    leds.push_back({EV_LED, code, bits.at(code / 8U) >> code % 8U & 1});
   }
-  return lights;
+  return leds;
 }
 
-void PhysicalKeyboard::setLed(const InputEvent& light) {
-  libevdev_kernel_set_led_value(device_.get(), light.code,
-                                light.value != 0 ? LIBEVDEV_LED_ON : LIBEVDEV_LED_OFF);
+void PhysicalKeyboard::setLed(const InputEvent& led) {
+  libevdev_kernel_set_led_value(device_.get(), led.code,
+                                led.value != 0 ? LIBEVDEV_LED_ON : LIBEVDEV_LED_OFF);
 }
 
 /// Asks the kernel, whose answer is newer than any event that is still to be taken.

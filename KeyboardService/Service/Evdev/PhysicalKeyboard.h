@@ -29,8 +29,8 @@ class PhysicalKeyboard {
 
   [[nodiscard]] int descriptor() const { return descriptor_.get(); }
 
-  /// What it can do, for a clone, and a light for Caps Lock even where it has none: programs show
-  /// by it whether the lock is on.
+  /// What it can do, for a clone. A Caps Lock LED is always among it: programs set it to show
+  /// whether the lock is on.
   [[nodiscard]] const libevdev* capabilities() const { return device_.get(); }
 
   /// Takes the keyboard away from everyone else, unless a key is held: its release would be missed
@@ -41,11 +41,11 @@ class PhysicalKeyboard {
   /// SYN_DROPPED is followed by the differences. Throws std::system_error if the device has gone.
   std::optional<TimedEvent> takeEvent();
 
-  /// The state of each light that the keyboard really has.
-  [[nodiscard]] std::vector<InputEvent> lights() const;
+  /// The state of each LED that the keyboard really has.
+  [[nodiscard]] std::vector<InputEvent> leds() const;
 
-  /// Turns a light, which works while nobody else has grabbed the keyboard.
-  void setLed(const InputEvent& light);
+  /// Works while nobody else has grabbed the keyboard.
+  void setLed(const InputEvent& led);
 
  private:
   struct Release {

@@ -13,7 +13,7 @@
 
 #include "Base/ErrnoText.h"
 #include "KeyboardService/Protocol/Errors.h"
-#include "KeyboardService/Service/Evdev/KeyboardNode.h"
+#include "KeyboardService/Service/Evdev/KeyboardNodes.h"
 
 namespace zephlin {
 namespace {
@@ -75,16 +75,16 @@ void UinputKeyboard::write(const std::vector<InputEvent>& events) {
 }
 
 std::vector<InputEvent> UinputKeyboard::takeLedEvents() {
-  std::vector<InputEvent> lights;
+  std::vector<InputEvent> leds;
   std::array<input_event, 16> events;  // As many as the kernel keeps.
   const ssize_t bytes = ::read(descriptor_.get(), events.data(), sizeof events);
   const std::size_t count = bytes < 0 ? 0 : static_cast<std::size_t>(bytes) / sizeof(input_event);
   for (const input_event& event : std::span(events).first(count)) {
     if (event.type == EV_LED) {
-      lights.push_back({event.type, event.code, event.value});
+      leds.push_back({event.type, event.code, event.value});
     }
   }
-  return lights;
+  return leds;
 }
 
 void UinputKeyboard::requireSupport() {

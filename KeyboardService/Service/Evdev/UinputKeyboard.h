@@ -23,7 +23,7 @@ class UinputKeyboard {
   /// What the kernel does not take is lost.
   void write(const std::vector<InputEvent>& events);
 
-  /// Which lights programs have turned since the last call.
+  /// The LEDs that programs have set since the last call.
   std::vector<InputEvent> takeLedEvents();
 
   /// Throws RequestError if a clone could not be made.

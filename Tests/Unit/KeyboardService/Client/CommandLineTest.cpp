@@ -2,7 +2,7 @@
 
 #include "KeyboardService/Client/CommandLine.h"
 #include "KeyboardService/Protocol/Errors.h"
-#include "KeyboardService/Service/ServiceCommandLine.h"
+#include "KeyboardService/Service/CommandLine.h"
 #include "Tests/Unit/KeyboardService/Support/ErrorText.h"
 
 namespace zephlin {

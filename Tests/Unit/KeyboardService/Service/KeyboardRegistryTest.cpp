@@ -141,7 +141,7 @@ TEST_F(KeyboardRegistryTest, KeepsTheKeyboardsOfSeveralBusesApart) {
 TEST_F(KeyboardRegistryTest, TellsTheListenerOfEachKeyboardThatItThenHas) {
   std::vector<std::size_t> sizes;
   std::vector<RegistryID> appeared;
-  registry.listen([&](RegistryID registryID) {
+  registry.onAppeared([&](RegistryID registryID) {
     appeared.push_back(registryID);
     sizes.push_back(registry.size());
   });

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "KeyboardService/Service/LoginSessions.h"
+#include "KeyboardService/Service/Permissions.h"
 #include "Tests/Support/TestProcess.h"
 #include "Tests/Unit/KeyboardService/Support/PrivateRunDirectory.h"
 

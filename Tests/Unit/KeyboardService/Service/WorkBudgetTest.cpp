@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "KeyboardService/Service/WorkBudget.h"
+#include "KeyboardService/Service/Server.h"
 
 namespace zephlin {
 namespace {

@@ -30,7 +30,7 @@ class ServerTest : public testing::Test {
         handler(registry, virtualKeyboards, permissions, [](const std::string&) {}),
         server(loop, socket.takeDescriptor(), handler, {timeout, 3, 2}) {
     virtualKeyboards.start(registry);
-    registry.listen([this](RegistryID registryID) { server.announce({registryID}); });
+    registry.onAppeared([this](RegistryID registryID) { server.announce({registryID}); });
   }
 
   RawClient connect() const { return RawClient(directory.file("s")); }

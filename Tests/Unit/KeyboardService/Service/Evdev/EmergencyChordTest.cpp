@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "KeyboardService/Service/Evdev/EmergencyChord.h"
+#include "KeyboardService/Service/Evdev/GrabbedKeyboard.h"
 
 namespace zephlin {
 namespace {

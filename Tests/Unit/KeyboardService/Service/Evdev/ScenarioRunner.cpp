@@ -84,7 +84,7 @@ class Scenario {
     if (first == "rule") {
       print(line);
       readRule(words);
-    } else if (first == "light") {
+    } else if (first == "led") {
       print(line);
       words >> first;
       rewriter_.setLed(first == "on");

@@ -10,7 +10,7 @@ namespace zephlin {
 ///
 ///   # a comment
 ///   rule hold=0 gap=5                      milliseconds; in force for later presses
-///   light on                               the lock's light, which is off at first
+///   led on                                 the LED of Caps Lock, which is off at first
 ///   10 scan 58 + press KEY_CAPSLOCK        at 10 ms a frame; "press", "release", "repeat" a key
 ///   20 press KEY_A + dropped               the frame ends with SYN_DROPPED
 ///   30 press KEY_B ...                     the frame is not finished yet

@@ -1,4 +1,4 @@
-#include "KeyboardService/Service/ServiceCommandLine.h"
+#include "KeyboardService/Service/CommandLine.h"
 
 #include <charconv>
 

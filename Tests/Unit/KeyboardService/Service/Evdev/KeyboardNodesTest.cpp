@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdio>
 
-#include "KeyboardService/Service/Evdev/KeyboardNode.h"
+#include "KeyboardService/Service/Evdev/KeyboardNodes.h"
 
 namespace zephlin {
 namespace {
