@@ -6,6 +6,7 @@
 #include <string>
 #include <variant>
 
+#include "KeyboardService/Protocol/Transport.h"
 #include "Platform/HidDevices.h"
 #include "Platform/Linux/Watching/WindowSystem.h"
 
@@ -21,11 +22,9 @@ namespace zephlin {
 /// elsewhere.
 class LinuxHidDevices final : public HidDevices {
  public:
-  static constexpr const char* serviceSocketPath = "/run/zephlin/hidd.sock";
-
   /// `holdsInputBack` tells whether a menu of this process is open or an alert is modal.
   LinuxHidDevices(WindowSystem desktop, std::function<bool()> holdsInputBack,
-                  std::string socketPath = serviceSocketPath);
+                  std::string socketPath = std::string(defaultSocketPath));
 
   std::unique_ptr<Observation> observeAppeared(const std::string& serviceClass,
                                                std::function<void()> callback) override;

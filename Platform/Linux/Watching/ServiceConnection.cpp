@@ -1,57 +1,43 @@
 #include "Platform/Linux/Watching/ServiceConnection.h"
 
 #include <sys/socket.h>
-#include <sys/un.h>
 
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <array>
 #include <cerrno>
-#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
+
+#include "KeyboardService/Protocol/Messages.h"
 
 namespace zephlin {
 
 namespace {
 
-constexpr std::string_view subscribeRequest = "{\"request\":\"subscribe\"}\n";
-/// Far more than a service of ours sends.
-constexpr qsizetype maximumLineBytes = 4096;
-
-std::system_error lastError(const std::string& path) {
-  return {errno, std::generic_category(), path};
-}
-
 FileDescriptor connectedSocket(const std::string& path) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  if (path.size() >= sizeof address.sun_path) {
-    throw std::system_error(ENAMETOOLONG, std::generic_category(), path);
-  }
-  path.copy(address.sun_path, path.size());
-  FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-  if (!socket.isOpen() ||
-      ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-    throw lastError(path);
-  }
+  const SocketAddress address(path);
   // The empty buffer of a new socket holds it whole.
-  if (::send(socket.get(), subscribeRequest.data(), subscribeRequest.size(), MSG_NOSIGNAL) < 0) {
-    throw lastError(path);
+  const std::string request = encode(SubscribeRequest{}) + '\n';
+  FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+  if (!socket.isOpen() || ::connect(socket.get(), address.get(), address.size()) != 0 ||
+      ::send(socket.get(), request.data(), request.size(), MSG_NOSIGNAL) < 0) {
+    throw std::system_error(errno, std::generic_category(), path);
   }
   return socket;
 }
 
-std::optional<ServiceNews> newsInLine(const QByteArray& line, bool isSubscribed) {
-  const QJsonObject object = QJsonDocument::fromJson(line).object();
-  if (!isSubscribed && object["subscribed"].toBool()) {
-    return ServiceNews::Subscribed;
+ServiceNews newsInLine(std::string_view line, bool isSubscribed) {
+  try {
+    const Response response = decodeResponse(line);
+    if (!isSubscribed && std::holds_alternative<SubscribeResponse>(response)) {
+      return ServiceNews::Subscribed;
+    }
+    if (isSubscribed && std::holds_alternative<AppearedNotice>(response)) {
+      return ServiceNews::Appeared;
+    }
+  } catch (const ResponseError&) {
   }
-  if (isSubscribed && object["appeared"].isString()) {
-    return ServiceNews::Appeared;
-  }
-  return std::nullopt;
+  return ServiceNews::Ended;
 }
 
 }  // namespace
@@ -65,14 +51,14 @@ ServiceConnection::ServiceConnection(const std::string& path,
 }
 
 void ServiceConnection::receive() {
-  std::array<char, maximumLineBytes> bytes{};
+  std::array<char, maximumNoticeBytes> bytes{};
   const ssize_t count = ::recv(socket_.get(), bytes.data(), bytes.size(), 0);
   if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
     return;
   }
   std::vector<ServiceNews> news;
   if (count > 0) {
-    received_.append(bytes.data(), count);
+    received_.append({bytes.data(), static_cast<std::size_t>(count)});
     news = takeNews();
   } else {
     news.push_back(ServiceNews::Ended);
@@ -82,16 +68,14 @@ void ServiceConnection::receive() {
 
 std::vector<ServiceNews> ServiceConnection::takeNews() {
   std::vector<ServiceNews> news;
-  for (qsizetype end = received_.indexOf('\n'); end >= 0; end = received_.indexOf('\n')) {
-    const auto one = newsInLine(received_.left(end), isSubscribed_);
-    received_.remove(0, end + 1);
-    news.push_back(one.value_or(ServiceNews::Ended));
-    if (!one) {
+  while (received_.state() == LineSplitter::State::HasLine) {
+    news.push_back(newsInLine(received_.takeLine(), isSubscribed_));
+    if (news.back() == ServiceNews::Ended) {
       return news;
     }
     isSubscribed_ = true;
   }
-  if (received_.size() > maximumLineBytes) {
+  if (received_.state() == LineSplitter::State::LineTooLong) {
     news.push_back(ServiceNews::Ended);
   }
   return news;

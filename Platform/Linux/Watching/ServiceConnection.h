@@ -1,30 +1,28 @@
 #pragma once
 
-#include <QByteArray>
 #include <QSocketNotifier>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "Base/FileDescriptor.h"
+#include "KeyboardService/Protocol/Transport.h"
 #include "Platform/Linux/Watching/EndableCallback.h"
 
 namespace zephlin {
 
 enum class ServiceNews {
-  Subscribed,  ///< The service has agreed to tell of keyboards.
+  Subscribed,  ///< The service has accepted the subscription.
   Appeared,    ///< A keyboard has appeared.
-  Ended,       ///< The service has gone or is not to be understood; nothing follows.
+  Ended,       ///< The service has gone or cannot be understood; nothing follows.
 };
 
-/// One subscription at the keyboard service's stream socket, in lines of JSON: we send
-/// {"request":"subscribe"}; it answers {"subscribed":true}, and then sends
-/// {"appeared":"<RegistryID>"} for each keyboard that appears. Anything else from it ends the
-/// subscription. Main thread.
+/// One subscription at the keyboard service: a SubscribeRequest, its response, then a notice for
+/// each keyboard that appears. Anything else from the service ends the subscription. Main thread.
 class ServiceConnection {
  public:
-  /// Connects and asks, without waiting for the answer. Throws std::system_error when nobody
-  /// listens at the path.
+  /// Connects and asks, without waiting for the answer. Throws std::system_error if nobody
+  /// listens at the path, and RequestError if nobody can.
   ServiceConnection(const std::string& path, std::function<void(ServiceNews)> callback);
 
  private:
@@ -34,7 +32,7 @@ class ServiceConnection {
   EndableCallback<ServiceNews> callback_;
   FileDescriptor socket_;
   QSocketNotifier notifier_;
-  QByteArray received_;
+  LineSplitter received_{maximumNoticeBytes};
   bool isSubscribed_ = false;
 };
 

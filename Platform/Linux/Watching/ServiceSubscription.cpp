@@ -5,6 +5,8 @@
 #include <system_error>
 #include <utility>
 
+#include "KeyboardService/Protocol/Errors.h"
+
 namespace zephlin {
 
 namespace {
@@ -37,6 +39,8 @@ void ServiceSubscription::connect() {
         error.code() == std::errc::resource_unavailable_try_again) {
       connectionFailed();
     }
+  } catch (const RequestError&) {
+    // Nobody will ever listen at such a path.
   }
 }
 

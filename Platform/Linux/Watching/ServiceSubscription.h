@@ -14,11 +14,11 @@
 namespace zephlin {
 
 /// A subscription that follows the keyboard service through its restarts. Calls back each time a
-/// keyboard has appeared at the service, and when a service is there that was not there at the
+/// keyboard has appeared at the service, and when a service has started since the
 /// beginning. Main thread.
 ///
-/// Nothing is polled: after a lost connection it is tried again a few times at growing intervals,
-/// and then when the socket's file is made anew.
+/// Nothing is polled: after a lost connection it retries a few times at growing intervals, and then
+/// when the socket's file is created again.
 class ServiceSubscription {
  public:
   ServiceSubscription(std::string socketPath, std::function<void()> appeared);
