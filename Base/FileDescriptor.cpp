@@ -8,8 +8,6 @@
 #include <system_error>
 #include <utility>
 
-#include "Base/CloseOnExec.h"
-
 namespace zephlin {
 
 namespace {
@@ -59,6 +57,19 @@ Pipe makePipe() {
   FileDescriptor readEnd(ends[0]);
   FileDescriptor writeEnd(ends[1]);
   return {ordinary(std::move(readEnd)), ordinary(std::move(writeEnd))};
+}
+
+void openMissingStandardDescriptors() {
+  for (int wanted = STDIN_FILENO; wanted < firstOrdinaryDescriptor; ++wanted) {
+    if (::fcntl(wanted, F_GETFD) >= 0) {
+      continue;
+    }
+    // The lowest free descriptor is the wanted one, since all below it are open by now. It is left
+    // open for the life of the program, as a standard descriptor is.
+    if (::open("/dev/null", O_RDWR) < 0) {
+      return;
+    }
+  }
 }
 
 }  // namespace zephlin

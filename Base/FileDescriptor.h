@@ -1,5 +1,7 @@
 #pragma once
 
+#include <spawn.h>
+
 namespace zephlin {
 
 /// Owns an open file descriptor, or none (-1), and closes it.
@@ -27,7 +29,21 @@ struct Pipe {
   FileDescriptor writeEnd;
 };
 
-/// Throws std::system_error when descriptors have run out.
+/// Throws std::system_error when descriptors have run out. On macOS the ends become close-on-exec
+/// an instant after they are open: a child that is launched just then, by other means than
+/// `ChildProcess`, inherits them.
 Pipe makePipe();
+
+/// Makes posix_spawn's child inherit the descriptors 0 to 2 only, as `actions` leave them. To be
+/// added after all other actions; adds to the flags of `attributes`. Returns an error number or 0.
+int inheritStandardDescriptorsOnly(posix_spawn_file_actions_t& actions,
+                                   posix_spawnattr_t& attributes);
+
+/// Opens /dev/null in place of each of the descriptors 0 to 2 that the program was started
+/// without, so that no socket or file of ours can become "standard output".
+void openMissingStandardDescriptors();
+
+/// For `makePipe`, a body for each system: returns as pipe(2) does.
+int openCloseOnExecPipe(int* ends);
 
 }  // namespace zephlin

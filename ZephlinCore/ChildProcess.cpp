@@ -10,8 +10,6 @@
 #include <utility>
 #include <vector>
 
-#include "Base/CloseOnExec.h"
-
 extern char** environ;  // No header of macOS declares it.
 
 namespace zephlin {

@@ -1,7 +1,7 @@
-#include "Base/CloseOnExec.h"
-
 #include <fcntl.h>
 #include <unistd.h>
+
+#include "Base/FileDescriptor.h"
 
 namespace zephlin {
 

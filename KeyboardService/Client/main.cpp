@@ -7,7 +7,6 @@
 
 #include "Base/ErrnoText.h"
 #include "Base/FileDescriptor.h"
-#include "Base/StandardDescriptors.h"
 #include "KeyboardService/Client/CommandLine.h"
 #include "KeyboardService/Client/Listing.h"
 #include "KeyboardService/Client/ServiceClient.h"
@@ -65,7 +64,6 @@ int runCommandLine(const std::vector<std::string>& arguments) {
 }  // namespace zephlin
 
 int main(int argumentCount, char** arguments) {
-  zephlin::openMissingStandardDescriptors();
   std::signal(SIGPIPE, SIG_IGN);
   return zephlin::runCommandLine(
       {arguments + (argumentCount > 0 ? 1 : 0), arguments + argumentCount});

@@ -13,7 +13,6 @@
 
 #include "Base/ErrnoText.h"
 #include "Base/FileDescriptor.h"
-#include "Base/StandardDescriptors.h"
 #include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Service/CommandLine.h"
 #include "KeyboardService/Service/Evdev/EvdevKeyboardBus.h"
