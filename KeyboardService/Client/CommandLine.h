@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -24,7 +23,11 @@ using Command = std::variant<ShowHelp, ShowVersion, Invocation>;
 /// RequestError if they do but a value among them is not valid.
 Command parseCommandLine(const std::vector<std::string>& arguments);
 
+/// What hidutil prints on standard output for a response. Throws RequestError if the response says
+/// that the request failed, ResponseError if it is a response to something else.
+std::string listing(const Request& request, const Response& response);
+
 /// What --help prints.
-extern const std::string_view commandHelp;
+std::string commandHelp();
 
 }  // namespace zephlin

@@ -40,7 +40,9 @@ Row propertyHeader() {
   return {"RegistryID", "Key", "Value"};
 }
 
-std::string listingOf(const ListRequest& /*request*/, const ListResponse& response) {
+}  // namespace
+
+std::string listing(const ListRequest& /*request*/, const ListResponse& response) {
   std::vector<Row> rows{
       {"RegistryID", "VendorID", "ProductID", "UsagePage", "Usage", "Transport", "Product"}};
   for (const Keyboard& each : response.keyboards) {
@@ -54,7 +56,7 @@ std::string listingOf(const ListRequest& /*request*/, const ListResponse& respon
   return table(rows);
 }
 
-std::string listingOf(const GetRequest& request, const GetResponse& response) {
+std::string listing(const GetRequest& request, const GetResponse& response) {
   std::vector<Row> rows{propertyHeader()};
   for (const KeyboardValue& each : response.values) {
     rows.push_back(propertyRow(each.registryID, request.key, each.value));
@@ -62,7 +64,7 @@ std::string listingOf(const GetRequest& request, const GetResponse& response) {
   return table(rows);
 }
 
-std::string listingOf(const SetRequest& request, const SetResponse& response) {
+std::string listing(const SetRequest& request, const SetResponse& response) {
   std::vector<Row> rows{propertyHeader()};
   for (const RegistryID each : response.keyboards) {
     for (const auto& [key, value] : request.properties) {
@@ -72,30 +74,12 @@ std::string listingOf(const SetRequest& request, const SetResponse& response) {
   return table(rows);
 }
 
-std::string listingOf(const PlugRequest& /*request*/, const PlugResponse& response) {
+std::string listing(const PlugRequest& /*request*/, const PlugResponse& response) {
   return toText(response.registryID) + '\n';
 }
 
-std::string listingOf(const PullRequest& /*request*/, const PullResponse& /*response*/) {
+std::string listing(const PullRequest& /*request*/, const PullResponse& /*response*/) {
   return {};
-}
-
-template <typename AnyRequest>
-std::string listingOf(const AnyRequest& /*request*/, const ErrorResponse& response) {
-  throw RequestError(printable(response.text));
-}
-
-template <typename AnyRequest, typename OtherResponse>
-std::string listingOf(const AnyRequest& /*request*/, const OtherResponse& /*response*/) {
-  throw ResponseError("the response is of another kind than the request");
-}
-
-}  // namespace
-
-std::string listing(const Request& request, const Response& response) {
-  return std::visit(
-      [](const auto& asked, const auto& answered) { return listingOf(asked, answered); }, request,
-      response);
 }
 
 }  // namespace zephlin

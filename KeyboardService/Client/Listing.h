@@ -6,9 +6,12 @@
 
 namespace zephlin {
 
-/// What hidutil prints on standard output for a response: a table with one header line, or the
-/// RegistryID of the keyboard that was plugged in, or nothing. Throws ResponseError if the response
-/// is not of the request's kind, RequestError if it says that the request failed.
-std::string listing(const Request& request, const Response& response);
+/// What is printed for each kind of answer: a table with one header line, or the RegistryID of the
+/// keyboard that was plugged in, or nothing. ZephlinCore parses the tables.
+std::string listing(const ListRequest& request, const ListResponse& response);
+std::string listing(const GetRequest& request, const GetResponse& response);
+std::string listing(const SetRequest& request, const SetResponse& response);
+std::string listing(const PlugRequest& request, const PlugResponse& response);
+std::string listing(const PullRequest& request, const PullResponse& response);
 
 }  // namespace zephlin

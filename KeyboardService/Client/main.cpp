@@ -8,7 +8,6 @@
 #include "Base/ErrnoText.h"
 #include "Base/FileDescriptor.h"
 #include "KeyboardService/Client/CommandLine.h"
-#include "KeyboardService/Client/Listing.h"
 #include "KeyboardService/Client/ServiceClient.h"
 #include "KeyboardService/Protocol/Errors.h"
 
@@ -18,7 +17,7 @@ namespace {
 enum ExitStatus : int { Done = 0, Failed = 1, WrongUsage = 64 };
 
 std::string run(const ShowHelp& /*command*/) {
-  return std::string(commandHelp);
+  return commandHelp();
 }
 
 std::string run(const ShowVersion& /*command*/) {
@@ -64,6 +63,7 @@ int runCommandLine(const std::vector<std::string>& arguments) {
 }  // namespace zephlin
 
 int main(int argumentCount, char** arguments) {
+  zephlin::openMissingStandardDescriptors();
   std::signal(SIGPIPE, SIG_IGN);
   return zephlin::runCommandLine(
       {arguments + (argumentCount > 0 ? 1 : 0), arguments + argumentCount});

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "KeyboardService/Client/CommandLine.h"
 #include "KeyboardService/Client/Listing.h"
 #include "Tests/Unit/KeyboardService/Support/ErrorText.h"
 
