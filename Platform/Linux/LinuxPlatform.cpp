@@ -5,7 +5,6 @@
 
 #include "Platform/Linux/LinuxUpdater.h"
 #include "Platform/Linux/Session/ConfigurationFolder.h"
-#include "Platform/Linux/Session/SessionEnd.h"
 
 namespace zephlin {
 

@@ -152,7 +152,8 @@ class Names(unittest.TestCase):
                 continue
             room = max(rooms, key=len)
             for included in re.findall(r'^#\s*(?:include|import) "([^"]+)"', text, re.M):
-                if Path(included).is_relative_to(room):
+                # moc makes that one from the file itself.
+                if included == f"{path.stem}.moc" or Path(included).is_relative_to(room):
                     continue
                 with self.subTest(file=str(name), included=included):
                     self.assertTrue(any(

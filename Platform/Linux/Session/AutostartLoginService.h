@@ -2,25 +2,24 @@
 
 #include <string>
 
-#include "Platform/Linux/Session/AutostartEntry.h"
 #include "Platform/LoginService.h"
 #include "Platform/SystemLog.h"
 
 namespace zephlin {
 
-/// Has the application started at login by an entry of its own in the user's autostart folder
-/// (Desktop Application Autostart, freedesktop.org), in every desktop.
+/// Has the application started at login, in every desktop, by an entry in the user's autostart
+/// folder (Desktop Application Autostart, freedesktop.org).
 ///
-/// The entry that the user, or the desktop for him, has switched off is registered and awaits
-/// approval: registering once more brings it up to date and leaves it off, and the desktop's
-/// settings are where it is switched on again. What else he wrote into it is kept.
+/// An entry that the user, or the desktop for them, has switched off is registered and awaits
+/// approval: registering again updates it and leaves it off, and the desktop's settings can switch
+/// it on again. Whatever else the user wrote into it is kept.
 class AutostartLoginService final : public LoginService {
  public:
-  /// What is to be started: an absolute path. The log outlives the service.
+  /// Starts the program at this absolute path. The log outlives the service.
   AutostartLoginService(std::string executablePath, SystemLog& log);
 
   void registerMainApp() override;
-  /// Removes the entry; where a system-wide one would take its place, hides that.
+  /// Removes the entry; if a system-wide one would take its place, hides that.
   void unregisterMainApp() override;
   [[nodiscard]] LoginServiceStatus status() const override;
   void openSystemSettingsLoginItems() override;

@@ -104,8 +104,8 @@ std::optional<std::size_t> DesktopEntry::lineOf(std::string_view key) const {
 }
 
 std::string execValue(std::string_view programPath) {
-  // Two rules one upon the other: that of quoted arguments, and that of all text values, in which
-  // each backslash is doubled.
+  // Two rules apply, one after the other: that of quoted arguments, and that of all text values, in
+  // which each backslash is doubled.
   std::string quoted = "\"";
   for (const char character : programPath) {
     switch (character) {

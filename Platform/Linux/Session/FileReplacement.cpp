@@ -19,16 +19,16 @@ using namespace std::chrono_literals;
 
 constexpr auto lockTimeout = 2s;
 constexpr auto lockPause = 10ms;
-/// As many as the kernel follows (path_resolution).
+/// As many as the kernel follows (path_resolution(7)).
 constexpr int maximumLinks = 40;
-/// Of a file that is read. To read and to parse a few hundred megabytes takes many seconds.
+/// Of a file that is read: parsing a few hundred megabytes takes many seconds.
 constexpr std::size_t maximumBytes = std::size_t{1} << 20U;
 
 [[noreturn]] void fail(const std::string& what, const std::string& path, int error = errno) {
   throw std::system_error(error, std::generic_category(), "cannot " + what + " " + path);
 }
 
-/// Unlike canonical(), it also follows a link whose target is not there yet.
+/// Unlike canonical(), also follows a link whose target does not exist yet.
 std::string withoutLinks(std::filesystem::path path) {
   std::error_code error;
   for (int link = 0; std::filesystem::is_symlink(std::filesystem::symlink_status(path, error));
@@ -57,7 +57,7 @@ void makeFolder(const std::filesystem::path& folder) {
 
 void syncFolder(const std::string& folder) {
   const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  // The file is replaced by then, so it is too late to fail; and some systems cannot do this.
+  // The file is already replaced, so it is too late to fail, and not every file system can do this.
   ::fsync(descriptor.get());
 }
 
@@ -102,7 +102,7 @@ FileReplacement::FileReplacement(const std::string& path) : path_(withoutLinks(p
   newPath_ = file.parent_path() / ("." + file.filename().string() + ".new");
   struct stat status {};
   if (::stat(path_.c_str(), &status) == 0) {
-    // A device may stand here to keep the settings out (a link to /dev/null); it must survive.
+    // The user may have linked it to a device such as /dev/null, which must survive.
     if (!S_ISREG(status.st_mode)) {
       fail("replace", path_, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
     }
@@ -120,7 +120,7 @@ FileReplacement::FileReplacement(const std::string& path) : path_(withoutLinks(p
 
 FileReplacement::~FileReplacement() {
   if (newFile_.isOpen()) {
-    // Before the lock goes with the descriptor, so that whoever waits for it notices.
+    // Before closing it releases the lock, so that a waiting writer notices.
     ::unlink(newPath_.c_str());
   }
 }

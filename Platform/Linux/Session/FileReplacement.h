@@ -10,29 +10,29 @@
 
 namespace zephlin {
 
-/// Replaces a file in one step, so that it is whole whenever it is read and whenever a writer is
-/// killed. While it lives, other processes that replace the same file wait for it, so what is read
-/// through it is still true when it is committed.
+/// Replaces a file atomically: readers never see a partial file, even if a writer is killed. While
+/// it lives, other processes that replace the same file wait for it, so what is read through it is
+/// still true when it is committed.
 ///
-/// The new content is written beside the file, under a name that is locked as long as its writer
-/// lives (fcntl); the next writer takes over what a dead one left. A symbolic link stays, and its
-/// target is replaced. Every operation throws std::system_error, whose what() begins with "cannot"
+/// The new content is written beside the file, under a name that its writer keeps locked (fcntl);
+/// the next writer takes over what a dead one left. A symbolic link stays, and its target is
+/// replaced. Every operation throws std::system_error, whose what() begins with "cannot"
 /// and names the file. Any thread, but one replacement of a file at a time in this process.
 class FileReplacement {
  public:
-  /// Makes the folder (0700) where there is none. Waits for other writers, two seconds at most.
+  /// Makes the folder (0700) if it is missing. Waits up to two seconds for other writers.
   explicit FileReplacement(const std::string& path);
   FileReplacement(const FileReplacement&) = delete;
   FileReplacement& operator=(const FileReplacement&) = delete;
-  /// Without a commit nothing has happened.
+  /// Changes nothing without a commit.
   ~FileReplacement();
 
-  /// The file that is replaced, all links followed.
+  /// The file that is replaced, after following all links.
   [[nodiscard]] const std::string& path() const { return path_; }
-  /// What the file holds; absent where there is none.
+  /// What the file holds; absent if there is no file.
   [[nodiscard]] std::optional<std::string> currentContent() const;
-  /// Replaces the file and sees to it that it is on the disk. A new file is the user's alone
-  /// (0600), one that was there keeps its permissions. Once.
+  /// Replaces the file and syncs it to disk. Only the user may read a new file (0600); an existing
+  /// one keeps its permissions. Called once.
   void commit(std::string_view content);
 
  private:

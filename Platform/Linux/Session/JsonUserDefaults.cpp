@@ -13,10 +13,10 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// No settings are nested deeper; the library writes nested values by recursion.
+/// Settings are never nested deeper. The library writes nested values recursively.
 constexpr int maximumNesting = 100;
 
-/// The object that the text holds. Absent where it holds anything else.
+/// The object that the text holds; absent if it holds anything else.
 std::optional<Json> parseObject(const std::string& text) {
   bool isTooDeep = false;
   Json object = Json::parse(
@@ -26,7 +26,7 @@ std::optional<Json> parseObject(const std::string& text) {
         return !isTooDeep;
       },
       false);
-  // The library takes a NUL for the end of the text.
+  // The library stops at a NUL.
   const bool isWhole = text.find('\0') == std::string::npos;
   return isWhole && !isTooDeep && object.is_object() ? std::optional(std::move(object))
                                                      : std::nullopt;
@@ -36,7 +36,7 @@ Json storedIn(const std::string& path) {
   try {
     return parseObject(readFile(path).value_or("")).value_or(Json::object());
   } catch (const std::system_error&) {
-    return Json::object();  // Why, is logged when something is to be stored.
+    return Json::object();  // Storing something logs the cause.
   }
 }
 
@@ -83,8 +83,8 @@ void JsonUserDefaults::set(const std::string& key, Json value) {
   } catch (const std::system_error& error) {
     if (loggedCauses_.insert(error.what()).second) {
       log_.log(
-          std::string("Zephlin: settings are not kept: ") + error.what() +
-          "; they hold until Zephlin quits, and a later change keeps them once this is mended");
+          std::string("Zephlin: cannot save settings: ") + error.what() +
+          "; they hold until Zephlin quits, and the next change saves them once this is fixed");
     }
   }
 }
@@ -106,7 +106,7 @@ Json JsonUserDefaults::readForReplacement(const FileReplacement& file) const {
   }
   const std::string aside = firstFreeName(file.path() + ".unreadable");
   std::filesystem::rename(file.path(), aside);
-  log_.log("Zephlin: " + file.path() + " holds no JSON object; it is now " + aside);
+  log_.log("Zephlin: " + file.path() + " is not a JSON object; it is now " + aside);
   return Json::object();
 }
 

@@ -15,10 +15,10 @@ class FileReplacement;
 
 /// Settings in a file of typed JSON, an object that is written so that a person can read it.
 ///
-/// The file is read each time, and other processes may change it at any time. All that it holds
-/// besides is kept. What is no JSON object is moved aside before something is stored. Where the
-/// file cannot be written, values hold for this process, and are stored with the next one that can
-/// be. Each cause is logged once.
+/// The file is read each time, and other processes may change it at any time. Everything else in it
+/// is kept. A file that is not a JSON object is moved aside before something is stored. If the file
+/// cannot be written, values hold for this process, and are stored with the next value that can be.
+/// Each cause is logged once.
 class JsonUserDefaults final : public UserDefaults {
  public:
   /// Reads nothing yet. The log outlives the settings.
@@ -27,7 +27,7 @@ class JsonUserDefaults final : public UserDefaults {
   [[nodiscard]] std::optional<bool> boolean(const std::string& key) const override;
   [[nodiscard]] bool boolForKey(const std::string& key) const override;
   void setBoolean(const std::string& key, bool value) override;
-  /// A number that is not finite is stored as null: JSON has none.
+  /// A number that is not finite is stored as null: JSON cannot express it.
   void setDouble(const std::string& key, double value) override;
 
  private:
@@ -38,7 +38,7 @@ class JsonUserDefaults final : public UserDefaults {
 
   std::string path_;
   SystemLog& log_;
-  /// What could not be stored yet.
+  /// Values that could not be stored yet.
   nlohmann::ordered_json unsaved_ = nlohmann::ordered_json::object();
   std::set<std::string> loggedCauses_;
 };

@@ -7,16 +7,16 @@
 #include <syslog.h>
 #include <unistd.h>
 
+#include <QString>
 #include <csignal>
+#include <cstdlib>
 #include <exception>
-
-#include "Platform/Linux/Session/LogEntry.h"
 
 namespace zephlin {
 
 namespace {
 
-/// Keeps SIGPIPE from the calling thread, and takes one that a write has caused meanwhile.
+/// Blocks SIGPIPE for the calling thread, and takes one that a write has caused meanwhile.
 class BrokenPipeSignalBlocked {
  public:
   BrokenPipeSignalBlocked() : pipeSignal_(), previous_() {
@@ -38,8 +38,8 @@ class BrokenPipeSignalBlocked {
   sigset_t previous_;
 };
 
-/// Others may write to the same pipe, so that it is full between asking and writing. Opened anew,
-/// it need not block, and for nobody else does it change.
+/// Others may write to the same pipe, so that it fills up between asking and writing. Opened again,
+/// it can be made not to block without changing it for anybody else.
 FileDescriptor openStandardError() {
   struct stat status {};
   if (::fstat(STDERR_FILENO, &status) == 0 && S_ISFIFO(status.st_mode)) {
@@ -49,6 +49,32 @@ FileDescriptor openStandardError() {
     }
   }
   return FileDescriptor(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+}
+
+constexpr std::string_view indentedLine = "\n    ";
+constexpr std::string_view ellipsis = "…";
+
+bool isControl(char character) {
+  const auto byte = static_cast<unsigned char>(character);
+  return byte < 0x20 || byte == 0x7F;
+}
+
+bool isContinuation(char character) {
+  return (static_cast<unsigned char>(character) & 0xC0U) == 0x80U;
+}
+
+std::string_view withoutLineFeedsAtEnd(std::string_view text) {
+  const auto last = text.find_last_not_of("\r\n");
+  return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
+}
+
+SystemLog* currentLog = nullptr;
+
+/// The last messages of Qt's xcb and Wayland platforms before they end the process (Qt 6.4,
+/// QXcbConnection::processXcbEvents, QWaylandDisplay::checkError).
+bool isAboutLostDisplay(const QString& message) {
+  return message.startsWith("The X11 connection broke") ||
+         message.startsWith("The Wayland connection broke");
 }
 
 }  // namespace
@@ -67,7 +93,7 @@ void LinuxSystemLog::log(const std::string& text) {
     ::syslog(LOG_NOTICE, "%s", entry.c_str());
     writeToStandardError(entry + '\n');
   } catch (const std::exception&) {
-    // Without memory for an entry there is none.
+    // Out of memory: there is no entry.
     return;
   }
 }
@@ -83,6 +109,49 @@ void LinuxSystemLog::writeToStandardError(std::string_view line) {
   pollfd request{file, POLLOUT, 0};
   if (::poll(&request, 1, 0) == 1 && ::write(file, line.data(), line.size()) == -1) {
     return;
+  }
+}
+
+std::string logEntry(std::string_view text, std::size_t maximumBytes) {
+  std::string entry;
+  for (const char character : withoutLineFeedsAtEnd(text)) {
+    if (entry.size() > maximumBytes) {
+      break;
+    }
+    if (character == '\n') {
+      entry += indentedLine;
+    } else {
+      entry += isControl(character) && character != '\t' ? '?' : character;
+    }
+  }
+  if (entry.size() > maximumBytes) {
+    std::size_t end = maximumBytes - ellipsis.size();
+    while (end > 0 && isContinuation(entry[end])) {
+      --end;
+    }
+    entry.replace(end, std::string::npos, ellipsis);
+  }
+  return entry;
+}
+
+QtMessages::QtMessages(SystemLog& log) : previous_(nullptr) {
+  currentLog = &log;
+  previous_ = qInstallMessageHandler(handle);
+}
+
+QtMessages::~QtMessages() {
+  qInstallMessageHandler(previous_);
+}
+
+void QtMessages::handle(QtMsgType type, const QMessageLogContext& /*context*/,
+                        const QString& message) {
+  if (type == QtDebugMsg || type == QtInfoMsg) {
+    return;
+  }
+  currentLog->log("Zephlin: " + message.toStdString());
+  if (isAboutLostDisplay(message)) {
+    // Shutting down would ask the display; the kernel frees everything else.
+    std::_Exit(EXIT_SUCCESS);
   }
 }
 

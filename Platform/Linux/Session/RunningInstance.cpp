@@ -4,7 +4,14 @@
 #include <sys/stat.h>
 
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusReply>
+#include <QObject>
+#include <QStringList>
+#include <QTimer>
+#include <QVariantList>
+#include <QVariantMap>
 #include <cerrno>
 #include <chrono>
 #include <string>
@@ -12,11 +19,31 @@
 #include <thread>
 #include <utility>
 
-#include "Platform/Linux/Session/InstanceLockPath.h"
-#include "Platform/Linux/Session/InstanceMessage.h"
-#include "Platform/Linux/Session/InstanceObject.h"
+#include "Platform/Linux/Session/InstanceLock.h"
 
 namespace zephlin {
+
+/// What the running instance answers to. There are no files and no actions, so opening files just
+/// comes forward.
+class InstanceObject final : public QObject {
+  Q_OBJECT
+  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+ public:
+  explicit InstanceObject(std::function<void()> onActivate) : onActivate_(std::move(onActivate)) {}
+
+ public Q_SLOTS:
+  /// Answers at once: coming forward may take as long as an alert is open.
+  void Activate(const QVariantMap& /*platformData*/) { QTimer::singleShot(0, this, onActivate_); }
+  void Open(const QStringList& /*addresses*/, const QVariantMap& /*platformData*/) {
+    QTimer::singleShot(0, this, onActivate_);
+  }
+  void ActivateAction(const QString& /*action*/, const QVariantList& /*parameters*/,
+                      const QVariantMap& /*platformData*/) {}
+
+ private:
+  std::function<void()> onActivate_;
+};
 
 namespace {
 
@@ -25,15 +52,9 @@ using namespace std::chrono_literals;
 /// How long an instance may take from its lock to its name on the bus.
 constexpr auto timeout = 5s;
 constexpr auto pause = 50ms;
+constexpr int replyMilliseconds = 5000;
 
-struct flock wholeFileLock() {
-  struct flock lock {};
-  lock.l_type = F_WRLCK;
-  lock.l_whence = SEEK_SET;
-  return lock;
-}
-
-/// Not open, with errno set, where there is anything but a regular file.
+/// Not open, with errno set, if there is anything but a regular file.
 FileDescriptor openLockFile(const std::string& path) {
   FileDescriptor file(
       ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
@@ -43,6 +64,34 @@ FileDescriptor openLockFile(const std::string& path) {
     errno = EINVAL;
   }
   return file;
+}
+
+enum class InstanceReply {
+  Answered,
+  /// It does not own its name yet.
+  NotThereYet,
+  /// There is no bus, or no answer.
+  Unreachable
+};
+
+/// Blocks for a few seconds at most.
+InstanceReply askToComeForward(pid_t instance) {
+  const QDBusConnection bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) {
+    return InstanceReply::Unreachable;
+  }
+  // A process that is about to end may still own the name; only the lock's holder is the instance.
+  const QDBusReply<uint> owner = bus.interface()->servicePid(instanceBusName);
+  if (!owner.isValid() || static_cast<pid_t>(owner.value()) != instance) {
+    return InstanceReply::NotThereYet;
+  }
+  auto message = QDBusMessage::createMethodCall(instanceBusName, instanceBusPath,
+                                                instanceBusInterface, "Activate");
+  message.setAutoStartService(false);
+  message << QVariantMap();
+  const QDBusMessage reply = bus.call(message, QDBus::Block, replyMilliseconds);
+  return reply.type() == QDBusMessage::ReplyMessage ? InstanceReply::Answered
+                                                    : InstanceReply::Unreachable;
 }
 
 }  // namespace
@@ -101,8 +150,8 @@ void RunningInstance::answerOnTheBus() {
     return;
   }
   bus.registerObject(instanceBusPath, object_.get(), QDBusConnection::ExportAllSlots);
-  // A former instance that is about to end may still own the name; it comes to the next in line.
-  // The answer is not waited for: whoever is started again is patient.
+  // A former instance that is about to end may still own the name; the bus passes it on then. No
+  // need to wait for the answer: the next start asks again until the name is there.
   constexpr uint noFlags = 0;
   auto request = QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
                                                 "org.freedesktop.DBus", "RequestName");
@@ -111,3 +160,5 @@ void RunningInstance::answerOnTheBus() {
 }
 
 }  // namespace zephlin
+
+#include "RunningInstance.moc"

@@ -11,15 +11,20 @@
 
 namespace zephlin {
 
+/// How a running instance is reached on the session bus.
+constexpr const char* instanceBusName = "com.quorvenel.zephlin";
+constexpr const char* instanceBusPath = "/com/quorvenel/zephlin";
+constexpr const char* instanceBusInterface = "org.freedesktop.Application";
+
 class InstanceObject;
 
 /// Makes this process the user's one running instance of Zephlin for as long as it lives, or hands
-/// over to the one that runs. A lock of the kernel's decides which one that is (instanceLockPath);
-/// the session bus only carries the message (org.freedesktop.Application, as
-/// desktop entries with D-Bus activation have it).
+/// over to the one that runs. A file lock decides which one that is (instanceLockPath); the session
+/// bus only carries the message (org.freedesktop.Application, as for desktop entries with D-Bus
+/// activation).
 ///
-/// Where there is no runtime directory there is no lock, and every process is the instance. Main
-/// thread, one in a process, with a QCoreApplication.
+/// Without a runtime directory there is no lock, and every process is the instance. Main thread,
+/// one in a process, with a QCoreApplication.
 class RunningInstance {
  public:
   /// `onActivate` is called from the event loop, once for each start that was handed over. The log
@@ -30,11 +35,11 @@ class RunningInstance {
   ~RunningInstance();
 
   /// True if this process is the instance now. Otherwise the running one was asked to come
-  /// forward; if it could not be reached within a few seconds, that is logged. Once.
+  /// forward; a failure to reach it within a few seconds is logged. Called once.
   [[nodiscard]] bool becomeTheInstance();
 
  private:
-  /// Takes the lock, or finds out who has it.
+  /// Takes the lock, or returns who has it.
   std::optional<pid_t> otherHolder();
   void answerOnTheBus();
 

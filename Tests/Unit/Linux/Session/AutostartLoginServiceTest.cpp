@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <functional>
 #include <stdexcept>
 
 #include "Platform/Linux/Session/AutostartLoginService.h"
@@ -25,6 +26,15 @@ Terminal=false
 StartupNotify=false
 X-GNOME-Autostart-enabled=true
 )";
+
+std::string failureOf(const std::function<void()>& change) {
+  try {
+    change();
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+  return "none";
+}
 
 class AutostartLoginServiceTest : public testing::Test {
  protected:
@@ -57,6 +67,42 @@ TEST_F(AutostartLoginServiceTest, RegisteringWritesTheEntryAndUnregisteringRemov
   EXPECT_EQ(service_.status(), LoginServiceStatus::NotRegistered);
 }
 
+TEST_F(AutostartLoginServiceTest, TheEntrySaysWhetherThisDesktopStartsIt) {
+  constexpr auto enabled = LoginServiceStatus::Enabled;
+  constexpr auto off = LoginServiceStatus::RequiresApproval;
+  constexpr auto none = LoginServiceStatus::NotRegistered;
+  const struct {
+    const char* lines;
+    const char* desktop;
+    LoginServiceStatus status;
+  } cases[] = {
+      {"Exec=run\n", "XFCE", enabled},
+      {"Exec=run\nHidden=false\nX-GNOME-Autostart-enabled=true\n", "XFCE", enabled},
+      {"", "", none},
+      {"Exec=\n", "", none},
+      {"Hidden=true\n", "", off},
+      {"Exec=run\nHidden=true\n", "XFCE", off},
+      {"Exec=run\nX-GNOME-Autostart-enabled=false\n", "XFCE", off},
+      // The desktop's names are looked up in their order.
+      {"Exec=run\nOnlyShowIn=KDE;XFCE;\n", "XFCE", enabled},
+      {"Exec=run\nOnlyShowIn=KDE;\n", "XFCE", off},
+      {"Exec=run\nOnlyShowIn=KDE;\n", "", off},
+      {"Exec=run\nNotShowIn=XFCE;\n", "XFCE", off},
+      {"Exec=run\nNotShowIn=KDE;\n", "XFCE", enabled},
+      {"Exec=run\nNotShowIn=GNOME;\n", "ubuntu:GNOME", off},
+      {"Exec=run\nOnlyShowIn=ubuntu;\nNotShowIn=GNOME;\n", "ubuntu:GNOME", enabled},
+      // A program to try must be there.
+      {"Exec=run\nTryExec=/bin/sh\n", "XFCE", enabled},
+      {"Exec=run\nTryExec=sh\n", "XFCE", enabled},
+      {"Exec=run\nTryExec=/nonexistent/program\n", "XFCE", off},
+  };
+  for (const auto& [lines, desktop, status] : cases) {
+    ::setenv("XDG_CURRENT_DESKTOP", desktop, 1);
+    writeTo(entry_, std::string("[Desktop Entry]\n") + lines);
+    EXPECT_EQ(service_.status(), status) << lines << desktop;
+  }
+}
+
 TEST_F(AutostartLoginServiceTest, WhatTheUserSwitchedOffAwaitsApprovalAndIsNotSwitchedOn) {
   for (const std::string off : {"Hidden=true", "X-GNOME-Autostart-enabled=false", "OnlyShowIn=KDE;",
                                 "TryExec=/nonexistent"}) {
@@ -76,7 +122,7 @@ TEST_F(AutostartLoginServiceTest, WhatTheUserAddedIsKept) {
             0U);
 }
 
-TEST_F(AutostartLoginServiceTest, AnEntryThatIsNoneIsRepaired) {
+TEST_F(AutostartLoginServiceTest, AnEmptyEntryIsRepaired) {
   writeTo(entry_, "");
   EXPECT_EQ(service_.status(), LoginServiceStatus::NotRegistered);
   service_.registerMainApp();
@@ -107,24 +153,16 @@ TEST_F(AutostartLoginServiceTest, FailuresSayWhatCannotBeDoneWhereAndWhy) {
   const std::string folder = directory_.file("home/autostart");
   writeTo(folder, "a file where the folder should be");
   EXPECT_EQ(service_.status(), LoginServiceStatus::NotRegistered);
-  try {
-    service_.registerMainApp();
-    ADD_FAILURE() << "registered";
-  } catch (const std::exception& error) {
-    EXPECT_EQ(std::string(error.what()), "cannot make the folder " + folder + ": File exists");
-  }
+  EXPECT_EQ(failureOf([&] { service_.registerMainApp(); }),
+            "cannot make the folder " + folder + ": File exists");
   std::filesystem::remove(folder);
   std::filesystem::create_directories(entry_);
   EXPECT_EQ(service_.status(), LoginServiceStatus::NotRegistered);
-  try {
-    service_.unregisterMainApp();
-    ADD_FAILURE() << "unregistered";
-  } catch (const std::exception& error) {
-    EXPECT_EQ(std::string(error.what()), "cannot remove " + entry_ + ": Is a directory");
-  }
+  EXPECT_EQ(failureOf([&] { service_.unregisterMainApp(); }),
+            "cannot remove " + entry_ + ": Is a directory");
 }
 
-/// With a folder of programs that stand for the desktop's, each of which leaves its name behind.
+/// Has a folder of fake settings programs, each of which leaves its name behind.
 class AutostartSettingsTest : public AutostartLoginServiceTest {
  protected:
   AutostartSettingsTest() { ::setenv("PATH", directory_.file("bin").c_str(), 1); }

@@ -1,4 +1,4 @@
-// A program of the session's parts, for the tests that need a process to start, signal or bereave:
+// Runs one part of the session, for tests that need a process to start or signal:
 //
 //   instance       becomes the running instance, and prints "instance" and, for each start that is
 //                  handed over, "activated"; or prints "handed over" and ends
@@ -14,10 +14,7 @@
 #include <cstdio>
 #include <string>
 
-#include "Platform/Linux/Session/InstanceObject.h"
 #include "Platform/Linux/Session/LinuxSystemLog.h"
-#include "Platform/Linux/Session/QtMessages.h"
-#include "Platform/Linux/Session/QuitSignals.h"
 #include "Platform/Linux/Session/RunningInstance.h"
 #include "Platform/Linux/Session/SessionEnd.h"
 

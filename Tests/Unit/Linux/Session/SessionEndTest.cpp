@@ -6,6 +6,7 @@
 #include <fstream>
 #include <string>
 
+#include "Tests/Support/Daemon.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TestProcess.h"
 
@@ -49,6 +50,19 @@ TEST_P(QuitSignalsTest, ASignalThatIsIgnoredFromTheStartStaysSo) {
 }
 
 INSTANTIATE_TEST_SUITE_P(EachSignal, QuitSignalsTest, testing::Values(SIGTERM, SIGINT, SIGHUP));
+
+TEST(DisplayLossTest, TheEndOfTheDisplayIsAnOrderlyEnd) {
+  test::XServer server;
+  ::setenv("DISPLAY", (":" + server.address()).c_str(), 1);
+  ::setenv("QT_QPA_PLATFORM", "xcb", 1);
+  test::TestProcess process({SESSION_PROGRAM, "display"});
+  process.waitForErrors("ready\n");
+  server.kill();
+  const test::Outcome outcome = process.wait();
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_NE(outcome.errors.find("\nZephlin: The X11 connection broke"), std::string::npos)
+      << outcome.errors;
+}
 
 }  // namespace
 }  // namespace zephlin
