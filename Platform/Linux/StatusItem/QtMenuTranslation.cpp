@@ -10,7 +10,7 @@ namespace zephlin {
 
 namespace {
 
-/// QAction takes an ampersand for the mark of a mnemonic.
+/// To QAction an ampersand marks a mnemonic.
 QString textOf(const MenuItem& item) {
   return QString::fromStdString(item.title()).replace(u'&', QLatin1String("&&"));
 }
@@ -36,9 +36,8 @@ bool isEnabled(const Menu& menu, const MenuItem& item) {
                                : item.isEnabled;
 }
 
-/// Whether the action can become the item's by a change of what panels are told of. That an entry
-/// has a box to tick is none: panels take it as it was at first, and Qt 6.4 never lists a property
-/// as removed.
+/// Whether the action can become the item's by a change that panels notice. They do not notice that
+/// an entry becomes checkable or stops being so: Qt 6.4 never lists a property as removed.
 bool canShow(const QAction& action, const MenuItem& item) {
   return action.isSeparator() == item.isSeparator &&
          action.isCheckable() == item.isChecked.isSwitch();
@@ -114,9 +113,9 @@ QAction& QtMenuTranslation::actionAt(std::size_t index, const MenuItem& item) {
 
 void QtMenuTranslation::perform(const MenuAction& action) {
   const QPointer<QObject> alive(&context_);
-  // An entry of a status menu has a target of its own: no responder is asked.
+  // Entries of a status menu have their own targets; no responder is asked.
   performAction(action);
-  // A delegate may set work going when it is asked, and a quit would wait for that.
+  // Asking the delegate may start work, and a quit would wait for that.
   if (alive && !isTerminating_()) {
     update();
   }

@@ -10,14 +10,14 @@
 
 namespace zephlin {
 
-/// Shows the items of a Menu in a QMenu, which is filled at any time: a panel that draws the menu
-/// itself may read it before it says that it opens it, and Qt 6.4 never tells it to read again.
+/// Shows the items of a Menu in a QMenu, which is filled at all times: a panel that draws the menu
+/// itself may read it before it announces that it opens it, and Qt 6.4 never makes it read again.
 ///
-/// The menu's delegate is asked for its items by update(), whenever the QMenu is about to be shown
-/// and after each chosen action, unless the application terminates by then. What has not changed is
+/// update() asks the menu's delegate for its items whenever the QMenu is about to be shown, and
+/// after each chosen action unless the application is terminating by then. Unchanged entries are
 /// left alone, and an entry that stays in its place keeps its QAction, so that an open menu changes
-/// under the user's eyes, a panel is sent single properties, and a choice that is under way finds
-/// its entry. Main thread.
+/// while the user looks at it, the panel is sent single properties, and a choice that is under way
+/// finds its entry. Main thread.
 class QtMenuTranslation {
  public:
   QtMenuTranslation(std::shared_ptr<Menu> menu, std::function<bool()> isTerminating);

@@ -6,16 +6,16 @@
 
 namespace zephlin {
 
-/// The desktop's tray: StatusNotifier items over D-Bus, or XEmbed windows where only these are
-/// taken. The item's accessible name in the panel is QGuiApplication::applicationDisplayName().
+/// The desktop's tray: StatusNotifier items over D-Bus, or XEmbed windows if the panel takes only
+/// those. The item's accessible name in the panel is QGuiApplication::applicationDisplayName().
 /// Main thread, while the QApplication lives.
 class QtStatusBar final : public StatusBar {
  public:
-  /// `isTerminating` tells whether the application was asked to terminate.
+  /// `isTerminating` returns whether the application was asked to terminate.
   explicit QtStatusBar(std::function<bool()> isTerminating);
 
-  /// An item as high as the panel, whatever the length: panels here know no other. Without a
-  /// display (Qt's platform "offscreen") the item has no button.
+  /// An item as high as the panel; panels here ignore the length. Without a display (Qt's platform
+  /// "offscreen") the item has no button.
   std::unique_ptr<StatusItem> makeStatusItem(double length) override;
   std::optional<SymbolImage> systemSymbol(const std::string& name,
                                           const std::string& accessibilityDescription) override;

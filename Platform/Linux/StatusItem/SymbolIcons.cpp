@@ -9,8 +9,7 @@
 #include <array>
 #include <utility>
 
-// Not in a namespace, as Q_INIT_RESOURCE demands; a static library's resources are not there
-// without.
+// Q_INIT_RESOURCE registers a static library's resources, and must not be in a namespace.
 static void registerResources() {
   Q_INIT_RESOURCE(SymbolIcons);
 }
@@ -30,8 +29,8 @@ constexpr std::array symbols{
     Symbol{"exclamationmark.triangle", "zephlin-warning-symbolic"},
 };
 
-/// An icon that a panel loads by its name. Qt sends pictures of any other icon along, which a panel
-/// has no use for then: these are empty, and nothing is drawn.
+/// An icon that a panel loads by its name. Its pictures are empty, so that nothing is drawn: Qt
+/// would send them along, and the panel does not use them.
 class NamedIconEngine final : public QIconEngine {
  public:
   explicit NamedIconEngine(QString name) : name_(std::move(name)) {}
@@ -49,7 +48,7 @@ class NamedIconEngine final : public QIconEngine {
   QString name_;
 };
 
-/// By Qt's plugin for SVG, which is loaded when it is needed.
+/// Loads Qt's plugin for SVG when it is first needed.
 QPixmap draw(const QString& iconName, int size, const QColor& colour) {
   QImageReader reader(QLatin1String(":/zephlin/icons/") + iconName + QLatin1String(".svg"));
   reader.setScaledSize(QSize(size, size));

@@ -13,7 +13,7 @@ namespace zephlin {
 std::optional<QString> iconNameOf(const std::string& symbol);
 
 /// Whether the icon of this name is installed for the desktop's panels: in hicolor, which every
-/// theme falls back to. Qt would tell too, but reads whole themes for it. Any thread.
+/// theme falls back to. Qt knows too, but reads whole themes to find out. Any thread.
 bool isInstalledIcon(const QString& iconName);
 
 /// The icon of this name for a panel that loads it from the theme and colours it. Main thread.
@@ -23,8 +23,8 @@ QIcon namedIcon(const QString& iconName);
 /// panels ask for. Main thread.
 QIcon drawnIcon(const QString& iconName, const QColor& colour);
 
-/// Where the panel's colours are unknown: at least three times lighter or darker than a usual light
-/// or dark panel (WCAG 2.1, success criterion 1.4.11).
+/// For panels whose colours are unknown: has a contrast of at least 3:1 with the usual light and
+/// dark panels (WCAG 2.1, success criterion 1.4.11).
 QColor contrastingColour();
 
 }  // namespace zephlin

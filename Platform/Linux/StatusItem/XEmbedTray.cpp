@@ -3,19 +3,14 @@
 #include <QGuiApplication>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
 #include <utility>
+
+#include "Platform/Linux/Watching/X11Connection.h"
 
 namespace zephlin {
 
 namespace {
-
-struct Freed {
-  void operator()(void* reply) const noexcept { std::free(reply); }
-};
-template <typename Reply>
-using Owned = std::unique_ptr<Reply, Freed>;
 
 std::string selectionName() {
   char* host = nullptr;
@@ -38,7 +33,7 @@ XEmbedTray::XEmbedTray(std::function<void()> changed) : changed_(std::move(chang
   selection_ = atom(selectionName().c_str());
   managerMessage_ = atom("MANAGER");
   colours_ = atom("_NET_SYSTEM_TRAY_COLORS");
-  // Qt asks for the root window's structure events, which the trays' messages come with.
+  // Trays send their messages with the root window's structure events, which Qt asks for.
   qGuiApp->installNativeEventFilter(this);
 }
 
@@ -51,9 +46,9 @@ std::optional<QColor> XEmbedTray::foreground() const {
   if (window == XCB_NONE) {
     return std::nullopt;
   }
-  // Red, green and blue of 16 bits each: of the foreground first, then of errors and so on.
+  // 16 bits each of red, green and blue: the foreground first, then errors and so on.
   constexpr std::uint32_t wanted = 3;
-  const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+  const X11Message<xcb_get_property_reply_t> reply(xcb_get_property_reply(
       connection_, xcb_get_property(connection_, 0, window, colours_, XCB_ATOM_CARDINAL, 0, wanted),
       nullptr));
   if (!reply || reply->format != 32 || reply->value_len != wanted) {
@@ -69,10 +64,10 @@ void XEmbedTray::watchColours() const {
   if (window == XCB_NONE) {
     return;
   }
-  const Owned<xcb_get_window_attributes_reply_t> present(xcb_get_window_attributes_reply(
+  const X11Message<xcb_get_window_attributes_reply_t> present(xcb_get_window_attributes_reply(
       connection_, xcb_get_window_attributes(connection_, window), nullptr));
   if (present) {
-    // The connection is Qt's: what it has chosen stays.
+    // The connection is Qt's: keep the events that Qt has chosen.
     const std::uint32_t mask = present->your_event_mask | XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &mask);
     xcb_flush(connection_);
@@ -80,15 +75,15 @@ void XEmbedTray::watchColours() const {
 }
 
 bool XEmbedTray::nativeEventFilter(const QByteArray& /*type*/, void* message, qintptr* /*result*/) {
-  if (tellsOfChange(*static_cast<const xcb_generic_event_t*>(message))) {
-    // When Qt has seen the event too.
+  if (isChange(*static_cast<const xcb_generic_event_t*>(message))) {
+    // After Qt has seen the event too.
     QMetaObject::invokeMethod(
         &context_, [this] { changed_(); }, Qt::QueuedConnection);
   }
   return false;
 }
 
-bool XEmbedTray::tellsOfChange(const xcb_generic_event_t& event) const {
+bool XEmbedTray::isChange(const xcb_generic_event_t& event) const {
   switch (event.response_type & 0x7FU) {
     case XCB_CLIENT_MESSAGE: {
       const auto& sent = reinterpret_cast<const xcb_client_message_event_t&>(event);
@@ -103,7 +98,7 @@ bool XEmbedTray::tellsOfChange(const xcb_generic_event_t& event) const {
 
 xcb_atom_t XEmbedTray::atom(const char* name) const {
   const auto length = static_cast<std::uint16_t>(std::strlen(name));
-  const Owned<xcb_intern_atom_reply_t> reply(
+  const X11Message<xcb_intern_atom_reply_t> reply(
       xcb_intern_atom_reply(connection_, xcb_intern_atom(connection_, 0, length, name), nullptr));
   return reply ? reply->atom : XCB_NONE;
 }
@@ -112,7 +107,7 @@ xcb_window_t XEmbedTray::manager() const {
   if (!connection_) {
     return XCB_NONE;
   }
-  const Owned<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+  const X11Message<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
       connection_, xcb_get_selection_owner(connection_, selection_), nullptr));
   return reply ? reply->owner : XCB_NONE;
 }

@@ -10,8 +10,8 @@
 
 namespace zephlin {
 
-/// The older kind of tray, an X client that takes other clients' windows into its own; there is
-/// none where the display is not X11. Main thread.
+/// The older kind of tray, an X client that takes other clients' windows into its own; only on X11
+/// displays. Main thread.
 /// Protocol: freedesktop.org, System Tray.
 class XEmbedTray final : public QAbstractNativeEventFilter {
  public:
@@ -22,10 +22,10 @@ class XEmbedTray final : public QAbstractNativeEventFilter {
   ~XEmbedTray() override;
 
   [[nodiscard]] bool isThere() const { return manager() != XCB_NONE; }
-  /// What symbols are to be drawn in; absent where the tray does not say.
+  /// The colour to draw symbols in; absent if the tray does not say.
   [[nodiscard]] std::optional<QColor> foreground() const;
-  /// Lets `changed` be called for the present tray's colours too. To be called when Qt's icon is
-  /// shown: Qt chooses anew which events of the tray it gets.
+  /// Has `changed` called for the current tray's colours too. To be called again each time Qt's
+  /// icon is shown, because Qt then resets which of the tray's events it gets.
   void watchColours() const;
 
   bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
@@ -33,7 +33,7 @@ class XEmbedTray final : public QAbstractNativeEventFilter {
  private:
   [[nodiscard]] xcb_atom_t atom(const char* name) const;
   [[nodiscard]] xcb_window_t manager() const;
-  [[nodiscard]] bool tellsOfChange(const xcb_generic_event_t& event) const;
+  [[nodiscard]] bool isChange(const xcb_generic_event_t& event) const;
 
   std::function<void()> changed_;
   xcb_connection_t* connection_ = nullptr;

@@ -43,13 +43,13 @@ TEST_F(QtMenuTranslationTest, AnAmpersandInATitleIsNoMnemonic) {
   EXPECT_EQ(entry(titleLine).text().toStdString(), "Salt && Pepper");
 }
 
-TEST_F(QtMenuTranslationTest, ASwitchHasABoxAndACommandHasNone) {
+TEST_F(QtMenuTranslationTest, ASwitchIsCheckableAndACommandIsNot) {
   EXPECT_TRUE(entry(switchEntry).isCheckable());
   EXPECT_TRUE(entry(switchEntry).isChecked());
   EXPECT_FALSE(entry(command).isCheckable());
 }
 
-TEST_F(QtMenuTranslationTest, ASwitchKeepsItsActionAndItsBoxWhenItIsSwitched) {
+TEST_F(QtMenuTranslationTest, ASwitchKeepsItsActionAndStaysCheckableWhenItIsSwitched) {
   const auto before = translation_->qtMenu().actions();
   sample_->isOn = false;
   translation_->update();
@@ -58,7 +58,7 @@ TEST_F(QtMenuTranslationTest, ASwitchKeepsItsActionAndItsBoxWhenItIsSwitched) {
   EXPECT_FALSE(entry(switchEntry).isChecked());
 }
 
-TEST_F(QtMenuTranslationTest, ACommandThatTakesASwitchsPlaceHasNoBox) {
+TEST_F(QtMenuTranslationTest, ACommandThatTakesASwitchsPlaceIsNotCheckable) {
   sample_->isSwitchThere = false;
   translation_->update();
   EXPECT_EQ(entry(switchEntry).text().toStdString(), "Command");

@@ -71,7 +71,7 @@ TEST_F(StatusNotifierItemTest, AppearsWhenThePanelStartsLater) {
   ASSERT_TRUE(appearsIn(panel));
 }
 
-TEST_F(StatusNotifierItemTest, WaitsForAHostWhereThereIsOnlyAWatcher) {
+TEST_F(StatusNotifierItemTest, WaitsForAHostIfThereIsOnlyAWatcher) {
   FakePanel panel(FakePanel::Host::Absent);
   makeItem();
   ASSERT_TRUE(waitUntil([&panel] { return panel.timesAskedForHost() > 0; }));
@@ -89,7 +89,7 @@ TEST_F(StatusNotifierItemTest, IsNotLostToAnXEmbedTrayThatThePanelBringsUpFirst)
   ASSERT_TRUE(appearsIn(panel));
 }
 
-TEST_F(StatusNotifierItemTest, ComesBackWhenThePanelIsStartedAnew) {
+TEST_F(StatusNotifierItemTest, ComesBackWhenThePanelRestarts) {
   std::optional<FakePanel> panel(std::in_place);
   makeItem();
   ASSERT_TRUE(appearsIn(*panel));
@@ -102,25 +102,29 @@ TEST_F(StatusNotifierItemTest, ComesBackWhenThePanelIsStartedAnew) {
   }
 }
 
-TEST_F(StatusNotifierItemTest, IsKnownByTheApplicationsName) {
-  FakePanel panel;
-  makeItem();
-  ASSERT_TRUE(appearsIn(panel));
+class ShownStatusNotifierItemTest : public StatusNotifierItemTest {
+ protected:
+  void SetUp() override {
+    makeItem();
+    ASSERT_TRUE(appearsIn(panel_));
+  }
+
+  FakePanel panel_;
+};
+
+TEST_F(ShownStatusNotifierItemTest, IsKnownByTheApplicationsName) {
   EXPECT_EQ(shown_->text("Id"), "Zephlin");
   EXPECT_EQ(shown_->text("Title"), "Zephlin");
 }
 
-TEST_F(StatusNotifierItemTest, NamesItsIconWhereItIsInstalledAndSendsNoPicture) {
-  FakePanel panel;
-  makeItem();
-  ASSERT_TRUE(appearsIn(panel));
+TEST_F(ShownStatusNotifierItemTest, NamesItsIconIfItIsInstalledAndSendsNoPicture) {
   EXPECT_EQ(shown_->text("IconName"), "zephlin-capslock-symbolic");
   for (const int width : shown_->pictureWidths()) {
     EXPECT_EQ(width, 0);
   }
 }
 
-TEST_F(StatusNotifierItemTest, SendsPicturesWhereItsIconIsNotInstalled) {
+TEST_F(StatusNotifierItemTest, SendsPicturesIfItsIconIsNotInstalled) {
   const InstalledIcons none(false);
   FakePanel panel;
   makeItem();
@@ -129,30 +133,21 @@ TEST_F(StatusNotifierItemTest, SendsPicturesWhereItsIconIsNotInstalled) {
   EXPECT_EQ(shown_->pictureWidths(), (std::vector<int>{16, 22, 24, 32, 48, 64}));
 }
 
-TEST_F(StatusNotifierItemTest, KeepsItsPlaceWithoutAnImage) {
-  FakePanel panel;
-  makeItem();
-  ASSERT_TRUE(appearsIn(panel));
+TEST_F(ShownStatusNotifierItemTest, KeepsItsPlaceWithoutAnImage) {
   item_->setButtonImage(std::nullopt);
   ASSERT_TRUE(waitUntil([this] { return shown_->signalsSent("NewIcon") == 1; }));
   EXPECT_EQ(shown_->text("IconName"), "");
   EXPECT_FALSE(shown_->pictureWidths().empty());
 }
 
-TEST_F(StatusNotifierItemTest, ShowsItsToolTip) {
-  FakePanel panel;
-  makeItem();
-  ASSERT_TRUE(appearsIn(panel));
+TEST_F(ShownStatusNotifierItemTest, ShowsItsToolTip) {
   EXPECT_EQ(shown_->toolTip(), "Zephlin: disabled");
   item_->setButtonToolTip("Zephlin: instant Caps Lock is ON");
   ASSERT_TRUE(waitUntil([this] { return shown_->signalsSent("NewToolTip") == 1; }));
   EXPECT_EQ(shown_->toolTip(), "Zephlin: instant Caps Lock is ON");
 }
 
-TEST_F(StatusNotifierItemTest, SettingWhatIsShownAlreadySendsNothing) {
-  FakePanel panel;
-  makeItem();
-  ASSERT_TRUE(appearsIn(panel));
+TEST_F(ShownStatusNotifierItemTest, SettingWhatIsShownAlreadySendsNothing) {
   item_->setButtonImage(bar_.systemSymbol("capslock", "Zephlin"));
   item_->setButtonToolTip("Zephlin: disabled");
   // What is sent later arrives later.
@@ -162,13 +157,10 @@ TEST_F(StatusNotifierItemTest, SettingWhatIsShownAlreadySendsNothing) {
   EXPECT_EQ(shown_->sent().size(), 2U);
 }
 
-TEST_F(StatusNotifierItemTest, IsGoneWhenItIsDestroyed) {
-  FakePanel panel;
-  makeItem();
-  ASSERT_TRUE(appearsIn(panel));
-  ASSERT_TRUE(isOnBus(panel.item()));
+TEST_F(ShownStatusNotifierItemTest, IsGoneWhenItIsDestroyed) {
+  ASSERT_TRUE(isOnBus(panel_.item()));
   item_.reset();
-  EXPECT_TRUE(waitUntil([&panel] { return !isOnBus(panel.item()); }));
+  EXPECT_TRUE(waitUntil([this] { return !isOnBus(panel_.item()); }));
 }
 
 TEST_F(StatusNotifierItemTest, MayBeDestroyedBeforeAnyPanelCame) {

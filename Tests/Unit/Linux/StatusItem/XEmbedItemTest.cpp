@@ -45,7 +45,7 @@ TEST_F(XEmbedItemTest, AppearsWhenTheTrayStartsLater) {
   EXPECT_EQ(sample_->rebuilds, 1);
 }
 
-TEST_F(XEmbedItemTest, ComesBackWhenTheTrayIsStartedAnew) {
+TEST_F(XEmbedItemTest, ComesBackWhenTheTrayRestarts) {
   std::optional<FakeXEmbedTray> tray(std::in_place);
   makeItem();
   ASSERT_TRUE(appearsIn(*tray, Qt::red));
