@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "Platform/Linux/Display.h"
+#include "Platform/Linux/Watching/WindowSystem.h"
 #include "Platform/Linux/Windows/ShownWindows.h"
 
 namespace zephlin {

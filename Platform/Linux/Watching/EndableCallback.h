@@ -7,7 +7,7 @@
 
 namespace zephlin {
 
-/// A callback that may destroy its owner, and this object with it, while it runs. Whoever calls it
+/// A callback that may destroy its owner, and this object with it, while it runs. The caller
 /// touches nothing of its own afterwards.
 template <typename... Arguments>
 class EndableCallback {
@@ -22,7 +22,7 @@ class EndableCallback {
     (*function)(arguments...);
   }
 
-  /// One call for each value, in their order, until a call destroys this object.
+  /// Calls once for each value, in order, until a call destroys this object.
   template <typename Value>
   void callForEach(const std::vector<Value>& values) const {
     const std::weak_ptr<const Function> weak = function_;

@@ -1,7 +1,15 @@
 #include "Platform/Linux/Watching/EventDevices.h"
 
+#include <fcntl.h>
+#include <libevdev/libevdev.h>
+#include <linux/input.h>
+#include <sys/ioctl.h>
+
 #include <QSocketNotifier>
+#include <array>
 #include <cerrno>
+#include <cstddef>
+#include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
@@ -9,12 +17,32 @@
 #include <utility>
 
 #include "Platform/Linux/Watching/EndableCallback.h"
-#include "Platform/Linux/Watching/EventDevice.h"
 #include "Platform/Linux/Watching/UdevMonitor.h"
 
 namespace zephlin {
 
 namespace {
+
+constexpr int keyRepetition = 2;
+
+FileDescriptor openForReading(const std::string& path) {
+  FileDescriptor descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  if (!descriptor.isOpen()) {
+    throw std::system_error(errno, std::generic_category(), path);
+  }
+  return descriptor;
+}
+
+void letThrough(int descriptor, unsigned type, unsigned onlyCode) {
+  std::array<unsigned char, KEY_CNT / 8> codes{};
+  codes[onlyCode / 8] = static_cast<unsigned char>(1U << (onlyCode % 8));
+  input_mask mask{};
+  mask.type = type;
+  mask.codes_size = static_cast<std::uint32_t>(codes.size());
+  mask.codes_ptr = reinterpret_cast<std::uintptr_t>(codes.data());
+  // If it fails, takeValues() drops the others.
+  ::ioctl(descriptor, EVIOCSMASK, &mask);
+}
 
 bool isKeyboard(udev_device* device) {
   const char* value = udev_device_get_property_value(device, "ID_INPUT_KEYBOARD");
@@ -80,7 +108,7 @@ void EventDevices::addKeyboard(udev_device* device) {
     auto keyboard = std::make_unique<Keyboard>(path, kind_);
     QObject::connect(&keyboard->notifier, &QSocketNotifier::activated,
                      [this, path] { receive(path); });
-    // A new device may take the node of one whose end has not been read yet.
+    // A new device may reuse the node of one whose end has not been read yet.
     keyboards_.insert_or_assign(path, std::move(keyboard));
   } catch (const std::system_error& error) {
     if (error.code() == std::errc::permission_denied) {
@@ -100,6 +128,45 @@ void EventDevices::receive(const std::string& path) {
 }
 
 }  // namespace
+
+EventDevice::EventDevice(const std::string& path, EventKind kind)
+    : kind_(kind), descriptor_(openForReading(path)) {
+  libevdev* device = nullptr;
+  const int error = -libevdev_new_from_fd(descriptor_.get(), &device);
+  device_.reset(device);
+  if (error != 0 || libevdev_has_event_code(device, kind.type, kind.code) == 0) {
+    throw std::system_error(error != 0 ? error : ENOENT, std::generic_category(), path);
+  }
+  // As codes of EV_SYN, the kernel takes the types of events.
+  letThrough(descriptor_.get(), EV_SYN, kind.type);
+  letThrough(descriptor_.get(), kind.type, kind.code);
+}
+
+void EventDevice::Deleter::operator()(libevdev* device) const {
+  libevdev_free(device);
+}
+
+std::vector<int> EventDevice::takeValues() {
+  std::vector<int> values;
+  unsigned flag = LIBEVDEV_READ_FLAG_NORMAL;
+  for (;;) {
+    input_event event{};
+    const int status = libevdev_next_event(device_.get(), flag, &event);
+    if (status == -EAGAIN && flag == LIBEVDEV_READ_FLAG_NORMAL) {
+      return values;
+    }
+    if (status < 0 && status != -EAGAIN) {
+      throw std::system_error(-status, std::generic_category());
+    }
+    // Events were lost. Until EAGAIN, libevdev reports how the state has changed.
+    flag =
+        status == LIBEVDEV_READ_STATUS_SYNC ? LIBEVDEV_READ_FLAG_SYNC : LIBEVDEV_READ_FLAG_NORMAL;
+    if (status >= 0 && event.type == kind_.type && event.code == kind_.code &&
+        event.value != keyRepetition) {
+      values.push_back(event.value);
+    }
+  }
+}
 
 std::variant<std::unique_ptr<Observation>, std::int32_t> openEventDevices(
     EventKind kind, std::function<void(int value)> callback) {

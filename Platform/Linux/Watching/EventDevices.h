@@ -3,16 +3,49 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <variant>
+#include <vector>
 
+#include "Base/FileDescriptor.h"
 #include "Platform/HidDevices.h"
-#include "Platform/Linux/Watching/EventKind.h"
+
+struct libevdev;
 
 namespace zephlin {
 
-/// Delivers the values of one kind of event of every keyboard whose event device the user may
-/// read, also of those that appear later. Where none can be read at first: EACCES if a permission
-/// was missing, otherwise ENOENT. Main thread.
+/// A type and a code of linux/input-event-codes.h.
+struct EventKind {
+  unsigned type;
+  unsigned code;
+};
+
+/// One of the kernel's event devices, open for one kind of event. The kernel is asked to send no
+/// other (EVIOCSMASK, since Linux 4.4; older ones send all, and the others are dropped).
+class EventDevice {
+ public:
+  /// Throws std::system_error if the device cannot be opened or has no such event.
+  EventDevice(const std::string& path, EventKind kind);
+
+  [[nodiscard]] int descriptor() const { return descriptor_.get(); }
+
+  /// The values that have arrived, without a key's repetitions. Does not wait. Throws
+  /// std::system_error when the device has gone.
+  std::vector<int> takeValues();
+
+ private:
+  struct Deleter {
+    void operator()(libevdev* device) const;
+  };
+
+  EventKind kind_;
+  FileDescriptor descriptor_;
+  std::unique_ptr<libevdev, Deleter> device_;
+};
+
+/// Delivers the values of one kind of event from every keyboard whose event device the user may
+/// read, including keyboards that appear later. If none can be read at first: EACCES if a
+/// permission was missing, otherwise ENOENT. Main thread.
 std::variant<std::unique_ptr<Observation>, std::int32_t> openEventDevices(
     EventKind kind, std::function<void(int value)> callback);
 

@@ -2,11 +2,13 @@
 
 #include <linux/input-event-codes.h>
 
+#include <filesystem>
+#include <fstream>
+#include <system_error>
 #include <utility>
 #include <variant>
 #include <vector>
 
-#include "Platform/Linux/Watching/CapsLockLeds.h"
 #include "Platform/Linux/Watching/EndableCallback.h"
 #include "Platform/Linux/Watching/EventDevices.h"
 #include "Platform/Linux/Watching/X11KeyboardState.h"
@@ -15,20 +17,40 @@ namespace zephlin {
 
 namespace {
 
+bool isOn(const std::filesystem::path& led) {
+  int brightness = 0;
+  return std::ifstream(led / "brightness") >> brightness && brightness > 0;
+}
+
+/// Whether a keyboard's Caps Lock LED is on, by the files "<device>::capslock/brightness" in the
+/// folder of LEDs (Documentation/input/input.rst and leds/leds-class.rst of Linux). One that cannot
+/// be read counts as off. Does not wait.
+bool isAnyCapsLockLedOn(const std::string& ledFolder) {
+  std::error_code error;
+  std::filesystem::directory_iterator led(ledFolder, error);
+  while (!error && led != std::filesystem::directory_iterator()) {
+    if (led->path().string().ends_with("::capslock") && isOn(led->path())) {
+      return true;
+    }
+    led.increment(error);
+  }
+  return false;
+}
+
 ModifierFlags flagsOfLed(bool isOn) {
   return isOn ? modifierCapsLock : 0;
 }
 
-/// Other modifiers have no light. So that the first tap is seen to change something, the state
-/// before it is told with it.
+/// Other modifiers have no LED. The first change is delivered together with the state before it, so
+/// that it counts as a change.
 class LedObservation final : public Observation {
  public:
   LedObservation(bool isOn, std::function<void(ModifierFlags)> callback)
       : callback_(std::move(callback)),
-        untold_{flagsOfLed(isOn)},
+        undelivered_{flagsOfLed(isOn)},
         devices_(openEventDevices({EV_LED, LED_CAPSL}, [this](int value) {
-          untold_.push_back(flagsOfLed(value != 0));
-          callback_.callForEach(std::exchange(untold_, {}));
+          undelivered_.push_back(flagsOfLed(value != 0));
+          callback_.callForEach(std::exchange(undelivered_, {}));
         })) {}
 
   [[nodiscard]] bool isOpen() const {
@@ -37,7 +59,7 @@ class LedObservation final : public Observation {
 
  private:
   EndableCallback<ModifierFlags> callback_;
-  std::vector<ModifierFlags> untold_;
+  std::vector<ModifierFlags> undelivered_;
   std::variant<std::unique_ptr<Observation>, std::int32_t> devices_;
 };
 

@@ -12,16 +12,15 @@ namespace zephlin {
 
 class X11KeyboardState;
 
-/// Only changes of modifiers can be listened to. Under X11 they are what the X server tells of the
-/// keyboard's state, with Control as the command key. Under Wayland nothing but Caps Lock is known,
-/// and that from the keyboards' lights, which the compositor sets: the changes where the user may
-/// read the event devices, the first of them behind the state that was before it, and the present
-/// state in any case.
+/// Only changes of modifiers can be listened to. Under X11 they come from the X server's keyboard
+/// state, with Control as the command key. Under Wayland only Caps Lock is known, from the
+/// keyboards' LEDs, which the compositor sets: changes only if the user may read the event devices,
+/// the first one preceded by the state before it; the current state in any case.
 class LinuxEventTaps final : public EventTaps {
  public:
   static constexpr const char* systemLedFolder = "/sys/class/leds";
 
-  /// `holdsInputBack` tells whether a menu of this process is open or an alert is modal.
+  /// `holdsInputBack` returns whether a menu of this process is open or an alert is modal.
   LinuxEventTaps(WindowSystem desktop, std::function<bool()> holdsInputBack,
                  std::string ledFolder = systemLedFolder);
   LinuxEventTaps(const LinuxEventTaps&) = delete;
@@ -31,7 +30,7 @@ class LinuxEventTaps final : public EventTaps {
   std::unique_ptr<Observation> listen(
       std::uint64_t mask,
       std::function<void(EventType type, ModifierFlags flags)> callback) override;
-  /// None where they cannot be read.
+  /// No flags if they cannot be read.
   ModifierFlags currentModifierFlags() override;
 
  private:

@@ -25,7 +25,7 @@ class AppearedObservation final : public Observation {
   AppearedObservation(std::string socketPath, std::function<void()> callback)
       : callback_(std::move(callback)),
         service_(std::move(socketPath), [this] { callback_.call(); }),
-        // A HID device is added before it has a driver; it can be used once one is bound to it.
+        // A HID device is added before it has a driver; it is usable once a driver is bound to it.
         udev_("hid", "bind", [this](udev_device* /*device*/) { callback_.call(); }) {}
 
  private:

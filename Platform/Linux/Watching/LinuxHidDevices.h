@@ -12,17 +12,16 @@
 
 namespace zephlin {
 
-/// HID devices of every kind that appear are told by udev, and keyboards, of which not all are HID
-/// devices, by the keyboard service too. An observation needs neither: it waits for both, at no
-/// cost while nothing happens. The service's properties end with it, so a service that starts while
-/// devices are observed counts as devices that appear.
+/// udev reports HID devices of every kind that appear; the keyboard service also reports keyboards
+/// that are not HID devices. Neither needs to run when an observation begins; it waits for both, at
+/// no cost while nothing happens. A keyboard service that starts during an observation counts as an
+/// appearing device, because properties do not outlive the service.
 ///
-/// The only input known is the Caps Lock key of keyboards. Codes of failures are errno's: ENOTSUP
-/// for any other input, those of `openX11CapsLockKey` under X11, and those of `openEventDevices`
-/// elsewhere.
+/// The only input known is the Caps Lock key of keyboards. Error codes are errno's: ENOTSUP for any
+/// other input, those of `openX11CapsLockKey` under X11, and those of `openEventDevices` elsewhere.
 class LinuxHidDevices final : public HidDevices {
  public:
-  /// `holdsInputBack` tells whether a menu of this process is open or an alert is modal.
+  /// `holdsInputBack` returns whether a menu of this process is open or an alert is modal.
   LinuxHidDevices(WindowSystem desktop, std::function<bool()> holdsInputBack,
                   std::string socketPath = std::string(defaultSocketPath));
 

@@ -10,12 +10,12 @@
 
 namespace zephlin {
 
-/// The machine has woken when logind says that it no longer prepares for sleep (the signal
-/// PrepareForSleep(false) on the system bus, org.freedesktop.login1(5)). logind may start later;
-/// without a system bus nothing is ever reported.
+/// The machine has woken when logind announces it (the signal PrepareForSleep(false) on the system
+/// bus, org.freedesktop.login1(5)). logind may start later; without a system bus nothing is ever
+/// reported.
 ///
-/// The system bus takes several answers to be connected to, so that is left to the event loop's
-/// next turn: at launch the status item comes first. A sleep meanwhile is seen by the clocks.
+/// Connecting to the system bus takes several round trips, so it waits for the event loop's next
+/// turn: at launch the status item comes first. The clocks reveal a sleep before that.
 class LogindWorkspace final : public Workspace {
  public:
   LogindWorkspace() = default;
@@ -26,7 +26,7 @@ class LogindWorkspace final : public Workspace {
   std::unique_ptr<Observation> observeDidWake(std::function<void()> callback) override;
 
  private:
-  /// Connects with the first use.
+  /// Connects on first use.
   const QDBusConnection& systemBus();
 
   std::optional<QDBusConnection> systemBus_;

@@ -19,12 +19,12 @@ struct UdevDeleter {
 template <typename Object>
 using UdevPointer = std::unique_ptr<Object, UdevDeleter>;
 
-/// Calls back for each event of one subsystem and one action (add, bind, …), once udev's rules have
-/// been applied to the device. The kernel filters by subsystem. Without udev nothing is ever
-/// reported. Main thread.
+/// Calls back for each event of one subsystem and one action (add, bind, …), after udev has applied
+/// its rules to the device. The kernel filters by subsystem. Without udev nothing is ever reported.
+/// Main thread.
 class UdevMonitor {
  public:
-  /// The device is there for the duration of the call.
+  /// The device lives for the duration of the call.
   UdevMonitor(const char* subsystem, const char* action,
               std::function<void(udev_device* device)> callback);
 

@@ -2,15 +2,17 @@
 
 #include <xcb/xinput.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <optional>
 #include <set>
+#include <span>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "Platform/Linux/Watching/EndableCallback.h"
 #include "Platform/Linux/Watching/X11Connection.h"
-#include "Platform/Linux/Watching/XkbKeyboard.h"
 
 namespace zephlin {
 
@@ -35,6 +37,31 @@ bool selectRawKeys(const X11Connection& connection) {
          XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE};
   return connection.succeeds(
       xcb_input_xi_select_events_checked(connection.get(), connection.rootWindow(), 1, &mask.head));
+}
+
+/// The code of the key with this name of four characters (the X Keyboard Extension's protocol,
+/// section 3.4). It names a place on the keyboard: what the user has put there does not matter.
+std::optional<std::uint8_t> keycodeOf(const X11Connection& connection, std::string_view keyName) {
+  const auto cookie =
+      xcb_xkb_get_names(connection.get(), XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_NAME_DETAIL_KEY_NAMES);
+  const X11Message<xcb_xkb_get_names_reply_t> reply(
+      xcb_xkb_get_names_reply(connection.get(), cookie, nullptr));
+  if (!reply || (reply->which & XCB_XKB_NAME_DETAIL_KEY_NAMES) == 0) {
+    return std::nullopt;
+  }
+  xcb_xkb_get_names_value_list_t values{};
+  xcb_xkb_get_names_value_list_unpack(xcb_xkb_get_names_value_list(reply.get()), reply->nTypes,
+                                      reply->indicators, reply->virtualMods, reply->groupNames,
+                                      reply->nKeys, reply->nKeyAliases, reply->nRadioGroups,
+                                      reply->which, &values);
+  const std::span names(values.keyNames, reply->nKeys);
+  const auto found = std::find_if(names.begin(), names.end(), [&](const auto& each) {
+    return std::string_view(each.name, sizeof each.name) == keyName;
+  });
+  if (found == names.end()) {
+    return std::nullopt;
+  }
+  return static_cast<std::uint8_t>(reply->firstKey + (found - names.begin()));
 }
 
 class CapsLockKeyObservation final : public Observation {
@@ -87,10 +114,10 @@ std::variant<std::unique_ptr<Observation>, std::int32_t> openX11CapsLockKey(
   if (!connection) {
     return ECONNREFUSED;
   }
-  if (!useXInput(*connection) || !xkb::use(*connection)) {
+  if (!useXInput(*connection) || !connection->useXkb()) {
     return ENOSYS;
   }
-  const auto keycode = xkb::keycode(*connection, "CAPS");
+  const auto keycode = keycodeOf(*connection, "CAPS");
   if (!keycode) {
     return ENXIO;
   }

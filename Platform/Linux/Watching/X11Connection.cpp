@@ -7,7 +7,7 @@ namespace zephlin {
 
 std::unique_ptr<X11Connection> X11Connection::open() {
   int screenNumber = 0;
-  // Never null, but then perhaps in an error state.
+  // Never null, but possibly in an error state.
   Handle connection(xcb_connect(nullptr, &screenNumber));
   if (xcb_connection_has_error(connection.get()) != 0) {
     return nullptr;
@@ -30,11 +30,21 @@ bool X11Connection::succeeds(xcb_void_cookie_t cookie) const {
   return !error && xcb_connection_has_error(get()) == 0;
 }
 
+bool X11Connection::useXkb() const {
+  if (extension(&xcb_xkb_id) == nullptr) {
+    return false;
+  }
+  const auto cookie = xcb_xkb_use_extension(get(), XCB_XKB_MAJOR_VERSION, XCB_XKB_MINOR_VERSION);
+  const X11Message<xcb_xkb_use_extension_reply_t> reply(
+      xcb_xkb_use_extension_reply(get(), cookie, nullptr));
+  return reply && reply->supported != 0;
+}
+
 void X11Connection::watch(const std::function<void()>& eventsMayHaveArrived) {
   notifier_ =
       std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(get()), QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, eventsMayHaveArrived);
-  // Some may have come with the replies that were waited for.
+  // Events may have arrived together with earlier replies.
   QCoreApplication::postEvent(notifier_.get(), new QEvent(QEvent::SockAct));
 }
 

@@ -1,6 +1,10 @@
 #pragma once
 
 #include <xcb/xcb.h>
+// The header has a member of this name.
+#define explicit explicit_
+#include <xcb/xkb.h>
+#undef explicit
 
 #include <QSocketNotifier>
 #include <cstdlib>
@@ -17,19 +21,23 @@ struct FreeDeleter {
 template <typename Message>
 using X11Message = std::unique_ptr<Message, FreeDeleter>;
 
-/// A connection to the X server of our own: what is selected here changes nothing for Qt's. Main
-/// thread.
+/// A connection to the X server of our own, so that selecting events here does not affect Qt's.
+/// Main thread.
 class X11Connection {
  public:
-  /// To the server that DISPLAY names. Null where it cannot be reached.
+  /// To the server that DISPLAY names. Null if it cannot be reached.
   static std::unique_ptr<X11Connection> open();
 
   [[nodiscard]] xcb_connection_t* get() const { return connection_.get(); }
   [[nodiscard]] xcb_window_t rootWindow() const { return rootWindow_; }
-  /// Null where the server does not have the extension. Lives as long as the connection.
+  /// Null if the server does not have the extension. Lives as long as the connection.
   [[nodiscard]] const xcb_query_extension_reply_t* extension(xcb_extension_t* id) const;
-  /// Waits for the reply to a checked request that has none. Whether it succeeded.
+  /// Whether a checked request without a reply succeeded. Waits for the server.
   [[nodiscard]] bool succeeds(xcb_void_cookie_t cookie) const;
+
+  /// Whether the server has the X keyboard extension. To be called once before using it; waits for
+  /// the server.
+  [[nodiscard]] bool useXkb() const;
 
   /// From now on calls back on Qt's loop when events may have arrived.
   void watch(const std::function<void()>& eventsMayHaveArrived);

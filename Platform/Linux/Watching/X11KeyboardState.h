@@ -10,13 +10,13 @@
 
 namespace zephlin {
 
-/// The present modifiers of the X server's keyboard, over one connection that is kept. Main thread.
+/// The current modifiers of the X server's keyboard, over one connection that is kept. Main thread.
 class X11KeyboardState {
  public:
-  /// Null where the server or its keyboard extension cannot be reached.
+  /// Null if the server or its keyboard extension cannot be reached.
   static std::unique_ptr<X11KeyboardState> open();
 
-  /// None once the server has gone.
+  /// No flags once the server has gone. Waits for the server.
   [[nodiscard]] ModifierFlags modifierFlags() const;
 
  private:
@@ -26,7 +26,7 @@ class X11KeyboardState {
   std::unique_ptr<X11Connection> connection_;
 };
 
-/// Calls back with each change of the modifiers. Null where the X server or its keyboard extension
+/// Calls back with each change of the modifiers. Null if the X server or its keyboard extension
 /// cannot be reached. Main thread.
 std::unique_ptr<Observation> listenToX11Modifiers(std::function<void(ModifierFlags)> callback);
 

@@ -14,15 +14,15 @@
 #include <string>
 #include <vector>
 
-#include "Platform/Linux/Watching/EventDevice.h"
+#include "Platform/Linux/Watching/EventDevices.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
-/// What the kernel knows of the one event device that there is.
+/// The state of the one event device.
 struct Kernel {
   bool isCapsLockDown = false;
-  /// The codes that it lets through, of each type that has been told to it (EVIOCSMASK).
+  /// The codes that it lets through, of each type, as set by EVIOCSMASK.
   std::map<unsigned, std::set<unsigned>> masks;
 };
 

@@ -80,7 +80,7 @@ class EventDevicesTest : public testing::Test {
   std::unique_ptr<Observation> key_;
 };
 
-TEST_F(EventDevicesTest, TellEachPressAndReleaseOnEachKeyboard) {
+TEST_F(EventDevicesTest, ReportEachPressAndReleaseOnEachKeyboard) {
   machine_.addKeyboard(1);
   machine_.addKeyboard(2, MockedDevices::Leds::None);
   ASSERT_EQ(open(), 0);
@@ -90,7 +90,7 @@ TEST_F(EventDevicesTest, TellEachPressAndReleaseOnEachKeyboard) {
   EXPECT_TRUE(valuesBecome({1, 0, 1, 0}));
 }
 
-TEST_F(EventDevicesTest, TellNothingOfOtherKeysNorRepetitions) {
+TEST_F(EventDevicesTest, IgnoreOtherKeysAndRepetitions) {
   machine_.addKeyboard(1);
   ASSERT_EQ(open(), 0);
   machine_.report(1, keyA, {1, 0});
@@ -159,20 +159,20 @@ TEST_F(EventDevicesTest, EndWithinACall) {
   EXPECT_EQ(values, Values{1});
 }
 
-TEST_F(EventDevicesTest, FailWhereThereIsNoKeyboard) {
+TEST_F(EventDevicesTest, FailWithoutAKeyboard) {
   EXPECT_EQ(open(), ENOENT);
   machine_.addPointer(1);
   EXPECT_EQ(open(), ENOENT);
   EXPECT_EQ(listen(), nullptr);
 }
 
-TEST_F(EventDevicesTest, FailWhereTheUserMayReadNone) {
+TEST_F(EventDevicesTest, FailIfTheUserMayReadNone) {
   machine_.addForbiddenKeyboard(1);
   const OrdinaryUser user;
   EXPECT_EQ(open(), EACCES);
 }
 
-TEST_F(EventDevicesTest, TellTheTogglesOfTheLight) {
+TEST_F(EventDevicesTest, ReportTheTogglesOfTheLed) {
   machine_.addKeyboard(1);
   const auto tap = listen();
   ASSERT_NE(tap, nullptr);
@@ -182,18 +182,18 @@ TEST_F(EventDevicesTest, TellTheTogglesOfTheLight) {
   EXPECT_TRUE(flagsBecome({0, modifierCapsLock, 0}));
 }
 
-TEST_F(EventDevicesTest, TellTheStateBeforeTheFirstToggle) {
+TEST_F(EventDevicesTest, ReportTheStateBeforeTheFirstToggle) {
   machine_.addKeyboard(1);
-  const std::filesystem::path light = ledFolder_.path() / "input1::capslock";
-  std::filesystem::create_directory(light);
-  std::ofstream(light / "brightness") << "1\n";
+  const std::filesystem::path led = ledFolder_.path() / "input1::capslock";
+  std::filesystem::create_directory(led);
+  std::ofstream(led / "brightness") << "1\n";
   const auto tap = listen();
-  std::ofstream(light / "brightness") << "0\n";
+  std::ofstream(led / "brightness") << "0\n";
   machine_.report(1, capsLockLed, {0, 1});
   EXPECT_TRUE(flagsBecome({modifierCapsLock, 0, modifierCapsLock}));
 }
 
-TEST_F(EventDevicesTest, TellNoToggleAfterACallHasEndedThem) {
+TEST_F(EventDevicesTest, ReportNoToggleAfterACallHasEndedThem) {
   machine_.addKeyboard(1);
   std::unique_ptr<Observation> tap;
   tap = taps_.listen(eventMask(EventType::FlagsChanged), [&](EventType, ModifierFlags flags) {
@@ -206,7 +206,7 @@ TEST_F(EventDevicesTest, TellNoToggleAfterACallHasEndedThem) {
   EXPECT_EQ(flags_, Flags{0});
 }
 
-TEST_F(EventDevicesTest, TellNoTogglesWhereNoKeyboardHasALight) {
+TEST_F(EventDevicesTest, ReportNoTogglesIfNoKeyboardHasAnLed) {
   machine_.addKeyboard(1, MockedDevices::Leds::None);
   EXPECT_EQ(listen(), nullptr);
 }

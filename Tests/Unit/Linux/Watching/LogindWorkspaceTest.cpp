@@ -77,7 +77,7 @@ TEST_F(LogindWorkspaceTest, FollowsLogindThroughARestart) {
   EXPECT_TRUE(wakesAre(2));
 }
 
-TEST_F(LogindWorkspaceTest, BelievesNobodyButLogind) {
+TEST_F(LogindWorkspaceTest, BelievesOnlyLogind) {
   test::FakeLogind stranger("org.example.Stranger");
   test::FakeLogind logind;
   stranger.prepareForSleep(false);
@@ -119,7 +119,7 @@ TEST_F(LogindWorkspaceTest, ReportsASleepThatWasOverBeforeItListened) {
   EXPECT_EQ(calls, 0);
   letListen();
   EXPECT_EQ(calls, 1);
-  EXPECT_EQ(wakes_, 0) << "the one that listens already is told by logind";
+  EXPECT_EQ(wakes_, 0) << "logind reports it to the one that listens already";
 }
 
 TEST_F(LogindWorkspaceTest, ReportsTheWakeFromASleepThatWasAnnouncedBeforeItListened) {
@@ -148,7 +148,7 @@ TEST_F(LogindWorkspaceTest, OutlivesTheBus) {
   EXPECT_EQ(wakes_, 0);
 }
 
-TEST(LogindWorkspaceWithoutABus, ObservesWithoutAWord) {
+TEST(LogindWorkspaceWithoutABus, LogsNothing) {
   testing::internal::CaptureStderr();
   LogindWorkspace workspace;
   int wakes = 0;

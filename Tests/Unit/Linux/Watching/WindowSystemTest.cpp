@@ -7,12 +7,12 @@
 namespace zephlin {
 namespace {
 
-TEST(WindowSystem, IsX11WhereAnXServerCanBeReached) {
+TEST(WindowSystem, IsX11IfAnXServerCanBeReached) {
   const test::PrivateXServer server;
   EXPECT_EQ(currentWindowSystem(), WindowSystem::X11);
 }
 
-TEST(WindowSystem, IsWaylandWhereNoXServerCanBeReached) {
+TEST(WindowSystem, IsWaylandIfNoXServerCanBeReached) {
   const test::EnvironmentVariable display("DISPLAY", ":no-display");
   EXPECT_EQ(currentWindowSystem(), WindowSystem::Wayland);
 }

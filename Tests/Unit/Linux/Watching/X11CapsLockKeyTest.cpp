@@ -39,14 +39,14 @@ class X11CapsLockKeyTest : public testing::Test {
   std::unique_ptr<Observation> key_;
 };
 
-TEST_F(X11CapsLockKeyTest, TellsEachPressAndReleaseOnce) {
+TEST_F(X11CapsLockKeyTest, ReportsEachPressAndReleaseOnce) {
   open();
   server_.tap(PrivateXServer::capsLock);
   server_.tap(PrivateXServer::capsLock);
   EXPECT_TRUE(valuesBecome({1, 0, 1, 0}));
 }
 
-TEST_F(X11CapsLockKeyTest, TellsAPressBeforeTheRelease) {
+TEST_F(X11CapsLockKeyTest, ReportsAPressBeforeTheRelease) {
   open();
   server_.press(PrivateXServer::capsLock);
   EXPECT_TRUE(valuesBecome({1}));
@@ -54,7 +54,7 @@ TEST_F(X11CapsLockKeyTest, TellsAPressBeforeTheRelease) {
   EXPECT_TRUE(valuesBecome({1, 0}));
 }
 
-TEST_F(X11CapsLockKeyTest, TellsNothingOfOtherKeys) {
+TEST_F(X11CapsLockKeyTest, IgnoresOtherKeys) {
   open();
   server_.tap(PrivateXServer::keyA);
   server_.tap(PrivateXServer::leftShift);

@@ -36,7 +36,7 @@ class X11KeyboardStateTest : public testing::Test {
   std::unique_ptr<Observation> tap_;
 };
 
-TEST_F(X11KeyboardStateTest, TellsEachToggleOnce) {
+TEST_F(X11KeyboardStateTest, ReportsEachToggleOnce) {
   listen();
   server_.tap(PrivateXServer::capsLock);
   server_.tap(PrivateXServer::capsLock);
@@ -44,7 +44,7 @@ TEST_F(X11KeyboardStateTest, TellsEachToggleOnce) {
   EXPECT_TRUE(changesBecome({modifierCapsLock, 0, modifierCapsLock}));
 }
 
-TEST_F(X11KeyboardStateTest, TellsOfShiftAndControl) {
+TEST_F(X11KeyboardStateTest, ReportsShiftAndControl) {
   listen();
   server_.press(PrivateXServer::leftShift);
   server_.press(PrivateXServer::leftControl);
@@ -53,14 +53,14 @@ TEST_F(X11KeyboardStateTest, TellsOfShiftAndControl) {
   EXPECT_TRUE(changesBecome({modifierShift, modifierShift | modifierCommand, modifierCommand, 0}));
 }
 
-TEST_F(X11KeyboardStateTest, TellsNothingOfOrdinaryKeys) {
+TEST_F(X11KeyboardStateTest, IgnoresOrdinaryKeys) {
   listen();
   server_.tap(PrivateXServer::keyA);
   server_.press(PrivateXServer::leftShift);
   EXPECT_TRUE(changesBecome({modifierShift}));
 }
 
-TEST_F(X11KeyboardStateTest, IsNotCapsLockWhereTheKeyDoesSomethingElse) {
+TEST_F(X11KeyboardStateTest, IsNotCapsLockIfTheKeyDoesSomethingElse) {
   server_.setKeyboardMap({"-option", "ctrl:nocaps"});
   listen();
   server_.tap(PrivateXServer::capsLock);

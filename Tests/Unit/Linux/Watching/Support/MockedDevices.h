@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "Platform/Linux/Watching/EventKind.h"
+#include "Platform/Linux/Watching/EventDevices.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 namespace zephlin::test {
