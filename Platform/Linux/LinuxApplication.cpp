@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "Platform/Linux/Watching/WindowSystem.h"
-#include "Platform/Linux/Windows/ShownWindows.h"
+#include "Platform/Linux/Windows/QtWindowServer.h"
 
 namespace zephlin {
 

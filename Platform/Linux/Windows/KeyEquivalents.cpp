@@ -7,7 +7,7 @@
 #include <QWidget>
 #include <utility>
 
-#include "Platform/Linux/Windows/ShownWindows.h"
+#include "Platform/Linux/Windows/QtWindowServer.h"
 
 namespace zephlin {
 
@@ -48,7 +48,7 @@ bool hideWindows() {
   return true;
 }
 
-/// False where no widget has the slot.
+/// False if no widget has the slot.
 bool sendToFocus(const char* slot) {
   const QByteArray signature = QByteArray(slot) + "()";
   for (QWidget* widget = QApplication::focusWidget(); widget != nullptr;
@@ -68,7 +68,7 @@ KeyEquivalents::KeyEquivalents(std::shared_ptr<Menu> mainMenu, std::function<voi
 }
 
 bool KeyEquivalents::eventFilter(QObject* watched, QEvent* event) {
-  // A key comes to its window first, and only then to the widget.
+  // A key is delivered to its window first, and then to the widget.
   if (event->type() != QEvent::KeyPress || !watched->isWindowType()) {
     return false;
   }

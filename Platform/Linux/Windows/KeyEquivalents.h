@@ -8,12 +8,12 @@
 
 namespace zephlin {
 
-/// Makes a main menu's key equivalents work in every window of the application, alerts included,
-/// though the menu is never shown. Command is the control key here. Lives no longer than the
+/// Makes a main menu's key equivalents work in every window of the application, including alerts,
+/// though the menu is never shown. Command is the control key here. Must not outlive the
 /// QApplication. Main thread.
 ///
-/// An editing action goes to the widget with the focus, or to the next widget around it that has a
-/// slot of that name, as Qt's text widgets have; keys that none takes go the usual way.
+/// An editing action goes to the widget with the focus, or to the nearest of its parents that has a
+/// slot of that name, as Qt's text widgets have. Keys that are not used go the usual way.
 class KeyEquivalents final : public QObject {
  public:
   /// `terminate` ends the application.

@@ -25,7 +25,7 @@ QFont::Weight realise(FontWeight weight) {
   return QFont::Normal;
 }
 
-/// Size and weight alone: the family stays the system's, also where the user changes that.
+/// Only size and weight: the family stays the system's, also when the user changes it.
 QFont realise(const Font& font) {
   QFont realised;
   realised.setPixelSize(static_cast<int>(std::lround(font.pointSize)));
@@ -33,7 +33,37 @@ QFont realise(const Font& font) {
   return realised;
 }
 
+bool isDigit(QChar character) {
+  return character >= u'0' && character <= u'9';
+}
+
+qreal widestDigit(const FixedDigitLine::Advance& advance) {
+  qreal widest = 0;
+  for (char16_t digit = u'0'; digit <= u'9'; ++digit) {
+    widest = std::max(widest, advance(QChar(digit)));
+  }
+  return widest;
+}
+
 }  // namespace
+
+FixedDigitLine::FixedDigitLine(const QString& text, const Advance& advance) {
+  const qreal digitWidth = widestDigit(advance);
+  for (qsizetype begin = 0; begin < text.size();) {
+    if (isDigit(text[begin])) {
+      const QString digit(text[begin]);
+      pieces_.push_back({digit, width_ + (digitWidth - advance(digit)) / 2});
+      width_ += digitWidth;
+      ++begin;
+      continue;
+    }
+    const auto end = std::find_if(text.begin() + begin, text.end(), isDigit) - text.begin();
+    const QString words = text.mid(begin, end - begin);
+    pieces_.push_back({words, width_});
+    width_ += advance(words);
+    begin = end;
+  }
+}
 
 LabelWidget::LabelWidget(std::shared_ptr<Label> label, QWidget* parent)
     : QLabel(parent), label_(std::move(label)), hook_(*label_, [this] { followLabel(); }) {
@@ -58,7 +88,7 @@ int LabelWidget::heightForWidth(int width) const {
     return -1;
   }
   const QRect space(0, 0, width, QWIDGETSIZE_MAX);
-  // Without a text there is still a line.
+  // An empty text still takes a line.
   const QString measured = text().isEmpty() ? QStringLiteral(" ") : text();
   return fontMetrics().boundingRect(space, drawingFlags(), measured).height();
 }
@@ -66,7 +96,7 @@ int LabelWidget::heightForWidth(int width) const {
 void LabelWidget::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setPen(resolve(label_->textColor(), appearanceOf(palette())));
-  // A line that has less room than it needs shrinks, for it must not be cut off.
+  // A line that has less room than it needs shrinks, so that nothing is cut off.
   const qreal scale = wraps() ? 1 : std::min(1.0, width() / lineWidth());
   painter.scale(scale, scale);
   const QRectF box(0, 0, width() / scale, height() / scale);

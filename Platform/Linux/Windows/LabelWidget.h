@@ -1,17 +1,57 @@
 #pragma once
 
 #include <QLabel>
+#include <QString>
 #include <functional>
 #include <memory>
+#include <utility>
+#include <vector>
 
-#include "Platform/Linux/Windows/DisplayHook.h"
-#include "Platform/Linux/Windows/FixedDigitLine.h"
 #include "Platform/Views.h"
 
 namespace zephlin {
 
-/// Shows a label and follows its text and its colour. A QLabel for screen readers and focus; sizes
-/// and painting are its own. A point is a device-independent pixel. Main thread.
+/// While it lives, calls back whenever the view needs display. The view outlives it. Main thread.
+class DisplayHook {
+ public:
+  DisplayHook(View& view, std::function<void()> needsDisplay) : view_(view) {
+    view_.onNeedsDisplay = std::move(needsDisplay);
+  }
+  DisplayHook(const DisplayHook&) = delete;
+  DisplayHook& operator=(const DisplayHook&) = delete;
+  ~DisplayHook() { view_.onNeedsDisplay = nullptr; }
+
+ private:
+  View& view_;
+};
+
+/// Lays out a line of text in which every digit takes the width of the widest one and is centred in
+/// it, so that a text does not jump when its digits change. Needed because Qt before 6.7 cannot ask
+/// a font for its tabular figures (QFont::setFeature). Any thread.
+class FixedDigitLine {
+ public:
+  /// The width of a text in the font, in device-independent pixels.
+  using Advance = std::function<qreal(const QString& text)>;
+
+  struct Piece {
+    QString text;
+    /// Its distance from the beginning of the line.
+    qreal x = 0;
+    bool operator==(const Piece&) const = default;
+  };
+
+  FixedDigitLine(const QString& text, const Advance& advance);
+
+  [[nodiscard]] const std::vector<Piece>& pieces() const { return pieces_; }
+  [[nodiscard]] qreal width() const { return width_; }
+
+ private:
+  std::vector<Piece> pieces_;
+  qreal width_ = 0;
+};
+
+/// Shows a label and follows its text and its colour. It is a QLabel for screen readers and focus,
+/// with its own sizes and painting. A point is a device-independent pixel. Main thread.
 class LabelWidget final : public QLabel {
  public:
   LabelWidget(std::shared_ptr<Label> label, QWidget* parent);

@@ -23,8 +23,8 @@ void setIcon(QMessageBox& box, AlertStyle style) {
   }
 }
 
-/// The first button is the one that Enter pushes, the last the one that Esc and closing push:
-/// without one, the box could not be closed, and would keep the application from quitting.
+/// Enter pushes the first button; Esc and closing push the last. Without a button for these, the
+/// box could not be closed and would keep the application from quitting.
 void addButtons(QMessageBox& box, const Alert& alert) {
   QPushButton* last = nullptr;
   for (const std::string& title : alert.buttons) {
@@ -52,7 +52,7 @@ void QtAlertPresenter::runModal(const Alert& alert) {
   QMessageBox box;
   shown_ = &box;
   box.setObjectName(QStringLiteral("alert"));
-  // It is shown before exec(), which would see to this too late.
+  // exec() would set this too late, because the box is shown before.
   box.setWindowModality(Qt::ApplicationModal);
   box.setWindowFlag(Qt::WindowStaysOnTopHint);
   box.setWindowTitle(QApplication::applicationDisplayName());

@@ -7,12 +7,12 @@
 
 namespace zephlin {
 
-/// Alerts as Qt's message boxes, above all other windows. There is a QApplication while it is used.
+/// Alerts as Qt's message boxes, above all other windows. Needs a QApplication while it is used.
 /// Main thread.
 class QtAlertPresenter final : public AlertPresenter {
  public:
-  /// Also returns when the user closes or hides the alert, and when the application quits. Where an
-  /// alert is shown already, that one comes to the front, and this returns at once.
+  /// Also returns when the user closes or hides the alert, and when the application quits. If an
+  /// alert is already shown, brings that one to the front and returns at once.
   void runModal(const Alert& alert) override;
 
  private:

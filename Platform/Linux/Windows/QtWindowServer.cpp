@@ -1,14 +1,108 @@
 #include "Platform/Linux/Windows/QtWindowServer.h"
 
+#include <QApplication>
 #include <QBuffer>
+#include <QCloseEvent>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QKeyEvent>
 #include <QPixmap>
+#include <QScreen>
+#include <QVBoxLayout>
 #include <utility>
 
-#include "Platform/Linux/Windows/WindowWidget.h"
+#include "Platform/Linux/Windows/ViewRealiser.h"
 
 namespace zephlin {
 
 namespace {
+
+/// Tiling window managers do not tile a dialog, and it has no minimise button.
+constexpr Qt::WindowFlags floatingDialog = Qt::Dialog | Qt::CustomizeWindowHint |
+                                           Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                                           Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint;
+
+/// A floating window of fixed size that the user can only close, by its button or by Esc; it then
+/// hides. The delegate is called when the user closes it, not when the application ends.
+class WindowWidget final : public QWidget {
+ public:
+  WindowWidget(const WindowDescription& description, const std::shared_ptr<View>& contentView);
+
+  [[nodiscard]] QWidget& content() const { return *content_; }
+  /// From now on the window has the size of its content, also when that grows.
+  void sizeToFitContent();
+  void centerOnScreen();
+  void comeToFront();
+
+  std::weak_ptr<WindowDelegate> delegate;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  void tellDelegateAndHide();
+
+  QWidget* content_;
+};
+
+WindowWidget::WindowWidget(const WindowDescription& description,
+                           const std::shared_ptr<View>& contentView)
+    : QWidget(nullptr, floatingDialog), content_(realise(contentView, this)) {
+  setWindowTitle(QString::fromStdString(description.title));
+  setFixedSize(static_cast<int>(description.contentWidth),
+               static_cast<int>(description.contentHeight));
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins({});
+  layout->setSizeConstraint(QLayout::SetNoConstraint);
+  layout->addWidget(content_);
+}
+
+void WindowWidget::sizeToFitContent() {
+  layout()->setSizeConstraint(QLayout::SetFixedSize);
+  layout()->activate();
+}
+
+void WindowWidget::centerOnScreen() {
+  const QScreen* pointed = QGuiApplication::screenAt(QCursor::pos());
+  const QScreen* shownOn = pointed != nullptr ? pointed : screen();
+  QRect frame = frameGeometry();
+  frame.moveCenter(shownOn->availableGeometry().center());
+  move(frame.topLeft());
+}
+
+void WindowWidget::comeToFront() {
+  if (!isVisible()) {
+    // Otherwise Qt focuses the first button without showing it, and a space pushes it.
+    setFocus();
+  }
+  setWindowState(windowState() & ~Qt::WindowMinimized);
+  show();
+  raise();
+  activateWindow();
+}
+
+void WindowWidget::closeEvent(QCloseEvent* event) {
+  event->accept();
+  if (event->spontaneous()) {
+    tellDelegateAndHide();
+  }
+}
+
+void WindowWidget::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::Cancel)) {
+    tellDelegateAndHide();
+  } else {
+    QWidget::keyPressEvent(event);
+  }
+}
+
+void WindowWidget::tellDelegateAndHide() {
+  if (const auto told = delegate.lock()) {
+    told->windowWillClose();
+  }
+  hide();
+}
 
 class QtWindow final : public Window {
  public:
@@ -41,6 +135,19 @@ std::optional<std::string> QtWindow::contentAsPng() {
 std::unique_ptr<Window> QtWindowServer::makeWindow(const WindowDescription& description,
                                                    std::shared_ptr<View> contentView) {
   return std::make_unique<QtWindow>(description, contentView);
+}
+
+QList<QWidget*> shownWindows() {
+  QList<QWidget*> windows;
+  for (QWidget* const widget : QApplication::topLevelWidgets()) {
+    const bool isManaged =
+        (widget->windowType() == Qt::Window || widget->windowType() == Qt::Dialog) &&
+        !widget->windowFlags().testFlag(Qt::BypassWindowManagerHint);
+    if (isManaged && widget->isVisible()) {
+      windows.append(widget);
+    }
+  }
+  return windows;
 }
 
 }  // namespace zephlin

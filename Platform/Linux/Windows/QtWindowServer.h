@@ -1,23 +1,29 @@
 #pragma once
 
+#include <QList>
+#include <QWidget>
 #include <memory>
 
 #include "Platform/Views.h"
 
 namespace zephlin {
 
-/// Windows made of Qt's widgets: each kind of view is realised by one function, whatever the window
-/// is for. There is a QApplication while it is used. Main thread.
+/// Windows made of Qt's widgets (ViewRealiser.h). Needs a QApplication while it is used. Main
+/// thread.
 ///
-/// A window floats above ordinary ones where the window manager lets it: on Wayland that, and where
-/// a window stands, is the compositor's to decide (https://doc.qt.io/qt-6/qt.html#WindowType-enum).
-/// A window is not destroyed from within its delegate's windowWillClose.
+/// A window floats above ordinary ones if the window manager allows it: on Wayland the compositor
+/// decides that, and the window's position (https://doc.qt.io/qt-6/qt.html#WindowType-enum). A
+/// window must not be destroyed from within its delegate's windowWillClose.
 class QtWindowServer final : public WindowServer {
  public:
-  /// Labels and layers are followed from then on, shown or not. Destroying the window lets go of
-  /// the views.
+  /// The window follows its labels and layers from then on, shown or not. Destroying the window
+  /// releases the views.
   std::unique_ptr<Window> makeWindow(const WindowDescription& description,
                                      std::shared_ptr<View> contentView) override;
 };
+
+/// The windows that the user sees and can open again. Leaves out menus and the icon in an XEmbed
+/// tray, which Qt shows in a window of its own. Main thread.
+QList<QWidget*> shownWindows();
 
 }  // namespace zephlin

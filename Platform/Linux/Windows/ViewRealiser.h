@@ -9,12 +9,11 @@
 
 namespace zephlin {
 
-/// A widget that shows the view and all below it, laid out, and follows what changes in them. The
-/// widget belongs to `parent` and keeps the views alive; views that outlive it are let go. Main
-/// thread.
+/// A widget that shows the view and its subviews, laid out, and follows their changes. The widget
+/// belongs to `parent` and keeps the views alive; views may outlive it. Main thread.
 QWidget* realise(const std::shared_ptr<View>& view, QWidget* parent);
 
-/// A button's title as Qt wants it, to which an ampersand is the mark of a shortcut.
+/// A button's title for Qt, where an ampersand would mark a mnemonic.
 QString buttonText(const std::string& title);
 
 }  // namespace zephlin

@@ -6,7 +6,10 @@
 namespace zephlin {
 namespace {
 
-using Accessibility = TapTestOnQt;
+class Accessibility : public TapTestOnQt {
+ protected:
+  void SetUp() override { show(); }
+};
 
 QString nameOf(QWidget& widget) {
   return QAccessible::queryAccessibleInterface(&widget)->text(QAccessible::Name);
@@ -17,7 +20,6 @@ QAccessible::Role roleOf(QWidget& widget) {
 }
 
 TEST_F(Accessibility, TheWindowAndItsTextsHaveNames) {
-  show();
   EXPECT_EQ(nameOf(widget()), "Tap Test");
   EXPECT_EQ(nameOf(row(0)), "Is your Caps Lock instant?");
   EXPECT_EQ(nameOf(verdict()), "Waiting for taps…");
@@ -26,7 +28,6 @@ TEST_F(Accessibility, TheWindowAndItsTextsHaveNames) {
 }
 
 TEST_F(Accessibility, ACountIsReadWithItsCaption) {
-  show();
   EXPECT_EQ(nameOf(cardLabel(0, 0)), "0 Taps");
   EXPECT_EQ(nameOf(cardLabel(1, 0)), "0 Registered");
   EXPECT_EQ(nameOf(cardLabel(1, 1)), "Registered");
@@ -38,7 +39,6 @@ TEST_F(Accessibility, ACountIsReadWithItsCaption) {
 }
 
 TEST_F(Accessibility, TheButtonIsAButton) {
-  show();
   EXPECT_EQ(nameOf(row(6)), "Reset");
   EXPECT_EQ(roleOf(row(6)), QAccessible::Button);
   EXPECT_NE(row(6).focusPolicy() & Qt::TabFocus, 0);

@@ -61,7 +61,7 @@ TEST_F(MainMenuKeys, ControlHHidesTheWindows) {
   EXPECT_FALSE(other.isVisible());
 }
 
-/// Nothing would bring it back: it is not the user who opens it.
+/// The user could not bring it back.
 TEST_F(MainMenuKeys, ControlHDoesNotHideTheTraysIcon) {
   QWidget icon(nullptr, Qt::FramelessWindowHint | Qt::BypassWindowManagerHint);
   icon.show();
@@ -139,10 +139,7 @@ TEST_F(MainMenuKeys, WorkWhileAnAlertIsUp) {
       }
     }
   });
-  presenter.runModal({.messageText = "?",
-                      .informativeText = "",
-                      .style = AlertStyle::Informational,
-                      .buttons = {"OK"}});
+  presenter.runModal({.messageText = "?", .informativeText = "", .buttons = {"OK"}});
   EXPECT_TRUE(found);
   EXPECT_EQ(terminations_, 1);
   EXPECT_FALSE(field_.isVisible());

@@ -3,13 +3,51 @@
 #include <algorithm>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "Platform/Linux/Windows/ColorPalette.h"
-#include "Platform/Linux/Windows/FixedDigitLine.h"
+#include "Platform/Linux/Windows/LabelWidget.h"
 #include "Tests/Unit/Linux/Windows/TreeFixture.h"
 
 namespace zephlin {
 namespace {
+
+using Pieces = std::vector<FixedDigitLine::Piece>;
+
+/// A font whose 1 is narrow and whose 8 is wide.
+qreal advance(const QString& text) {
+  qreal width = 0;
+  for (const QChar character : text) {
+    width += character == u'1' ? 4 : character == u'8' ? 10 : 8;
+  }
+  return width;
+}
+
+FixedDigitLine line(const QString& text) {
+  return {text, advance};
+}
+
+TEST(FixedDigitLine, EveryDigitIsAsWideAsTheWidest) {
+  for (const char* digits : {"1", "8", "0"}) {
+    EXPECT_EQ(line(digits).width(), 10) << digits;
+  }
+  EXPECT_EQ(line("11 ms").width(), line("88 ms").width());
+  EXPECT_EQ(line("2048").width(), 40);
+}
+
+TEST(FixedDigitLine, ADigitIsCentredInItsPlace) {
+  EXPECT_EQ(line("181").pieces(), (Pieces{{"1", 3}, {"8", 10}, {"1", 23}}));
+}
+
+TEST(FixedDigitLine, WordsKeepTheirWidthAndStayWhole) {
+  EXPECT_EQ(line("in 12 ms").pieces(), (Pieces{{"in ", 0}, {"1", 27}, {"2", 35}, {" ms", 44}}));
+  EXPECT_EQ(line("in 12 ms").width(), 24 + 20 + 24);
+}
+
+TEST(FixedDigitLine, AnEmptyTextHasNoPieces) {
+  EXPECT_EQ(line("").pieces(), Pieces());
+  EXPECT_EQ(line("").width(), 0);
+}
 
 constexpr const char* longText =
     "A text that is far too long for a line of eighty points, whatever the font may be";
@@ -25,6 +63,22 @@ class LabelTest : public TreeFixture {
     realise(made);
     return made;
   }
+  std::shared_ptr<Label> realiseGreenBlock() {
+    auto made = std::make_shared<Label>("█");
+    made->font.pointSize = 40;
+    made->setTextColor({ColorRole::SystemGreen});
+    realise(made);
+    return made;
+  }
+  /// A label in a box of that width, with that much free at both sides.
+  void realiseBoxed(std::shared_ptr<Label> line, double width, double inset) {
+    line->alignment = TextAlignment::Center;
+    auto box = std::make_shared<View>();
+    box->fixedWidth = width;
+    box->addSubview(std::move(line), {.left = inset, .right = inset});
+    realise(box);
+  }
+  QImage image() { return imageOf(window_->contentAsPng()); }
 };
 
 TEST_F(LabelTest, ASingleLineIsAsWideAsItsText) {
@@ -83,29 +137,22 @@ bool contains(const QImage& image, const QColor& color) {
 }
 
 TEST_F(LabelTest, FollowsItsColourByRole) {
-  auto shown = std::make_shared<Label>("█");
-  shown->font.pointSize = 40;
-  shown->setTextColor({ColorRole::SystemGreen});
-  Window& window = realise(shown);
+  const auto shown = realiseGreenBlock();
   const auto appearance = appearanceOf(widget().palette());
   const QColor green = resolve({ColorRole::SystemGreen}, appearance);
   const QColor red = resolve({ColorRole::SystemRed}, appearance);
-  EXPECT_TRUE(contains(imageOf(window.contentAsPng()), green));
+  EXPECT_TRUE(contains(image(), green));
   shown->setTextColor({ColorRole::SystemRed});
-  EXPECT_TRUE(contains(imageOf(window.contentAsPng()), red));
-  EXPECT_FALSE(contains(imageOf(window.contentAsPng()), green));
+  EXPECT_TRUE(contains(image(), red));
+  EXPECT_FALSE(contains(image(), green));
 }
 
 TEST_F(LabelTest, DarkWindowsHaveColoursOfTheirOwn) {
-  auto shown = std::make_shared<Label>("█");
-  shown->font.pointSize = 40;
-  shown->setTextColor({ColorRole::SystemGreen});
-  Window& window = realise(shown);
+  realiseGreenBlock();
   QPalette dark;
   dark.setColor(QPalette::Window, QColor(0x2d, 0x2d, 0x2d));
   widget().setPalette(dark);
-  EXPECT_TRUE(contains(imageOf(window.contentAsPng()),
-                       resolve({ColorRole::SystemGreen}, Appearance::Dark)));
+  EXPECT_TRUE(contains(image(), resolve({ColorRole::SystemGreen}, Appearance::Dark)));
 }
 
 /// The columns that have ink, as the first and the last.
@@ -125,13 +172,8 @@ std::pair<int, int> inkedColumns(const QImage& image) {
 
 TEST_F(LabelTest, ALineThatIsTooLongForItsBoxShrinksInsteadOfBeingCutOff) {
   auto line = std::make_shared<Label>("█" + std::string(60, ' ') + "█");
-  line->alignment = TextAlignment::Center;
-  auto box = std::make_shared<View>();
-  box->fixedWidth = 120;
-  box->addSubview(line, {.left = 10, .right = 10});
-  Window& window = realise(box);
-  const QImage image = imageOf(window.contentAsPng());
-  const auto [first, last] = inkedColumns(image);
+  realiseBoxed(line, 120, 10);
+  const auto [first, last] = inkedColumns(image());
   EXPECT_NEAR(first, 10, 3);
   EXPECT_NEAR(last, 110, 3);
 }
@@ -186,18 +228,13 @@ TEST_F(LabelTest, DigitsOfFixedWidthArePaintedEachInItsPlace) {
   }
 }
 
-TEST_F(LabelTest, DigitsOfFixedWidthStandInTheMiddleToo) {
+TEST_F(LabelTest, DigitsOfFixedWidthAreCentredToo) {
   auto line = std::make_shared<Label>("Took 12 ms");
   line->font.monospacedDigits = true;
-  line->alignment = TextAlignment::Center;
-  auto box = std::make_shared<View>();
-  box->fixedWidth = 200;
-  box->addSubview(line, {});
-  Window& window = realise(box);
-  const QImage image = imageOf(window.contentAsPng());
-  const auto [first, last] = inkedColumns(image);
+  realiseBoxed(line, 200, 0);
+  const auto [first, last] = inkedColumns(image());
   EXPECT_GT(last - first, label().fontMetrics().horizontalAdvance("Took 12 ms") / 2);
-  EXPECT_NEAR(first, image.width() - 1 - last, 4);
+  EXPECT_NEAR(first, image().width() - 1 - last, 4);
 }
 
 }  // namespace

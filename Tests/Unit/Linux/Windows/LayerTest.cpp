@@ -21,14 +21,25 @@ class Box final : public View {
   int updates = 0;
 };
 
+std::shared_ptr<RoundedView> roundedBox(std::optional<Color> border, double radius) {
+  auto box = std::make_shared<RoundedView>(Color{ColorRole::SystemRed}, border, radius);
+  box->fixedWidth = 60;
+  box->embed(std::make_shared<Label>(" "), {20, 8, 20, 8});
+  return box;
+}
+
 class LayerTest : public TreeFixture {
  protected:
+  std::shared_ptr<Box> realiseBox() {
+    auto box = std::make_shared<Box>();
+    realise(box);
+    return box;
+  }
   QColor shown(ColorRole role) { return resolve({role}, appearanceOf(widget().palette())); }
 };
 
 TEST_F(LayerTest, IsUpdatedBeforeItIsFirstShown) {
-  auto box = std::make_shared<Box>();
-  realise(box);
+  const auto box = realiseBox();
   EXPECT_EQ(box->updates, 0);
   EXPECT_EQ(colorAt(30, 5), shown(ColorRole::SystemGreen));
   EXPECT_EQ(box->updates, 1);
@@ -36,8 +47,7 @@ TEST_F(LayerTest, IsUpdatedBeforeItIsFirstShown) {
 }
 
 TEST_F(LayerTest, ReplacingTheFillAloneDoesNotRedraw) {
-  auto box = std::make_shared<Box>();
-  realise(box);
+  const auto box = realiseBox();
   colorAt(30, 5);
   box->fill = {ColorRole::SystemRed};
   EXPECT_EQ(colorAt(30, 5), shown(ColorRole::SystemGreen));
@@ -45,8 +55,7 @@ TEST_F(LayerTest, ReplacingTheFillAloneDoesNotRedraw) {
 }
 
 TEST_F(LayerTest, ReplacingTheFillAndAskingForDisplayRedraws) {
-  auto box = std::make_shared<Box>();
-  realise(box);
+  const auto box = realiseBox();
   showAndActivate();
   ASSERT_TRUE(QTest::qWaitFor([&] { return box->updates == 1; }, timeoutInMilliseconds));
   box->fill = {ColorRole::SystemRed};
@@ -58,11 +67,7 @@ TEST_F(LayerTest, ReplacingTheFillAndAskingForDisplayRedraws) {
 }
 
 TEST_F(LayerTest, FillAndBorderAreDarkOnADarkWindow) {
-  auto box =
-      std::make_shared<RoundedView>(Color{ColorRole::SystemRed}, Color{ColorRole::SystemGreen}, 12);
-  box->fixedWidth = 60;
-  box->embed(std::make_shared<Label>(" "), {20, 8, 20, 8});
-  realise(box);
+  realise(roundedBox(Color{ColorRole::SystemGreen}, 12));
   EXPECT_EQ(colorAt(30, 5), resolve({ColorRole::SystemRed}, Appearance::Light));
   QPalette dark;
   dark.setColor(QPalette::Window, QColor(0x2d, 0x2d, 0x2d));
@@ -72,10 +77,7 @@ TEST_F(LayerTest, FillAndBorderAreDarkOnADarkWindow) {
 }
 
 TEST_F(LayerTest, CornersAreRoundAndLetTheWindowThrough) {
-  auto box = std::make_shared<RoundedView>(Color{ColorRole::SystemRed}, std::nullopt, 12);
-  box->fixedWidth = 60;
-  box->embed(std::make_shared<Label>(" "), {20, 8, 20, 8});
-  realise(box);
+  realise(roundedBox(std::nullopt, 12));
   EXPECT_EQ(colorAt(0, 0), widget().palette().color(QPalette::Window));
   EXPECT_EQ(colorAt(2, 2), widget().palette().color(QPalette::Window));
   EXPECT_EQ(colorAt(5, 5), shown(ColorRole::SystemRed));
@@ -83,11 +85,7 @@ TEST_F(LayerTest, CornersAreRoundAndLetTheWindowThrough) {
 }
 
 TEST_F(LayerTest, ABorderIsOneSharpPixelInsideTheBox) {
-  auto box =
-      std::make_shared<RoundedView>(Color{ColorRole::SystemRed}, Color{ColorRole::SystemGreen}, 12);
-  box->fixedWidth = 60;
-  box->embed(std::make_shared<Label>(" "), {20, 8, 20, 8});
-  realise(box);
+  realise(roundedBox(Color{ColorRole::SystemGreen}, 12));
   EXPECT_EQ(colorAt(30, 0), shown(ColorRole::SystemGreen));
   EXPECT_EQ(colorAt(30, 1), shown(ColorRole::SystemRed));
   EXPECT_EQ(colorAt(0, 25), shown(ColorRole::SystemGreen));
@@ -98,12 +96,8 @@ TEST_F(LayerTest, ABorderIsOneSharpPixelInsideTheBox) {
 
 /// At that scale the box begins and ends between two of the screen's pixels.
 TEST_F(LayerTest, EdgesAreSharpAtFractionalScales) {
-  auto box =
-      std::make_shared<RoundedView>(Color{ColorRole::SystemRed}, Color{ColorRole::SystemGreen}, 0);
-  box->fixedWidth = 60;
-  box->embed(std::make_shared<Label>(" "), {20, 8, 20, 8});
   auto around = std::make_shared<View>();
-  around->addSubview(box, {7, 7, 7, 7});
+  around->addSubview(roundedBox(Color{ColorRole::SystemGreen}, 0), {7, 7, 7, 7});
   realise(around);
   showAndActivate();
   constexpr qreal scale = 1.5;

@@ -6,17 +6,18 @@
 namespace zephlin {
 namespace {
 
-using TapTestGeometry = TapTestOnQt;
+class TapTestGeometry : public TapTestOnQt {
+ protected:
+  void SetUp() override { show(); }
+};
 
 TEST_F(TapTestGeometry, TheContentIs408WideAndFillsTheWindow) {
-  show();
   EXPECT_EQ(widget().width(), 408);
   EXPECT_EQ(placeOf(child(widget(), 0)), QRect(QPoint(), widget().size()));
   EXPECT_EQ(placeOf(stack()), QRect(QPoint(), widget().size()));
 }
 
-TEST_F(TapTestGeometry, TheRowsStandAtTheirDistances) {
-  show();
+TEST_F(TapTestGeometry, TheRowsKeepTheirDistances) {
   EXPECT_EQ(placeOf(row(0)).top(), 22);
   std::vector<int> gaps;
   for (int index = 1; index < 8; ++index) {
@@ -27,7 +28,6 @@ TEST_F(TapTestGeometry, TheRowsStandAtTheirDistances) {
 }
 
 TEST_F(TapTestGeometry, EveryRowIsCentred) {
-  show();
   for (int index = 0; index < 8; ++index) {
     const QRect place = placeOf(row(index));
     EXPECT_NEAR(place.left(), 408 - place.right() - 1, 1) << index;
@@ -36,7 +36,6 @@ TEST_F(TapTestGeometry, EveryRowIsCentred) {
 }
 
 TEST_F(TapTestGeometry, TheCardsShareTheRowEqually) {
-  show();
   EXPECT_EQ(placeOf(row(2)).left(), 24);
   EXPECT_EQ(row(2).width(), 360);
   EXPECT_EQ(placeOf(card(0)).left(), 24);
@@ -48,7 +47,6 @@ TEST_F(TapTestGeometry, TheCardsShareTheRowEqually) {
 }
 
 TEST_F(TapTestGeometry, TheCardsKeepTheirInsetsAndTheirSpacing) {
-  show();
   for (int index = 0; index < 2; ++index) {
     const QRect box = placeOf(card(index));
     EXPECT_EQ(placeOf(cardStack(index)), box.adjusted(8, 16, -8, -14));
@@ -63,14 +61,12 @@ TEST_F(TapTestGeometry, TheCardsKeepTheirInsetsAndTheirSpacing) {
 }
 
 TEST_F(TapTestGeometry, ThePillIs360WideAroundItsVerdict) {
-  show();
   EXPECT_EQ(placeOf(row(3)).left(), 24);
   EXPECT_EQ(row(3).width(), 360);
   EXPECT_EQ(placeOf(verdict()), placeOf(row(3)).adjusted(14, 9, -14, -9));
 }
 
 TEST_F(TapTestGeometry, PointsAreDeviceIndependentPixels) {
-  show();
   const auto expectFont = [](const QWidget& label, int pixelSize, QFont::Weight weight) {
     EXPECT_EQ(label.font().pixelSize(), pixelSize);
     EXPECT_EQ(label.font().weight(), weight);
@@ -87,7 +83,6 @@ TEST_F(TapTestGeometry, PointsAreDeviceIndependentPixels) {
 }
 
 TEST_F(TapTestGeometry, TheHeightStaysWhenVerdictAndLatencyChange) {
-  show();
   const QSize before = widget().size();
   desktop().capsLockKey().setLatency(0.012);
   tap(3);
@@ -101,7 +96,9 @@ TEST_F(TapTestGeometry, TheHeightStaysWhenVerdictAndLatencyChange) {
   EXPECT_EQ(widget().size(), before);
 }
 
-TEST_F(TapTestGeometry, TheWindowGrowsForANoteOfTwoLines) {
+using TapTestNote = TapTestOnQt;
+
+TEST_F(TapTestNote, TheWindowGrowsForANoteOfTwoLines) {
   showWithoutPressChannel();
   const int lineHeight = note().fontMetrics().height();
   EXPECT_GE(note().height(), 2 * lineHeight);
@@ -110,7 +107,7 @@ TEST_F(TapTestGeometry, TheWindowGrowsForANoteOfTwoLines) {
   EXPECT_EQ(note().height(), note().heightForWidth(note().width()));
 }
 
-TEST_F(TapTestGeometry, TheWindowShrinksAgainWhenTheNoteDoes) {
+TEST_F(TapTestNote, TheWindowShrinksAgainWhenTheNoteDoes) {
   showWithoutPressChannel();
   const int tall = widget().height();
   desktop().hidDevices().failOpening(std::nullopt);
@@ -122,7 +119,6 @@ TEST_F(TapTestGeometry, TheWindowShrinksAgainWhenTheNoteDoes) {
 }
 
 TEST_F(TapTestGeometry, TheUserCannotResizeTheWindow) {
-  show();
   EXPECT_EQ(widget().minimumSize(), widget().size());
   EXPECT_EQ(widget().maximumSize(), widget().size());
 }

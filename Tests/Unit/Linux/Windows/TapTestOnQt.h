@@ -49,7 +49,7 @@ class TapTestOnQt : public testing::Test {
 
   SimulatedDesktop& desktop() { return platform_.desktop(); }
   QWidget& widget() { return *findWindow("Tap Test"); }
-  /// A child in the order in which children were added; fails where there is none.
+  /// A child in the order in which children were added; fails if there is none.
   static QWidget& child(QWidget& parent, int index) {
     return *parent.findChildren<QWidget*>(Qt::FindDirectChildrenOnly).at(index);
   }

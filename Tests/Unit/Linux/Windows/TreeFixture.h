@@ -17,7 +17,7 @@
 namespace zephlin {
 
 constexpr const char* testTitle = "A window";
-/// For what is bound to happen; only a failing test waits as long.
+/// Only a failing test waits as long.
 constexpr int timeoutInMilliseconds = 10000;
 
 /// The one window with that title, or null.
@@ -61,7 +61,7 @@ class TreeFixture : public testing::Test {
   QWidget& widget() { return *findWindow(testTitle); }
   QLabel& label(int index = 0) { return *widget().findChildren<QLabel*>().at(index); }
   QPushButton& button() { return *widget().findChild<QPushButton*>(); }
-  /// What stands on the screen at that point of the content.
+  /// The colour that is shown at that point of the content.
   QColor colorAt(int x, int y) { return imageOf(window_->contentAsPng()).pixelColor(x, y); }
 
   QtWindowServer server_;

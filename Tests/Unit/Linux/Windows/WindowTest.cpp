@@ -52,7 +52,7 @@ TEST_F(WindowTest, IsCentredOnTheFreePartOfTheScreen) {
   EXPECT_LE((widget().frameGeometry().center() - middle).manhattanLength(), 2);
 }
 
-TEST_F(WindowTest, TellsItsDelegateOnceForEachClosing) {
+TEST_F(WindowTest, CallsItsDelegateOnceForEachClosing) {
   showAndActivate();
   closeByItsButton();
   EXPECT_FALSE(widget().isVisible());
