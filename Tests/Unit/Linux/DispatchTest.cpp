@@ -86,7 +86,7 @@ TEST(LinuxDispatchEnd, WaitsForAllThatItsQueuesHold) {
   EXPECT_EQ(done, (std::vector<int>{0, 1, 2}));
 }
 
-TEST(LinuxDispatchEnd, AbandoningDropsWhatHasNotBegunAndTellsWhetherAnythingIsUnderWay) {
+TEST(LinuxDispatchEnd, AbandoningDropsWhatHasNotBegunAndReturnsWhetherAnythingIsRunning) {
   std::vector<std::string> done;
   std::promise<void> begun;
   std::promise<void> mayEnd;
@@ -118,7 +118,7 @@ pid_t spawnSleep() {
   return child;
 }
 
-TEST(LinuxDispatchEnd, AbandoningTellsTheChildProcessesOfWorkToEndAndNoOthers) {
+TEST(LinuxDispatchEnd, AbandoningEndsTheChildProcessesOfWorkAndNoOthers) {
   const pid_t ownChild = spawnSleep();
   std::promise<void> begun;
   std::promise<int> ended;
@@ -176,7 +176,7 @@ TEST(LinuxProcessInfoTest, TheBundleIsTheFolderOfTheProgram) {
             std::filesystem::canonical("/proc/self/exe").parent_path());
 }
 
-TEST(LinuxProcessInfoTest, TellsVariablesThatAreSetFromOthers) {
+TEST(LinuxProcessInfoTest, DistinguishesEmptyVariablesFromMissingOnes) {
   ::setenv("ZEPHLIN_TEST", "", 1);
   EXPECT_EQ(LinuxProcessInfo().environmentVariable("ZEPHLIN_TEST"), "");
   ::unsetenv("ZEPHLIN_TEST");
