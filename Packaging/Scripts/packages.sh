@@ -1,7 +1,8 @@
 # shellcheck shell=bash
-# Sourced by ./run and ./test: what they need on the machine, and how it gets there.
+# Sourced by ./run, ./test and .devcontainer/Dockerfile: which packages they need, and how to install
+# them.
 
-# What runs a command as root: "${as_root[@]}" COMMAND
+# Runs a command as root: "${as_root[@]}" COMMAND
 as_root=()
 if [ "$(id -u)" -ne 0 ]; then
     as_root=(sudo)
@@ -11,12 +12,12 @@ if [ "$(id -u)" -ne 0 ]; then
     fi
 fi
 
-# Says which long step begins.
+# Announces a long step.
 step() {
     printf '\n==> %s\n' "$*"
 }
 
-# Runs a command whose output matters only if it fails.
+# Runs a command, and shows its output only if it fails.
 quietly() {
     local output status=0
     output=$("$@" 2>&1) || status=$?
@@ -41,13 +42,13 @@ need_packages() {
         apt-get install -y --no-install-recommends "${missing[@]}"
 }
 
-# What building Zephlin takes; the rest of what is needed follows.
+# To build Zephlin; further packages may follow.
 need_build_packages() {
     need_packages g++ cmake ninja-build pkg-config nlohmann-json3-dev libsystemd-dev libudev-dev \
         libevdev-dev "$@"
 }
 
-# What building its application for the desktop takes besides; the rest of what is needed follows.
+# To build it with its application for desktops; further packages may follow.
 need_desktop_build_packages() {
     need_build_packages qt6-base-dev qt6-svg-dev libxcb1-dev libxcb-xinput-dev libxcb-xkb-dev \
         "$@"
@@ -59,20 +60,37 @@ need_virtual_desktop_packages() {
         imagemagick adwaita-icon-theme librsvg2-common fonts-dejavu-core
 }
 
-# A virtual machine with a Debian kernel of its own, and what is compiled for it.
+# A virtual machine with Debian's kernel, and what is compiled for it.
 need_virtual_machine_packages() {
     need_packages busybox-static cpio libxkbcommon-dev qemu-system-x86 systemd udev xkb-data
 }
 
-# What builds for macOS: a compiler and a linker, LLVM's libc++ for its symbols, and npm, which brings
-# what takes the place of Apple's SDK.
+# To build for macOS: a compiler and a linker, LLVM's libc++ for its symbols, and npm, which downloads
+# what replaces Apple's SDK.
 need_macos_packages() {
     need_packages clang-16 cmake git libc++1-14 lld-16 llvm-16 ninja-build python3
     command -v npm >/dev/null || need_packages ca-certificates npm
 }
 
-# Makes what takes the place of Apple's SDK, unless it is there already.
+# To build, run and check everything except for the labels vm and macos, which need more.
+need_test_packages() {
+    need_desktop_build_packages libgtest-dev clang libclang-rt-14-dev clang-format clang-tidy \
+        shellcheck git mandoc python3 python3-yaml
+    need_virtual_desktop_packages
+    need_packages at-spi2-core libumockdev-dev libxcb-xtest0-dev python3-dbusmock qt6-qpa-plugins \
+        strace trayer umockdev x11-xkb-utils
+    need_packages appstream bash-completion desktop-file-utils dpkg-dev file fish lintian systemd zsh
+}
+
+# The rest for the label macos: GNUstep, on which the macOS body runs.
+need_macos_test_packages() {
+    need_packages gnustep-back0.29-cairo gobjc++ googletest libblocksruntime-dev \
+        libgnustep-gui-dev python3-clang-16
+    need_macos_packages
+}
+
+# Makes the replacement of Apple's SDK, unless it exists.
 make_macos_sdk() {
-    step "Making what takes the place of Apple's SDK, of two npm packages (80 MB)"
+    step "Making the replacement of Apple's SDK from two npm packages (80 MB)"
     /usr/bin/python3 -B Packaging/macOS/Toolchain/make_sdk.py
 }
