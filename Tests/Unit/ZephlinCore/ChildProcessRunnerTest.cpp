@@ -51,7 +51,17 @@ std::string runExit3() {
   return describe(run({"exit", "3", "text"}));
 }
 
-/// 0 for a directory that there is not: only Linux lists threads.
+/// Handles a signal in this process, whose system calls it interrupts.
+void catchSignal(int signal, void (*handler)(int), int flags = 0) {
+  struct sigaction action {};
+  action.sa_handler = handler;
+  action.sa_flags = flags;
+  ::sigaction(signal, &action, nullptr);
+}
+
+void ignore(int /*signal*/) {}
+
+/// 0 for a directory that does not exist: only Linux lists threads.
 std::ptrdiff_t entriesOf(const char* directory) {
   std::error_code error;
   return std::distance(std::filesystem::directory_iterator(directory, error), {});
@@ -112,22 +122,17 @@ TEST(ChildProcessRunner, ASignalReportsItsNumberAsTheStatus) {
   }
 }
 
-TEST(ChildProcessRunner, AChildThatIgnoresEverySignalIsKilledAtTheLimit) {
-  const ChildProcessResult result = runPastItsTime({"hang", "some text"});
-  EXPECT_TRUE(result.timedOut);
-  EXPECT_EQ(result.terminationStatus, SIGKILL);
-}
-
-TEST(ChildProcessRunner, AChildThatStoppedItselfIsKilledAtTheLimit) {
-  EXPECT_TRUE(runPastItsTime({"stop"}).timedOut);
-}
-
-TEST(ChildProcessRunner, AChildThatClosedItsOutputIsKilledAtTheLimit) {
-  EXPECT_TRUE(runPastItsTime({"close-output", "60000"}).timedOut);
-}
-
-TEST(ChildProcessRunner, AChildThatPrintsForeverIsKilledAtTheLimit) {
-  EXPECT_TRUE(runPastItsTime({"flood"}).timedOut);
+TEST(ChildProcessRunner, AChildThatDoesNotEndIsKilledAtTheLimit) {
+  for (const auto& arguments : std::vector<std::vector<std::string>>{
+           {"hang", "some text"},  // Ignores every signal that can be ignored.
+           {"stop"},
+           {"close-output", "60000"},
+           {"flood"},
+       }) {
+    const ChildProcessResult result = runPastItsTime(arguments);
+    EXPECT_TRUE(result.timedOut) << arguments[0];
+    EXPECT_EQ(result.terminationStatus, SIGKILL) << arguments[0];
+  }
 }
 
 TEST(ChildProcessRunner, OfOutputThatIsTooLongAllIsReadAndNothingIsKept) {
@@ -156,9 +161,7 @@ TEST(ChildProcessRunner, AKilledChildIsTimedOutThoughItsOwnChildHoldsThePipe) {
 
 TEST(ChildProcessRunner, ACallerThatStandsStillPastTheLimitGetsWhatAFinishedChildPrinted) {
   EXPECT_EQ(inNewProcess([] {
-              struct sigaction action {};
-              action.sa_handler = [](int) { ::usleep(2'500'000); };
-              ::sigaction(SIGALRM, &action, nullptr);
+              catchSignal(SIGALRM, [](int) { ::usleep(2'500'000); });
               const itimerval once{{0, 0}, {0, 100'000}};
               ::setitimer(ITIMER_REAL, &once, nullptr);
               const std::vector<std::string> script = {"-c", "sleep 0.3; echo text"};
@@ -224,7 +227,7 @@ TEST(ChildProcessRunner, ManyRunsLeaveTheProcessAsItWas) {
 }
 
 TEST(ChildProcessRunner, WorksWithTheStandardDescriptorsClosed) {
-  // Every combination, for a pipe may come to stand on any of them.
+  // Every combination, because a pipe may get the number of any of them.
   for (unsigned closed = 0; closed < 8; ++closed) {
     EXPECT_EQ(inNewProcess([closed] {
                 for (unsigned descriptor = 0; descriptor < 3; ++descriptor) {
@@ -250,23 +253,17 @@ TEST(ChildProcessRunner, WhatIsPrintedWhileTheStandardDescriptorsAreClosedIsInNo
             "above");
 }
 
-TEST(ChildProcessRunner, WorksWhereSigchldIsIgnored) {
-  EXPECT_EQ(inNewProcess([] {
-              ::signal(SIGCHLD, SIG_IGN);
-              return runExit3();
-            }),
-            "ended 3 text");
-}
-
-TEST(ChildProcessRunner, WorksWhereChildrenLeaveNoZombies) {
-  EXPECT_EQ(inNewProcess([] {
-              struct sigaction action {};
-              action.sa_handler = [](int) {};
-              action.sa_flags = SA_NOCLDWAIT;
-              ::sigaction(SIGCHLD, &action, nullptr);
-              return runExit3();
-            }),
-            "ended 3 text");
+TEST(ChildProcessRunner, WorksWhereTheSystemReapsChildren) {
+  for (void (*const letTheSystemReap)() : {
+           +[] { ::signal(SIGCHLD, SIG_IGN); },
+           +[] { catchSignal(SIGCHLD, ignore, SA_NOCLDWAIT); },
+       }) {
+    EXPECT_EQ(inNewProcess([letTheSystemReap] {
+                letTheSystemReap();
+                return runExit3();
+              }),
+              "ended 3 text");
+  }
 }
 
 TEST(ChildProcessRunner, WorksWithEverySignalBlockedAndWithSigpipeIgnored) {
@@ -282,9 +279,7 @@ TEST(ChildProcessRunner, WorksWithEverySignalBlockedAndWithSigpipeIgnored) {
 
 TEST(ChildProcessRunner, WorksWhileSignalsInterruptTheCaller) {
   EXPECT_EQ(inNewProcess([] {
-              struct sigaction action {};
-              action.sa_handler = [](int) {};  // Without SA_RESTART.
-              ::sigaction(SIGALRM, &action, nullptr);
+              catchSignal(SIGALRM, ignore);
               const itimerval everyMillisecond{{0, 1000}, {0, 1000}};
               ::setitimer(ITIMER_REAL, &everyMillisecond, nullptr);
               return describe(run({"sleep", "100", "6"})) + describe(run({"hang"}, brief)) +
