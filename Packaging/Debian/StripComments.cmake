@@ -1,5 +1,5 @@
-# Takes the section out of the programs that names the compiler, as debhelper does; cpack's own
-# stripping leaves it.
+# Removes the section that names the compiler from the programs, as debhelper does; cpack's own
+# stripping keeps it.
 set(usr ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*/usr)
 file(GLOB_RECURSE files ${usr}/bin/* ${usr}/sbin/* ${usr}/lib/*/zephlin/*)
 foreach(file IN LISTS files)

@@ -1,7 +1,7 @@
 #!/bin/sh
 # Writes CHANGELOG.md as a Debian changelog: make-changelog.sh CHANGELOG.md VERSION RESULT
 #
-# What is unreleased gets VERSION and the date of SOURCE_DATE_EPOCH, or else of the present.
+# Unreleased changes get VERSION and the date in SOURCE_DATE_EPOCH, or today's.
 set -eu
 
 now=$(date --utc --rfc-email --date="@${SOURCE_DATE_EPOCH:-$(date +%s)}")

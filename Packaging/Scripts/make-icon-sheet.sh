@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Draws all icons at the sizes that panels and menus use, for light and dark ones, on one sheet:
+# Draws all icons on one sheet, at the sizes that panels and menus use, for light and dark themes:
 #
 #   make-icon-sheet.sh PICTURE.png [MAGNIFICATION]
 #
@@ -17,7 +17,7 @@ for icon in *.svg; do
         read -r foreground background <<<"$colours"
         for size in 16 22 24 32 64; do
             tile=$folder/$icon$background$size.png
-            # A panel puts its own colour in the place of that one.
+            # A panel replaces this colour by its own.
             sed "s/#363636/$foreground/" "$icon" | rsvg-convert --width "$size" --height "$size" |
                 convert - -background "$background" -gravity center -extent "$((size + 16))x80" \
                     -filter point -resize "$((magnification * 100))%" "$tile"

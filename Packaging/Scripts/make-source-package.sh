@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Makes zephlin-VERSION.tar.gz of what git tracks, as the newest commit has it, and nothing else. The
-# same commit gives the same bytes.
+# Makes zephlin-VERSION.tar.gz of exactly what the last commit tracks. The same commit gives the same
+# bytes.
 #
 #   make-source-package.sh VERSION FOLDER
 set -euo pipefail

@@ -17,7 +17,7 @@ wait_for() {
     until "$@" >/dev/null 2>&1; do
         tries=$((tries + 1))
         if [ "$tries" -gt 150 ]; then
-            echo "take-pictures.sh: waited in vain for: $*" >&2
+            echo "take-pictures.sh: gave up waiting for: $*" >&2
             exit 1
         fi
         sleep 0.2
@@ -30,7 +30,7 @@ tray_has_an_item() {
         RegisteredStatusNotifierItems | grep -q "/"
 }
 
-# A key is held for as long as a light tap takes.
+# Holds the key for as long as a light tap does.
 tap_caps_lock() {
     xdotool keydown Caps_Lock
     sleep 0.04
@@ -50,11 +50,11 @@ sleep 1
 picture menu "the menu"
 xdotool key Escape
 
-# A second start shows the tap test of the first.
+# Starting Zephlin again shows the tap test of the running one.
 Zephlin
 wait_for xdotool search --name '^Tap Test$'
 sleep 1
-# The first change of a modifier tells the tap test where it starts.
+# From the first change of a modifier, the tap test learns the state of Caps Lock.
 xdotool key Shift_L
 for _ in 1 2 3 4; do
     tap_caps_lock

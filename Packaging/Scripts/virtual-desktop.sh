@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs a command on a desktop of its own: an X server in memory, a bus, a window manager, and a panel
-# with a tray at its right end. Nothing of the user's session or settings is used or changed.
+# Runs a command on a private desktop: an X server in memory, a bus, a window manager, and a panel with
+# a tray at its right end. The user's session and settings are neither used nor changed.
 #
 #   virtual-desktop.sh COMMAND [ARGUMENT...]
 set -euo pipefail

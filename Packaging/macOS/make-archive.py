@@ -21,7 +21,7 @@ def main() -> None:
     if len(sys.argv) != 3:
         sys.exit(__doc__.split("\n\n")[1])
     bundle, archive = map(pathlib.Path, sys.argv[1:])
-    # No archive has anything from before 1980.
+    # A zip archive cannot hold earlier times.
     epoch = max(int(os.environ.get("SOURCE_DATE_EPOCH", 0)), 315532800)
     with zipfile.ZipFile(archive, "w", zipfile.ZIP_DEFLATED, compresslevel=9) as packed:
         for path in [bundle, *sorted(bundle.rglob("*"))]:

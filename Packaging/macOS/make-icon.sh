@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Makes Zephlin.icns from the application's drawing. Needs rsvg-convert (librsvg2-bin) and png2icns
-# (icnsutils). A Mac has neither, so the result is kept beside this.
+# (icnsutils). A Mac has neither, so the result is kept beside this script.
 set -euo pipefail
 cd "$(dirname "$0")"
 

@@ -17,7 +17,7 @@ sign() {
     codesign --force --options runtime --timestamp --sign "$ZEPHLIN_SIGNING_IDENTITY" "$@"
 }
 
-# From the inside out: a signature covers those within.
+# From the inside out: a signature covers the signatures within.
 sparkle=$app/Contents/Frameworks/Sparkle.framework
 if [ -d "$sparkle" ]; then
     sign "$sparkle/Versions/B/XPCServices/Installer.xpc"
@@ -33,6 +33,6 @@ ditto -c -k --keepParent "$app" "$archive"
 xcrun notarytool submit "$archive" --keychain-profile "$ZEPHLIN_NOTARY_PROFILE" --wait
 xcrun stapler staple "$app"
 spctl --assess --type execute --verbose=4 "$app"
-# Once more, with the ticket.
+# Packed again, now with the ticket.
 rm -f "$archive"
 ditto -c -k --keepParent "$app" "$archive"

@@ -5,7 +5,7 @@
 
 namespace zephlin::bench {
 
-/// A plain pass over the bytes, compiled with -O2: what reading each of them once costs.
+/// A plain pass over the bytes, compiled with -O2: the cost of reading each of them once.
 std::size_t countLineFeeds(std::string_view text);
 
 }  // namespace zephlin::bench

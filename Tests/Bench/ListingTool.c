@@ -1,4 +1,4 @@
-// Stands as /usr/bin/hidutil where start-up is measured: prints a listing and is done.
+// Takes the place of /usr/bin/hidutil where start-up is measured: only prints a listing.
 
 #include <stdio.h>
 

@@ -1,5 +1,5 @@
-// The least that any program must do to learn what hidutil says: launch it, read all it prints,
-// reap it. The yardstick for the start-up of `Zephlin status`.
+// The least that any program must do to get hidutil's output: launch it, read to the end, reap it.
+// `Zephlin status` is measured against it.
 
 #include <spawn.h>
 #include <stddef.h>

@@ -51,7 +51,7 @@ double secondsPerCall(std::size_t rows, Work work) {
   return std::chrono::duration<double>(Clock::now() - begin).count() / static_cast<double>(calls);
 }
 
-/// What a measured call returns is kept, so that the compiler cannot leave the call out.
+/// Keeps the result of a measured call, so that the compiler cannot remove the call.
 volatile std::size_t sink;
 
 void runMawk(const char* path) {

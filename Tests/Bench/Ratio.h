@@ -7,7 +7,7 @@
 
 namespace zephlin::bench {
 
-/// Prints the median and the quartiles of the values, with a name before and a unit behind them.
+/// Prints the name, then the median and the quartiles of the values with their unit.
 inline void report(const char* name, std::vector<double> values, const char* unit) {
   std::sort(values.begin(), values.end());
   const auto quantile = [&values](double part) {
@@ -17,8 +17,8 @@ inline void report(const char* name, std::vector<double> values, const char* uni
                quantile(0.25), quantile(0.75));
 }
 
-/// Prints subject[i] / yardstick[i]: the two were measured in turn, so a machine that changes its
-/// pace meanwhile treats both alike.
+/// Prints the ratios subject[i] / yardstick[i]. The two were measured in turn, so a change in the
+/// machine's speed affects both alike.
 inline void reportRatio(const char* name, const std::vector<double>& subject,
                         const std::vector<double>& yardstick) {
   std::vector<double> ratios(subject.size());

@@ -1,8 +1,8 @@
 // StartupBenchmark PROGRAM YARDSTICK [SERVICE]
 //
 // Runs `PROGRAM status` and YARDSTICK in turn, both of which run /usr/bin/hidutil, and prints the
-// ratios of wall time and peak memory, pair by pair. SERVICE is a keyboard service for hidutil to
-// ask, which runs meanwhile.
+// ratios of wall time and peak memory, pair by pair. SERVICE is a keyboard service, which runs
+// meanwhile for hidutil to ask.
 
 #include <fcntl.h>
 #include <sys/ptrace.h>
@@ -70,8 +70,8 @@ double peakMemoryNow(pid_t process) {
   throw std::runtime_error("no VmHWM");
 }
 
-/// Peak resident memory of the program itself, without its child: what the kernel has counted when
-/// the program is about to exit. (A child's ru_maxrss begins with that of the process it came of.)
+/// Peak resident memory of the program without its child, as the kernel has it when the program is
+/// about to exit. (A child's ru_maxrss starts at that of its parent.)
 double kibibytesOf(const Command& command) {
   const pid_t child = launch(command, true);
   waitFor(child);  // Stopped at its execve.
@@ -119,7 +119,7 @@ int main(int argc, char* argv[]) {
   }
   std::fprintf(stderr, "Zephlin status, hidutil being %s\n",
                argc > 3 ? "the real one" : "a program that prints three rows");
-  // What the programs print is not the matter here.
+  // The programs' output does not matter here.
   ::dup2(::open("/dev/null", O_WRONLY | O_CLOEXEC), STDOUT_FILENO);
   pid_t service = -1;
   if (argc > 3) {

@@ -1,4 +1,4 @@
-// Options of the application's toolkit. Run without a display, where it says so once it has
+// Options of the application's toolkit. Without a display, the application says so once it has
 // started.
 
 #include <gtest/gtest.h>

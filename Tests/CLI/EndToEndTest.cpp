@@ -1,5 +1,5 @@
-// Zephlin, hidutil and zephlin-hidd together, as installed: run where the built programs stand in
-// /usr/bin and /run is empty.
+// Zephlin, hidutil and zephlin-hidd together, as installed: the built programs are in /usr/bin, and
+// /run is empty.
 
 #include <gtest/gtest.h>
 

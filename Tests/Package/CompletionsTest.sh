@@ -15,11 +15,11 @@ zephlin-hidd --socket "$service_socket" --virtual-keyboards 2 2>"$temporary/log"
 service=$!
 trap 'kill "$service"; wait "$service" || true; rm -rf "$temporary"' EXIT
 until grep -q ready "$temporary/log"; do
-    [ -d "/proc/$service" ] || fail "the keyboard service ends: $(cat "$temporary/log")"
+    [ -d "/proc/$service" ] || fail "the keyboard service has ended: $(cat "$temporary/log")"
     sleep 0.05
 done
 
-# They print what a shell offers at the end of a line, one to a line.
+# These print what a shell offers at the end of a line, one word a line.
 bash_offers() {
     XDG_DATA_DIRS=$root/usr/share bash --norc "$here/offersOfBash.sh" "$1"
 }
@@ -31,7 +31,7 @@ fish_offers() {
         complete --do-complete '$1'" | cut -f 1
 }
 
-# What is offered at the end of a line, by every shell: offered LINE WORD...
+# Checks what every shell offers at the end of a line: offered LINE WORD...
 offered() {
     local line=$1 shell
     shift
@@ -41,7 +41,7 @@ offered() {
     done
 }
 
-# The commands and the options that a help names.
+# The commands and options in a help text.
 commands_in() {
     sed -n '/^[Cc]ommands:/,/^$/s/^  \([a-z]*\) .*/\1/p' | uniq
 }

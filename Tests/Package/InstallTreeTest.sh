@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs into an empty folder without any package, and runs the programs from there:
+# Installs into an empty folder, without a package, and runs the programs from there:
 # InstallTreeTest.sh PACKAGES BUILD
 # shellcheck source=Tests/Package/support.sh
 . "$(dirname "$0")/support.sh"
@@ -10,7 +10,7 @@ folder=$temporary/zephlin
 export HOME=$temporary/home XDG_RUNTIME_DIR=$temporary/run
 mkdir -p "$HOME" "$XDG_RUNTIME_DIR"
 unset XDG_CONFIG_HOME XDG_DATA_HOME DISPLAY WAYLAND_DISPLAY
-# A bus would be another session's.
+# There must be no bus of another session.
 export DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere
 
 cmake --install "$build" --prefix "$folder" >"$temporary/log"

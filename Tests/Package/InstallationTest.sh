@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # The life of the packages on a machine: InstallationTest.sh PACKAGES
 #
-# The machine is this one, seen through an overlay that keeps all changes in memory and goes with
-# the test. That takes root, which ./test has through sudo.
+# The machine is this one behind an overlay, which keeps all changes in memory and ends with the test.
+# This needs root; ./test uses sudo.
 # shellcheck source=Tests/Package/support.sh
 . "$(dirname "$0")/support.sh"
 # shellcheck source=Packaging/Scripts/packages.sh

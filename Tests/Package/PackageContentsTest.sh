@@ -5,8 +5,7 @@
 packages=$1
 root=$packages/root
 
-# What it is told to overlook is explained in Packaging/Debian/*.lintian-overrides; it also finds
-# what is there in vain.
+# Packaging/Debian/*.lintian-overrides explain the exceptions; lintian reports unused ones too.
 lint() {
     lintian --allow-root --fail-on error,warning,info,pedantic --display-info --pedantic \
         --tag-display-limit 0 "$packages"/*.deb

@@ -16,7 +16,7 @@ check_same "it holds what git tracks, and nothing else" \
     "$(git -C "$source_folder" ls-tree -r --name-only HEAD | LC_ALL=C sort)" \
     "$(cd "$temporary/$name" && find . ! -type d | sed 's|^\./||' | LC_ALL=C sort)"
 
-# Whoever builds it need not have git.
+# Building it must not need git.
 mkdir "$temporary/bin"
 printf '#!/bin/sh\necho "git is called" >&2\nexit 1\n' >"$temporary/bin/git"
 chmod +x "$temporary/bin/git"

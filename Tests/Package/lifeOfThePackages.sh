@@ -5,13 +5,13 @@
 . "$(dirname "$0")/support.sh"
 packages=$1
 
-# The changes of the machine; where it stands with them.
+# The changes to the machine, and the machine with these changes.
 changes=/mnt/changes
 machine=/mnt/machine
 socket=zephlin-hidd.socket
 
 make_machine() {
-    # In memory, because not every file system can hold the changes of an overlay.
+    # In memory, because not every file system can be an overlay's upper one.
     mount -t tmpfs -o mode=755 none /mnt
     mkdir "$changes" /mnt/work "$machine"
     mount -t overlay -o "lowerdir=/,upperdir=$changes,workdir=/mnt/work" none "$machine"
@@ -29,11 +29,11 @@ make_machine() {
     mkdir -p "$machine/home/somebody/.config/zephlin"
     echo '{"isEnabled": false}' >"$machine/home/somebody/.config/zephlin/defaults.json"
 
-    # The first is a container's and forbids services; the second has the index of manual pages made,
-    # which takes longer than all the rest.
+    # The first forbids services in a container; the second updates the index of manual pages, which
+    # takes longer than everything else.
     rm -f "$machine/usr/sbin/policy-rc.d" "$machine/var/lib/man-db/auto-update"
 
-    # systemd does not run there, and the kernel is that of the real machine.
+    # systemd does not run in there, and the kernel is the real machine's.
     mv "$machine/usr/bin/systemctl" "$machine/usr/bin/systemctl.real"
     for tool in systemctl udevadm modprobe; do
         rm -f "$machine/usr/bin/$tool" "$machine/usr/sbin/$tool"
@@ -46,7 +46,7 @@ on_machine() {
         DEBIAN_FRONTEND=noninteractive "$@"
 }
 
-# Has dpkg do something, and forgets the calls that were made before.
+# Runs dpkg, and forgets earlier calls.
 dpkg_does() {
     rm -f "$machine/run/calls"
     check "dpkg can do this: $*" on_machine dpkg --force-unsafe-io "$@"
@@ -59,7 +59,7 @@ calls() {
     [ ! -e "$machine/run/calls" ] || cat "$machine/run/calls"
 }
 
-# Makes a package of a lower version of the present one.
+# Makes a package like the present one with a lower version.
 age_package() {
     local name=$1 folder=/mnt/older-$1
     dpkg-deb --raw-extract "$packages/$name.deb" "$folder"
@@ -70,7 +70,7 @@ age_package() {
     rm -rf "$folder"
 }
 
-# A file, a link or a folder in a word or two.
+# Describes a file, a link or a folder in one line.
 describe() {
     if [ -h "$1" ]; then
         echo "-> $(readlink "$1")"
@@ -83,8 +83,8 @@ describe() {
     fi
 }
 
-# Tells what on the machine differs from the real one. Logs, caches and dpkg's records do not count;
-# users are looked at by themselves.
+# Prints how the machine differs from the real one. Logs, caches and dpkg's records do not count; users
+# are checked separately.
 differences() {
     local path before after
     (cd "$changes" && find . -mindepth 1 \

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Prints what bash offers at the end of a line, one to a line: bash --norc offersOfBash.sh LINE
+# Prints what bash offers at the end of a line, one word a line: bash --norc offersOfBash.sh LINE
 . /usr/share/bash-completion/bash_completion
 
 COMP_LINE=$1

@@ -1,7 +1,7 @@
-# Prints what zsh offers at the end of a line, one to a line:
+# Prints what zsh offers at the end of a line, one word a line:
 # zsh -f offersOfZsh.zsh FOLDER-OF-COMPLETIONS FOLDER-FOR-FILES LINE
 #
-# Completion works only where a line is edited, so another zsh edits one in a terminal of its own.
+# Completion works only while a line is edited, so another zsh edits one in a pseudoterminal.
 folder=$1 files=$2 line=$3
 zmodload zsh/zpty
 
@@ -11,7 +11,7 @@ fpath=($folder \$fpath)
 autoload -U compinit
 compinit -u -d $files/zcompdump
 zstyle ':completion:*' menu no
-# Writes down what completion functions hand to the shell, as the shell then reads it.
+# Records what completion functions give the shell, unquoted.
 compadd() {
   local -a hits
   if (( ! \${@[(I)-[AOD]]} )); then
@@ -35,7 +35,7 @@ zpty -w shell "source $files/rc.zsh; print ready"
 zpty -r -m shell output '*ready?*ready*'
 zpty -w -n shell "$line"$'\t'
 while [[ ! -e $files/finished ]]; do
-  # What the terminal shows must be taken, lest it fills up.
+  # The terminal's output has to be read, or it blocks.
   zpty -r -t shell output
   sleep 0.05
 done

@@ -1,7 +1,7 @@
 #!/bin/sh
-# Stands in for systemctl, udevadm and modprobe (lifeOfThePackages.sh): writes down what is asked for
-# and remembers whether the socket is active. Questions are answered and not written down; what is only
-# about files is done.
+# Replaces systemctl, udevadm and modprobe (lifeOfThePackages.sh): records the calls and remembers
+# whether the socket is active. Questions are answered without a record, and systemctl --root, which
+# only changes files, is carried out.
 set -eu
 tool=${0##*/}
 

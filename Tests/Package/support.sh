@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Sourced by the scripts here, which end at the first thing that is wrong.
+# Sourced by the scripts here, which end at the first failure.
 set -euo pipefail
 
 # The folder of the sources.
@@ -29,7 +29,7 @@ check_same() {
         fail "$1"
 }
 
-# Makes a folder that goes with the test, and sets `temporary` to it.
+# Makes a folder that is removed at the end, and sets `temporary` to it.
 make_temporary_folder() {
     temporary=$(mktemp -d)
     trap 'rm -rf "$temporary"' EXIT

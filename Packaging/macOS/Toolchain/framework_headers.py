@@ -12,7 +12,7 @@ from declarations import AFFIXES, Declarations, Interface, Method, Type, enumera
 # the declarations lose the types; their headers are written by hand (Tests/macOS/StandIns).
 FRAMEWORKS = ("Foundation", "QuartzCore", "AppKit", "ServiceManagement")
 
-# What no declaration holds: inline functions, macros and typedefs.
+# What the declarations lack: inline functions, macros and typedefs.
 PREAMBLES = {
     "Foundation": """
 #import <CoreFoundation/CoreFoundation.h>
@@ -128,7 +128,7 @@ ENUM = re.compile(r"interop\.Enum<typeof (\w+)>")
 
 
 class Inexpressible(Exception):
-    """A type that Objective-C++ has no spelling for, or none that matters here."""
+    """A type that Objective-C++ cannot spell, or that Zephlin does not use."""
 
 
 class FrameworkHeaders:

@@ -9,7 +9,7 @@ endif()
 execute_process(COMMAND /usr/bin/python3 -B ${CMAKE_CURRENT_LIST_DIR}/make_sdk.py
   COMMAND_ERROR_IS_FATAL ANY)
 cmake_path(SET sdk NORMALIZE ${CMAKE_CURRENT_LIST_DIR}/../../../build/macos-sdk)
-set(CMAKE_OSX_SYSROOT ${sdk} CACHE PATH "What takes the place of Apple's SDK")
+set(CMAKE_OSX_SYSROOT ${sdk} CACHE PATH "The replacement of Apple's SDK")
 
 foreach(language C CXX OBJCXX)
   set(CMAKE_${language}_COMPILER_TARGET arm64-apple-macos)

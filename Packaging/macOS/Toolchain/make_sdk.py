@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes build/macos-sdk, a folder that takes the place of Apple's SDK when Linux builds for macOS.
+"""Makes build/macos-sdk, a folder that replaces Apple's SDK when Linux builds for macOS.
 
 usage: make_sdk.py
 
