@@ -43,9 +43,10 @@ def _furnish(machine: Path) -> None:
     for name in TOOLS:
         shutil.copy2(Path(shutil.which(name) or name).resolve(), programs / name)
     (machine / ".config/zephlin").mkdir(parents=True)
-    (machine / "build/release").mkdir(parents=True)
-    (machine / "build/release/bin").symlink_to(BIN)
-    (machine / "build/release/tests").symlink_to(TESTS)
+    preset = machine / "build/dev"
+    preset.mkdir(parents=True)
+    (preset / "bin").symlink_to(BIN)
+    (preset / "tests").symlink_to(TESTS)
 
 
 def _script(block: Block) -> str:
