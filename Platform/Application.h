@@ -13,13 +13,10 @@ class ApplicationDelegate {
   virtual ~ApplicationDelegate() = default;
   /// Called once, on the main thread, when the event loop has begun.
   virtual void applicationDidFinishLaunching() = 0;
-  /// Called on the main thread when the user has started the application once more, and that start
+  /// Called on the main thread when the user has started the application again and that instance
   /// has handed over to this one. Never on macOS, where Launch Services starts an application once.
   virtual void applicationShouldHandleReopen() = 0;
 };
-
-/// With AppKit's values.
-enum class ActivationPolicy { Accessory = 1 };
 
 /// The one application of the process. Main thread.
 class Application {
@@ -27,17 +24,18 @@ class Application {
   virtual ~Application() = default;
   /// The delegate is not owned.
   virtual void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) = 0;
-  virtual void setActivationPolicy(ActivationPolicy policy) = 0;
+  /// From now on the application has no Dock icon and shows no menu bar of its own.
+  virtual void becomeAccessory() = 0;
   /// The menu is not shown by an accessory; its key equivalents work in the application's windows.
   virtual void setMainMenu(std::shared_ptr<Menu> menu) = 0;
-  /// Asks the user's instance that runs already to come forward. False where there is none; this
-  /// process is the instance then.
+  /// Asks the user's running instance to come forward. False if there is none; this process is the
+  /// instance then.
   virtual bool handOverToRunningInstance() = 0;
   /// Comes to the front of all other applications.
   virtual void activateIgnoringOtherApps() = 0;
-  /// Works off events until the application terminates.
+  /// Handles events until the application terminates.
   virtual void run() = 0;
-  /// Ends the application; nothing of its own is called first. May not return.
+  /// Ends the application without calling it first. May not return.
   virtual void terminate() = 0;
 };
 
@@ -45,10 +43,10 @@ class Application {
 class ProcessInfo {
  public:
   virtual ~ProcessInfo() = default;
-  /// Absent where the variable is not set.
+  /// Absent if the variable is not set.
   [[nodiscard]] virtual std::optional<std::string> environmentVariable(
       const std::string& name) const = 0;
-  /// The path of the bundle that the program runs from, or of the folder of a bare executable.
+  /// The path of the bundle that the program runs from, or the folder of a bare executable.
   [[nodiscard]] virtual std::string mainBundlePath() const = 0;
 };
 

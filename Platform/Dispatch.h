@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -7,25 +8,10 @@
 
 namespace zephlin {
 
-/// How long from now, in seconds of monotonic time.
-struct Delay {
-  double seconds = 0;
-};
+using Seconds = std::chrono::duration<double>;
 
-/// The period of a repeating timer, in seconds of monotonic time.
-struct Interval {
-  double seconds = 0;
-};
-
-/// How late a timer may fire, in seconds, so that the system can save wake-ups.
-struct Tolerance {
-  double seconds = 0;
-};
-
-/// Wall time in seconds since 1 January 1970 UTC. It jumps when the clock is set.
-struct WallTime {
-  double secondsSince1970 = 0;
-};
+/// Wall time. It jumps when the clock is set.
+using WallTime = std::chrono::sys_time<Seconds>;
 
 class Clock {
  public:
@@ -40,16 +26,17 @@ class MainQueue {
   virtual ~MainQueue() = default;
   /// Runs `work` on the main thread, after all that was posted before. Any thread.
   virtual void post(std::function<void()> work) = 0;
-  /// Runs `work` on the main thread once the delay has passed. Never early. Main thread.
-  virtual void postAfter(Delay delay, std::function<void()> work) = 0;
+  /// Runs `work` on the main thread once the delay has passed in monotonic time. Never early. Main
+  /// thread.
+  virtual void postAfter(Seconds delay, std::function<void()> work) = 0;
 };
 
-/// Work that can be called off until it has begun. Main thread.
+/// Work that can be cancelled until it has begun. Main thread.
 class WorkItem {
  public:
   explicit WorkItem(std::function<void()> work) : work_(std::move(work)) {}
 
-  /// An item that was cancelled before never runs.
+  /// An item that is cancelled before it runs never runs.
   void cancel() { cancelled_ = true; }
   void perform() const {
     if (!cancelled_) {
@@ -62,10 +49,9 @@ class WorkItem {
   bool cancelled_ = false;
 };
 
-enum class QualityOfService { Utility };
-
-/// Runs work off the main thread, one piece at a time, in the order in which it was posted.
-/// Destroying it does not wait: what was posted still runs.
+/// Runs work off the main thread, one piece at a time, in the order in which it was posted, at a
+/// lower priority than what the user waits for. Destroying it does not wait: what was posted still
+/// runs.
 class SerialQueue {
  public:
   virtual ~SerialQueue() = default;
@@ -84,11 +70,12 @@ class Timer {
 class Dispatch {
  public:
   virtual ~Dispatch() = default;
-  virtual MainQueue& mainQueue() = 0;
-  virtual std::unique_ptr<SerialQueue> makeSerialQueue(const std::string& label,
-                                                       QualityOfService quality) = 0;
-  /// The first tick comes one interval from now.
-  virtual std::unique_ptr<Timer> scheduleTimer(Interval interval, Tolerance tolerance,
+  /// Work on other threads may keep it beyond the platform; what is posted then never runs.
+  virtual std::shared_ptr<MainQueue> mainQueue() = 0;
+  virtual std::unique_ptr<SerialQueue> makeSerialQueue(const std::string& label) = 0;
+  /// The first tick comes one interval from now, in monotonic time. A tick may be late by the
+  /// tolerance, so that the system can save wake-ups.
+  virtual std::unique_ptr<Timer> scheduleTimer(Seconds interval, Seconds tolerance,
                                                std::function<void()> tick) = 0;
 };
 

@@ -24,13 +24,6 @@ std::shared_ptr<MenuItem> MenuItem::separator() {
   return item;
 }
 
-void MenuItem::setTitle(std::string title) {
-  title_ = std::move(title);
-  if (titleDidChange) {
-    titleDidChange();
-  }
-}
-
 std::shared_ptr<MenuItem> Menu::add(std::shared_ptr<MenuItem> item) {
   items_.push_back(item);
   return item;

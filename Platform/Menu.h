@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -8,17 +7,12 @@
 #include <variant>
 #include <vector>
 
-#include "Platform/Updater.h"
+#include "Platform/Keyboard.h"
+#include "Platform/Services.h"
 
 namespace zephlin {
 
 class Menu;
-
-/// Keys held down, as a mask of AppKit's values.
-using ModifierFlags = std::uint64_t;
-constexpr ModifierFlags modifierCapsLock = 1U << 16U;
-constexpr ModifierFlags modifierShift = 1U << 17U;
-constexpr ModifierFlags modifierCommand = 1U << 20U;
 
 /// An action that goes to the first object of the responder chain that knows it.
 enum class ResponderAction { Hide, Terminate, Undo, Redo, Cut, Copy, Paste, SelectAll };
@@ -28,12 +22,12 @@ enum class ResponderAction { Hide, Terminate, Undo, Redo, Cut, Copy, Paste, Sele
 using MenuAction =
     std::variant<std::monostate, std::function<void()>, ResponderAction, std::weak_ptr<Updater>>;
 
-/// Performs an action of the program, or the updater's, if it still exists. False for any other.
+/// Performs an action of the program, or the updater's if it still exists. False for any other.
 /// Main thread.
 bool performAction(const MenuAction& action);
 
-/// Whether an item has a check mark. One that was told is a switch, also while it is off; any other
-/// is a command.
+/// Whether an item has a check mark. Once set, on or off, the item is a toggle; before that it is a
+/// command.
 class CheckMark {
  public:
   CheckMark& operator=(bool isOn) {
@@ -51,18 +45,15 @@ class CheckMark {
 };
 
 /// One entry of a menu, as plain data. Main thread.
-class MenuItem {
- public:
-  MenuItem(std::string title, MenuAction itemAction, std::string equivalent = "")
-      : action(std::move(itemAction)),
-        keyEquivalent(std::move(equivalent)),
-        title_(std::move(title)) {}
+struct MenuItem {
+  MenuItem(std::string itemTitle, MenuAction itemAction, std::string equivalent = "")
+      : title(std::move(itemTitle)),
+        action(std::move(itemAction)),
+        keyEquivalent(std::move(equivalent)) {}
   static std::shared_ptr<MenuItem> separator();
 
-  [[nodiscard]] const std::string& title() const { return title_; }
-  /// Shown at once where the menu is open.
-  void setTitle(std::string title);
-
+  /// After a change, StatusItem::menuTitlesDidChange shows it in an open menu.
+  std::string title;
   MenuAction action;
   /// Empty for none.
   std::string keyEquivalent;
@@ -71,11 +62,6 @@ class MenuItem {
   CheckMark isChecked;
   bool isEnabled = true;
   std::shared_ptr<Menu> submenu;
-  /// Set by the platform that shows the item; called after each change of the title.
-  std::function<void()> titleDidChange;
-
- private:
-  std::string title_;
 };
 
 class MenuDelegate {

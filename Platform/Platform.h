@@ -2,22 +2,18 @@
 
 #include <memory>
 
-#include "Platform/Alert.h"
 #include "Platform/Application.h"
 #include "Platform/Dispatch.h"
-#include "Platform/EventTap.h"
-#include "Platform/HidDevices.h"
-#include "Platform/LoginService.h"
+#include "Platform/Keyboard.h"
+#include "Platform/Services.h"
 #include "Platform/StatusBar.h"
-#include "Platform/SystemLog.h"
-#include "Platform/Updater.h"
-#include "Platform/UserDefaults.h"
-#include "Platform/Views.h"
+#include "Platform/Window.h"
 #include "Platform/Workspace.h"
 
 namespace zephlin {
 
-/// All that the application asks of a desktop. It outlives whoever uses it. Main thread.
+/// All that the application asks of a desktop. The objects that it returns by reference or as
+/// std::unique_ptr are used only while it lives. Main thread.
 class Platform {
  public:
   virtual ~Platform() = default;
@@ -27,8 +23,8 @@ class Platform {
   virtual ProcessInfo& processInfo() = 0;
   virtual Workspace& workspace() = 0;
   virtual UserDefaults& standardUserDefaults() = 0;
-  /// The one part that any thread may use.
-  virtual SystemLog& systemLog() = 0;
+  /// Work on other threads may keep it beyond the platform.
+  virtual std::shared_ptr<SystemLog> systemLog() = 0;
   virtual StatusBar& systemStatusBar() = 0;
   virtual AlertPresenter& alerts() = 0;
   virtual WindowServer& windows() = 0;
@@ -39,8 +35,8 @@ class Platform {
   virtual std::unique_ptr<Updater> makeStartedUpdater() = 0;
 };
 
-/// This machine's desktop, for the process's arguments, which it may change and which outlive it.
-/// One at a time. Main thread.
+/// This machine's desktop. It may change the process's arguments, which must outlive it. There is
+/// one at a time. Main thread.
 std::unique_ptr<Platform> makePlatform(int& argc, char** argv);
 
 }  // namespace zephlin

@@ -22,24 +22,24 @@ struct SymbolImage {
 class StatusItem {
  public:
   virtual ~StatusItem() = default;
-  /// False where the platform gave the item nothing to show; the setters below then do nothing.
+  /// False if the platform gave the item nothing to show; the setters below then do nothing.
   [[nodiscard]] virtual bool hasButton() const = 0;
-  /// No image clears the button's.
+  /// Without an image, the button shows none.
   virtual void setButtonImage(const std::optional<SymbolImage>& image) = 0;
   virtual void setButtonToolTip(const std::string& text) = 0;
   /// The menu's delegate is asked for its items each time before it opens.
   virtual void setMenu(std::shared_ptr<Menu> menu) = 0;
+  /// Shows the titles that the menu's items have now, also while the menu is open.
+  virtual void menuTitlesDidChange() = 0;
 };
-
-/// As wide as the bar is high (NSSquareStatusItemLength).
-constexpr double squareStatusItemLength = -2;
 
 /// Main thread.
 class StatusBar {
  public:
   virtual ~StatusBar() = default;
-  virtual std::unique_ptr<StatusItem> makeStatusItem(double length) = 0;
-  /// Absent where the platform has no such symbol.
+  /// An item as wide as the bar is high.
+  virtual std::unique_ptr<StatusItem> makeStatusItem() = 0;
+  /// Absent if the platform has no such symbol.
   virtual std::optional<SymbolImage> systemSymbol(const std::string& name,
                                                   const std::string& accessibilityDescription) = 0;
 };

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,8 +9,10 @@
 
 namespace zephlin {
 
-/// A window's content as plain data: portable code builds a tree of these once, and the platform
-/// realises each kind generically. Lengths are in points. Main thread throughout.
+/// A window's content as plain data: portable code builds a tree of views once, and the platform
+/// shows each kind in its own way. After that only a label's text and colour and a box's layer can
+/// change: whoever changes them asks the window to display them (Window::displayIfNeeded). Lengths
+/// are in points. Main thread throughout.
 
 enum class ColorRole {
   Label,
@@ -51,7 +52,7 @@ struct EdgeInsets {
   bool operator==(const EdgeInsets&) const = default;
 };
 
-/// What a layer-backed view shows.
+/// What a layer-backed box shows.
 struct Layer {
   double cornerRadius = 0;
   Color backgroundColor;
@@ -60,33 +61,57 @@ struct Layer {
   bool operator==(const Layer&) const = default;
 };
 
+class Box;
+class Label;
+class Button;
+class StackView;
+
+/// Every kind of view there is: what shows or searches a tree handles each of them.
+class ViewVisitor {
+ public:
+  virtual ~ViewVisitor() = default;
+  virtual void visit(Box& box) = 0;
+  virtual void visit(Label& label) = 0;
+  virtual void visit(Button& button) = 0;
+  virtual void visit(StackView& stack) = 0;
+};
+
 class View {
  public:
-  View() = default;
   View(const View&) = delete;
   View& operator=(const View&) = delete;
   virtual ~View() = default;
 
-  /// Adds a child whose edges are these distances inside this view's.
-  void addSubview(std::shared_ptr<View> child, const EdgeInsets& insets);
+  virtual void accept(ViewVisitor& visitor) = 0;
 
+  const std::optional<double> fixedWidth;
+  /// Whether the view has changed since it was displayed.
+  bool needsDisplay = true;
+
+ protected:
+  explicit View(std::optional<double> width) : fixedWidth(width) {}
+};
+
+/// Holds views at fixed insets. With a layer, it has a background and a border.
+class Box : public View {
+ public:
   struct Subview {
     std::shared_ptr<View> view;
     EdgeInsets insets;
   };
+
+  explicit Box(std::optional<double> width = std::nullopt) : View(width) {}
+
+  void accept(ViewVisitor& visitor) final { visitor.visit(*this); }
+
+  /// Adds a child whose edges are these distances inside this view's.
+  void addSubview(std::shared_ptr<View> child, const EdgeInsets& insets);
   [[nodiscard]] const std::vector<Subview>& subviews() const { return subviews_; }
 
-  /// Asks the platform to show the view anew, soon.
-  void setNeedsDisplay();
-  /// Called by the platform for a view that has a layer, before it shows it anew.
+  /// Called by the platform before it shows the layer of a box that needs display.
   virtual void updateLayer() {}
 
-  std::optional<double> fixedWidth;
-  /// Present for a layer-backed view.
   std::optional<Layer> layer;
-  bool needsDisplay = true;
-  /// Set by the platform that shows the view; called when it needs display.
-  std::function<void()> onNeedsDisplay;
 
  private:
   std::vector<Subview> subviews_;
@@ -97,19 +122,26 @@ class Label final : public View {
  public:
   enum class Kind { SingleLine, Wrapping };
 
-  explicit Label(std::string text, Kind labelKind = Kind::SingleLine)
-      : kind(labelKind), text_(std::move(text)) {}
+  struct Style {
+    Kind kind = Kind::SingleLine;
+    Font font = {};
+    TextAlignment alignment = TextAlignment::Natural;
+    /// Where a wrapping label breaks its lines.
+    std::optional<double> preferredMaxLayoutWidth = std::nullopt;
+  };
+
+  explicit Label(std::string text) : Label(std::move(text), Style()) {}
+  Label(std::string text, const Style& labelStyle, Color textColor = {})
+      : View(std::nullopt), style(labelStyle), text_(std::move(text)), textColor_(textColor) {}
+
+  void accept(ViewVisitor& visitor) override { visitor.visit(*this); }
 
   [[nodiscard]] const std::string& text() const { return text_; }
   void setText(std::string text);
   [[nodiscard]] Color textColor() const { return textColor_; }
   void setTextColor(Color color);
 
-  const Kind kind;
-  Font font;
-  TextAlignment alignment = TextAlignment::Natural;
-  /// Where a wrapping label breaks its lines.
-  std::optional<double> preferredMaxLayoutWidth;
+  const Style style;
 
  private:
   std::string text_;
@@ -120,10 +152,12 @@ class Label final : public View {
 class Button final : public View {
  public:
   Button(std::string buttonTitle, std::function<void()> buttonAction)
-      : title(std::move(buttonTitle)), action(std::move(buttonAction)) {}
+      : View(std::nullopt), title(std::move(buttonTitle)), action(std::move(buttonAction)) {}
 
-  std::string title;
-  std::function<void()> action;
+  void accept(ViewVisitor& visitor) override { visitor.visit(*this); }
+
+  const std::string title;
+  const std::function<void()> action;
 };
 
 /// Views in a row or a column, centred across it.
@@ -132,70 +166,34 @@ class StackView final : public View {
   enum class Orientation { Horizontal, Vertical };
   enum class Distribution { Natural, FillEqually };
 
-  explicit StackView(Orientation stackOrientation) : orientation(stackOrientation) {}
+  struct Layout {
+    Orientation orientation = Orientation::Vertical;
+    Distribution distribution = Distribution::Natural;
+    /// The distance between a view and the next one.
+    double spacing = 0;
+    EdgeInsets edgeInsets = {};
+  };
 
-  void addArrangedSubview(std::shared_ptr<View> view);
-  /// Replaces `spacing` behind a view that was added.
-  void setCustomSpacing(double spacingAfter, const View& view);
+  explicit StackView(const Layout& stackLayout, std::optional<double> width = std::nullopt)
+      : View(width), layout(stackLayout) {}
 
-  [[nodiscard]] const std::vector<std::shared_ptr<View>>& arrangedSubviews() const {
-    return arranged_;
-  }
-  /// The distance between a view and the next one.
-  [[nodiscard]] double spacingAfter(const View& view) const;
+  void accept(ViewVisitor& visitor) override { visitor.visit(*this); }
 
-  const Orientation orientation;
-  Distribution distribution = Distribution::Natural;
-  double spacing = 0;
-  EdgeInsets edgeInsets;
+  /// A custom spacing replaces the layout's behind this view.
+  void addArrangedSubview(std::shared_ptr<View> view,
+                          std::optional<double> customSpacing = std::nullopt);
+
+  struct Arranged {
+    std::shared_ptr<View> view;
+    /// To the next view.
+    double spacingAfter = 0;
+  };
+  [[nodiscard]] const std::vector<Arranged>& arrangedSubviews() const { return arranged_; }
+
+  const Layout layout;
 
  private:
-  std::vector<std::shared_ptr<View>> arranged_;
-  std::map<const View*, double> customSpacing_;
-};
-
-class WindowDelegate {
- public:
-  virtual ~WindowDelegate() = default;
-  /// The user closes the window. It is still shown, must not be destroyed now, and hides when this
-  /// returns.
-  virtual void windowWillClose() = 0;
-};
-
-/// With Quartz's value.
-enum class WindowLevel { Floating = 3 };
-
-/// How a window looks: titled, closable, of fixed size.
-struct WindowDescription {
-  std::string title;
-  double contentWidth = 0;
-  double contentHeight = 0;
-  WindowLevel level = WindowLevel::Floating;
-};
-
-/// A window that hides when it is closed and can be shown again.
-class Window {
- public:
-  virtual ~Window() = default;
-  /// The delegate is not owned.
-  virtual void setDelegate(std::weak_ptr<WindowDelegate> delegate) = 0;
-  /// Lays the content out and makes the window as large as the content wants to be.
-  virtual void setContentSizeToFit() = 0;
-  /// On the screen.
-  virtual void center() = 0;
-  /// Shows the window, in front of the others and with the keyboard; one that is shown already
-  /// comes to the front. The system may refuse it both, and tells nothing of that.
-  virtual void makeKeyAndOrderFront() = 0;
-  /// The content view alone, without title bar and frame; absent where it cannot be drawn.
-  virtual std::optional<std::string> contentAsPng() = 0;
-};
-
-class WindowServer {
- public:
-  virtual ~WindowServer() = default;
-  /// Not shown yet.
-  virtual std::unique_ptr<Window> makeWindow(const WindowDescription& description,
-                                             std::shared_ptr<View> contentView) = 0;
+  std::vector<Arranged> arranged_;
 };
 
 }  // namespace zephlin

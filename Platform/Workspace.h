@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Platform/HidDevices.h"
+#include "Platform/Observation.h"
 
 namespace zephlin {
 
@@ -23,7 +23,7 @@ struct RunningApplication {
 };
 
 /// The user's running applications with this bundle identifier, this process among them if it is
-/// one. Empty where the platform knows of none, or cannot tell. Any thread; never throws but
+/// one. Empty if there are none or the platform cannot tell. Any thread; throws only
 /// std::bad_alloc.
 std::vector<RunningApplication> runningApplicationsWithBundleIdentifier(
     std::string_view bundleIdentifier);

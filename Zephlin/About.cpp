@@ -25,7 +25,6 @@ void runAboutAlert(Platform& platform) {
   Alert alert;
   alert.messageText = productTitle;
   alert.informativeText = informativeText();
-  alert.style = AlertStyle::Informational;
   alert.buttons = {"OK"};
   platform.application().activateIgnoringOtherApps();
   platform.alerts().runModal(alert);

@@ -13,18 +13,17 @@
 
 namespace zephlin {
 
-/// The one object that runs the menu bar application. All of it runs on the main thread, but for
+/// The one object that runs the menu bar application. All of it runs on the main thread, except for
 /// the engine's calls, which block: those run one at a time on its work queue and report back. Work
-/// that is under way when the delegate goes finds it gone.
+/// that is still under way when the delegate is destroyed does nothing more.
 ///
-/// It has three faces: launching is in AppDelegateLaunch.cpp, deciding when the override is applied
-/// or restored in AppDelegateOverride.cpp, the status item and its menu in
-/// AppDelegateStatusItem.cpp.
+/// Launching is in AppDelegateLaunch.cpp, when the override is applied or restored in
+/// AppDelegateOverride.cpp, the status item and its menu in AppDelegateStatusItem.cpp.
 class AppDelegate : public ApplicationDelegate,
                     public MenuDelegate,
                     public std::enable_shared_from_this<AppDelegate> {
  public:
-  /// Held by a std::shared_ptr; the platform outlives it. Starts the updater, and nothing else.
+  /// Must be held by a std::shared_ptr; the platform must outlive it. Starts only the updater.
   explicit AppDelegate(Platform& platform);
   AppDelegate(const AppDelegate&) = delete;
   AppDelegate& operator=(const AppDelegate&) = delete;
@@ -37,8 +36,8 @@ class AppDelegate : public ApplicationDelegate,
   [[nodiscard]] bool isEnabled() const;
   /// Stores the preference and carries it out.
   void setEnabled(bool enabled);
-  /// Applies the override and verifies it, if the preference is on. Only the delegate's own retries
-  /// are retries; any other request starts their count anew.
+  /// Applies the override and verifies it, if the preference is on. `isRetry` is true only for the
+  /// delegate's own retries; any other request resets their count.
   void applyIfEnabled(bool isRetry);
   /// Reads the status and redraws, then calls `completion` if there is one.
   void refreshStatusAsync(std::function<void()> completion);
@@ -54,11 +53,11 @@ class AppDelegate : public ApplicationDelegate,
   }
   [[nodiscard]] bool lastApplyFailed() const { return lastApplyFailed_; }
   [[nodiscard]] std::int64_t retryAttempts() const { return retryAttempts_; }
-  /// Made on first use, then kept.
+  /// Created on first use, then kept.
   TapTestController& tapTest();
 
  private:
-  /// What an apply or a restore came to, with the status that was read afterwards.
+  /// The result of an apply or a restore, with the status that was read afterwards.
   struct EngineResult {
     bool failed = false;
     std::optional<CapsLockEngine::Status> status;
@@ -83,7 +82,7 @@ class AppDelegate : public ApplicationDelegate,
   void showTapTest();
   void showAbout();
   void quit();
-  /// A menu's action that does nothing once the delegate has gone.
+  /// A menu's action that does nothing once the delegate is destroyed.
   MenuAction weakAction(void (AppDelegate::*action)());
 
   Platform& platform_;

@@ -1,4 +1,4 @@
-// AppDelegate's first face: launching, the preview mode, and the login item of the first launch.
+// AppDelegate, launching: the preview mode and the login item of the first launch.
 
 #include <filesystem>
 #include <fstream>
@@ -16,7 +16,7 @@ constexpr const char* previewVariable = "ZEPHLIN_PREVIEW";
 constexpr const char* previewOutputVariable = "ZEPHLIN_PREVIEW_OUT";
 constexpr const char* tapTestPreview = "taptest";
 /// Time for the window to be drawn.
-constexpr Delay snapshotDelay{1.0};
+constexpr std::chrono::seconds snapshotDelay{1};
 
 }  // namespace
 
@@ -24,8 +24,7 @@ AppDelegate::AppDelegate(Platform& platform)
     : platform_(platform),
       engine_("/usr/bin/hidutil"),
       updaterController_(platform.makeStartedUpdater()),
-      workQueue_(platform.dispatch().makeSerialQueue("com.quorvenel.zephlin.engine",
-                                                     QualityOfService::Utility)),
+      workQueue_(platform.dispatch().makeSerialQueue("com.quorvenel.zephlin.engine")),
       defaults_(platform.standardUserDefaults()) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
@@ -52,21 +51,21 @@ void AppDelegate::showPreview() {
   }
   tapTest().show();
   if (const auto path = process.environmentVariable(previewOutputVariable)) {
-    platform_.dispatch().mainQueue().postAfter(snapshotDelay,
-                                               [weak = weak_from_this(), path = *path] {
-                                                 if (const auto self = weak.lock()) {
-                                                   self->writePreviewSnapshot(path);
-                                                   self->platform_.application().terminate();
-                                                 }
-                                               });
+    platform_.dispatch().mainQueue()->postAfter(snapshotDelay,
+                                                [weak = weak_from_this(), path = *path] {
+                                                  if (const auto self = weak.lock()) {
+                                                    self->writePreviewSnapshot(path);
+                                                    self->platform_.application().terminate();
+                                                  }
+                                                });
   }
 }
 
-// A snapshot that cannot be made or written is a missing file, and no more than that.
+// A snapshot that cannot be made or written is only a missing file.
 void AppDelegate::writePreviewSnapshot(const std::string& path) {
   Window* const window = tapTest().window();
   std::error_code error;
-  // To open a pipe is to wait for its reader.
+  // Opening a pipe waits for its reader.
   if (window == nullptr || std::filesystem::is_fifo(path, error)) {
     return;
   }
@@ -84,8 +83,8 @@ void AppDelegate::registerLoginItemOnFirstLaunch() {
     LoginItem::setEnabled(platform_, true);
     defaults_.setBoolean(didSetupLoginItemKey, true);
   } catch (const std::exception& error) {
-    platform_.systemLog().log("Zephlin: could not register login item: " +
-                              localizedDescription(error));
+    platform_.systemLog()->log("Zephlin: could not register login item: " +
+                               localizedDescription(error));
   }
 }
 

@@ -1,4 +1,4 @@
-// AppDelegate's second face: when the override is applied, verified, retried and restored.
+// AppDelegate, the override: when it is applied, verified, retried and restored.
 
 #include <utility>
 
@@ -15,7 +15,7 @@ constexpr const char* lastApplyOKKey = "lastApplyOK";
 constexpr const char* lastApplyDateKey = "lastApplyDate";
 
 constexpr std::int64_t maximumRetries = 3;
-constexpr Delay retryDelay{3.0};
+constexpr std::chrono::seconds retryDelay{3};
 
 /// A read that fails is an absent status, and is not reported.
 std::optional<Status> readStatus(const CapsLockEngine& engine) {
@@ -54,11 +54,13 @@ void AppDelegate::applyIfEnabled(bool isRetry) {
                   "Zephlin: failed to apply override: ", &AppDelegate::finishApply);
 }
 
-// On the work queue the delegate is only asked whether it is still there: it is never owned there,
-// so it is never destroyed there.
+// The work may outlive the delegate and the platform, so it holds neither: only the engine, which
+// is a value, and the two parts of the platform that may be kept. The delegate is never owned on
+// the work queue, so it is never destroyed there.
 void AppDelegate::queueEngineCall(void (CapsLockEngine::*call)() const, const char* failureMessage,
                                   Finish finish) {
-  workQueue_->post([weak = weak_from_this(), &platform = platform_, engine = engine_, call,
+  workQueue_->post([weak = weak_from_this(), log = platform_.systemLog(),
+                    mainQueue = platform_.dispatch().mainQueue(), engine = engine_, call,
                     failureMessage, finish] {
     if (weak.expired()) {
       return;
@@ -67,11 +69,11 @@ void AppDelegate::queueEngineCall(void (CapsLockEngine::*call)() const, const ch
     try {
       (engine.*call)();
     } catch (const std::exception& error) {
-      platform.systemLog().log(failureMessage + localizedDescription(error));
+      log->log(failureMessage + localizedDescription(error));
       result.failed = true;
     }
     result.status = readStatus(engine);
-    platform.dispatch().mainQueue().post([weak, finish, result] {
+    mainQueue->post([weak, finish, result] {
       if (const auto self = weak.lock()) {
         ((*self).*finish)(result);
       }
@@ -80,7 +82,7 @@ void AppDelegate::queueEngineCall(void (CapsLockEngine::*call)() const, const ch
 }
 
 void AppDelegate::finishApply(const EngineResult& result) {
-  // Switched off meanwhile: the restore behind this in the queue reports for itself.
+  // Switched off meanwhile: the restore behind this in the queue reports its own result.
   if (!isEnabled()) {
     return;
   }
@@ -94,7 +96,7 @@ void AppDelegate::finishApply(const EngineResult& result) {
 }
 
 void AppDelegate::finishRestore(const EngineResult& result) {
-  // A status that could not be read speaks for a restore, other than for an apply.
+  // Unlike for an apply, an absent status counts as success for a restore.
   const bool isStillInstant = result.status && result.status->instantServices != 0;
   recordResult(result, !result.failed && !isStillInstant);
   refreshUI();
@@ -104,11 +106,11 @@ void AppDelegate::recordResult(const EngineResult& result, bool isOK) {
   lastApplyFailed_ = result.failed;
   cachedStatus_ = result.status;
   defaults_.setBoolean(lastApplyOKKey, isOK);
-  defaults_.setDouble(lastApplyDateKey, platform_.clock().now().secondsSince1970);
+  defaults_.setDouble(lastApplyDateKey, platform_.clock().now().time_since_epoch().count());
 }
 
 void AppDelegate::scheduleRetry() {
-  platform_.dispatch().mainQueue().postAfter(retryDelay, [weak = weak_from_this()] {
+  platform_.dispatch().mainQueue()->postAfter(retryDelay, [weak = weak_from_this()] {
     if (const auto self = weak.lock()) {
       self->applyIfEnabled(true);
     }
@@ -116,12 +118,12 @@ void AppDelegate::scheduleRetry() {
 }
 
 void AppDelegate::refreshStatusAsync(std::function<void()> completion) {
-  workQueue_->post([weak = weak_from_this(), &platform = platform_, engine = engine_,
-                    completion = std::move(completion)] {
+  workQueue_->post([weak = weak_from_this(), mainQueue = platform_.dispatch().mainQueue(),
+                    engine = engine_, completion = std::move(completion)] {
     if (weak.expired()) {
       return;
     }
-    platform.dispatch().mainQueue().post([weak, completion, status = readStatus(engine)] {
+    mainQueue->post([weak, completion, status = readStatus(engine)] {
       if (const auto self = weak.lock()) {
         self->cachedStatus_ = status;
         self->refreshUI();

@@ -1,4 +1,4 @@
-// AppDelegate's third face: the status item, its menu, and what the menu's entries do.
+// AppDelegate, the status item: its menu, and what the menu's entries do.
 
 #include <utility>
 
@@ -37,7 +37,7 @@ std::shared_ptr<MenuItem> makeText(std::string title) {
 }  // namespace
 
 void AppDelegate::setUpStatusItem() {
-  statusItem_ = platform_.systemStatusBar().makeStatusItem(squareStatusItemLength);
+  statusItem_ = platform_.systemStatusBar().makeStatusItem();
   refreshUI();
   auto menu = std::make_shared<Menu>();
   menu->autoenablesItems = false;
@@ -57,7 +57,8 @@ void AppDelegate::refreshUI() {
   statusItem_->setButtonImage(image);
   statusItem_->setButtonToolTip(appearance.toolTip);
   if (const auto item = statusLineItem_.lock()) {
-    item->setTitle(statusDescription());
+    item->title = statusDescription();
+    statusItem_->menuTitlesDidChange();
   }
 }
 
@@ -99,7 +100,7 @@ void AppDelegate::toggleLoginItem() {
   try {
     LoginItem::setEnabled(platform_, !LoginItem::isEnabled(platform_));
   } catch (const std::exception& error) {
-    platform_.systemLog().log("Zephlin: login item change failed: " + localizedDescription(error));
+    platform_.systemLog()->log("Zephlin: login item change failed: " + localizedDescription(error));
   }
   if (LoginItem::needsApproval(platform_)) {
     platform_.loginService().openSystemSettingsLoginItems();

@@ -6,14 +6,14 @@ namespace zephlin {
 
 namespace {
 
-/// Every HID device, not only keyboards.
-constexpr const char* hidDeviceClass = "IOHIDDevice";
-constexpr Delay deviceAttachDelay{1.0};
-constexpr Delay wakeDelay{2.0};
-/// A keyboard may come back well after the wake, without appearing anew.
-constexpr Delay wakeFollowUpDelay{10.0};
-constexpr Interval reconcileInterval{300.0};
-constexpr Tolerance reconcileTolerance{30.0};
+using std::chrono::seconds;
+
+constexpr seconds deviceAttachDelay{1};
+constexpr seconds wakeDelay{2};
+/// A keyboard may come back well after the wake, without being reported as a new device.
+constexpr seconds wakeFollowUpDelay{10};
+constexpr seconds reconcileInterval{300};
+constexpr seconds reconcileTolerance{30};
 
 }  // namespace
 
@@ -41,8 +41,8 @@ void KeyboardWatcher::stop() {
 
 void KeyboardWatcher::startDeviceMatchingNotification() {
   // The observation ends with the watcher, so it may hold a plain pointer.
-  deviceObservation_ = platform_.hidDevices().observeAppeared(
-      hidDeviceClass, [this] { scheduleReapply(deviceAttachDelay); });
+  deviceObservation_ =
+      platform_.hidDevices().observeDeviceAppeared([this] { scheduleReapply(deviceAttachDelay); });
 }
 
 void KeyboardWatcher::startWakeObserver() {
@@ -60,17 +60,17 @@ void KeyboardWatcher::startReconcileTimer() {
 
 void KeyboardWatcher::didWake() {
   scheduleReapply(wakeDelay);
-  platform_.dispatch().mainQueue().postAfter(wakeFollowUpDelay, weakReapply());
+  platform_.dispatch().mainQueue()->postAfter(wakeFollowUpDelay, weakReapply());
 }
 
 // A burst of triggers gives one call, `delay` after the last of them.
-void KeyboardWatcher::scheduleReapply(Delay delay) {
+void KeyboardWatcher::scheduleReapply(Seconds delay) {
   if (debounceWorkItem_) {
     debounceWorkItem_->cancel();
   }
   debounceWorkItem_ = std::make_shared<WorkItem>(weakReapply());
-  platform_.dispatch().mainQueue().postAfter(delay,
-                                             [item = debounceWorkItem_] { item->perform(); });
+  platform_.dispatch().mainQueue()->postAfter(delay,
+                                              [item = debounceWorkItem_] { item->perform(); });
 }
 
 std::function<void()> KeyboardWatcher::weakReapply() {

@@ -7,30 +7,30 @@
 
 namespace zephlin {
 
-/// Tells when the override has to be applied again: a device has appeared, the machine has woken,
-/// or five minutes have passed. It does not know what applying means. Main thread.
+/// Calls back when the override has to be applied again: a device has appeared, the machine has
+/// woken, or five minutes have passed. It does not know what applying means. Main thread.
 class KeyboardWatcher : public std::enable_shared_from_this<KeyboardWatcher> {
  public:
-  /// Starts nothing. The watcher is held by a std::shared_ptr; the platform outlives it.
+  /// Starts nothing. Must be held by a std::shared_ptr; the platform must outlive it.
   KeyboardWatcher(Platform& platform, std::function<void()> onNeedsReapply);
   KeyboardWatcher(const KeyboardWatcher&) = delete;
   KeyboardWatcher& operator=(const KeyboardWatcher&) = delete;
   ~KeyboardWatcher();
 
-  /// Called once. Devices that are there already cause no call. A source that the platform does not
-  /// have is left out without a word.
+  /// Called once. Devices that are already there cause no call. A source that the platform does not
+  /// have is silently left out.
   void start();
-  /// Ends all calls, but for one: the second call of a wake that has been told already still comes,
-  /// unless the watcher is gone by then.
+  /// Ends all calls except the second one after a wake that has already happened: that one still
+  /// comes if the watcher exists by then.
   void stop();
 
  private:
   void startDeviceMatchingNotification();
   void startWakeObserver();
   void startReconcileTimer();
-  void scheduleReapply(Delay delay);
+  void scheduleReapply(Seconds delay);
   void didWake();
-  /// What calls `onNeedsReapply_` if the watcher is still there.
+  /// A function that calls `onNeedsReapply_` if the watcher still exists.
   std::function<void()> weakReapply();
 
   Platform& platform_;

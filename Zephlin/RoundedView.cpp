@@ -4,8 +4,9 @@
 
 namespace zephlin {
 
-RoundedView::RoundedView(Color boxFill, std::optional<Color> boxBorder, double radius)
-    : fill(boxFill), border(boxBorder), cornerRadius(radius) {
+RoundedView::RoundedView(Color boxFill, std::optional<Color> boxBorder, double radius,
+                         std::optional<double> width)
+    : Box(width), fill(boxFill), border(boxBorder), cornerRadius(radius) {
   layer = Layer();
 }
 

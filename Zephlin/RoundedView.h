@@ -6,11 +6,12 @@
 
 namespace zephlin {
 
-/// A filled box with rounded corners and, at will, a border of one point; it can embed a view. Who
-/// changes `fill` marks the view as needing display. Main thread.
-class RoundedView final : public View {
+/// A filled box with rounded corners and an optional border of one point; it can embed a view.
+/// Whoever changes `fill` marks the view as needing display. Main thread.
+class RoundedView final : public Box {
  public:
-  RoundedView(Color boxFill, std::optional<Color> boxBorder, double radius);
+  RoundedView(Color boxFill, std::optional<Color> boxBorder, double radius,
+              std::optional<double> width = std::nullopt);
 
   /// Reads the colours afresh.
   void updateLayer() override;

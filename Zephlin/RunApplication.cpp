@@ -14,7 +14,7 @@ int runApplication(Platform& platform) {
   }
   const auto delegate = std::make_shared<AppDelegate>(platform);
   app.setDelegate(delegate);
-  app.setActivationPolicy(ActivationPolicy::Accessory);
+  app.becomeAccessory();
   MainMenu::install(app);
   app.run();
   return 0;

@@ -1,5 +1,6 @@
-// The counting half of TapTestController: from a tap to the verdict.
+// TapTestController, counting: from a tap to the verdict.
 
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <utility>
@@ -11,14 +12,11 @@ namespace zephlin {
 
 namespace {
 
-/// The Caps Lock key (usage 0x39 of the Keyboard page) of every keyboard (usage 6 of Generic
-/// Desktop), and nothing else: the window promises so.
-constexpr HidInputMatching capsLockKey{
-    .deviceUsagePage = 1, .deviceUsage = 6, .usagePage = 7, .usage = 0x39};
+using Milliseconds = std::chrono::duration<double, std::milli>;
 
-constexpr Interval pollInterval{0.01};
-/// A toggle that comes later than this after a press was not made by it.
-constexpr double maximumLatencyMS = 1000;
+constexpr std::chrono::milliseconds pollInterval{10};
+/// A toggle that comes later than this after a press was not caused by it.
+constexpr Milliseconds maximumLatency{1000};
 
 constexpr double verdictFillAlpha = 0.14;
 
@@ -48,27 +46,23 @@ void TapTestController::startMonitoring() {
 }
 
 void TapTestController::startPressMonitor() {
-  auto opened = platform_.hidDevices().openInput(capsLockKey, [this](std::int64_t value) {
-    if (value != 0) {
+  auto opened = platform_.hidDevices().openCapsLockKey([this](bool isDown) {
+    if (isDown) {
       registerPress();
     }
   });
   if (const auto* code = std::get_if<std::int32_t>(&opened)) {
-    platform_.systemLog().log(openFailure(*code));
+    platform_.systemLog()->log(openFailure(*code));
     return;
   }
   hidManager_ = std::move(std::get<std::unique_ptr<Observation>>(opened));
 }
 
 bool TapTestController::startToggleTap() {
-  auto tap = platform_.eventTaps().listen(eventMask(EventType::FlagsChanged),
-                                          [this](EventType type, ModifierFlags flags) {
-                                            if (type == EventType::FlagsChanged) {
-                                              registerCapsState(hasCapsLock(flags), tapCapsState_);
-                                            }
-                                          });
+  auto tap = platform_.eventTaps().listenToFlagsChanged(
+      [this](ModifierFlags flags) { registerCapsState(hasCapsLock(flags), tapCapsState_); });
   if (!tap) {
-    platform_.systemLog().log(
+    platform_.systemLog()->log(
         "Zephlin: could not create flagsChanged event tap, falling back to polling");
     return false;
   }
@@ -78,7 +72,7 @@ bool TapTestController::startToggleTap() {
 
 void TapTestController::startTogglePolling() {
   pollTimer_ =
-      platform_.dispatch().scheduleTimer(pollInterval, Tolerance{}, [weak = weak_from_this()] {
+      platform_.dispatch().scheduleTimer(pollInterval, Seconds::zero(), [weak = weak_from_this()] {
         if (const auto self = weak.lock()) {
           self->registerCapsState(hasCapsLock(self->platform_.eventTaps().currentModifierFlags()),
                                   self->polledCapsState_);
@@ -108,10 +102,9 @@ void TapTestController::registerCapsState(bool isOn, RememberedState& channel) {
   }
   toggleCount_ = checkedSum(toggleCount_, 1);
   if (lastPressTime_) {
-    const double elapsedMS =
-        (platform_.clock().now().secondsSince1970 - lastPressTime_->secondsSince1970) * 1000;
-    if (elapsedMS < maximumLatencyMS) {
-      lastLatencyMS_ = std::llround(elapsedMS);
+    const Milliseconds elapsed = platform_.clock().now() - *lastPressTime_;
+    if (elapsed < maximumLatency) {
+      lastLatencyMS_ = std::llround(elapsed.count());
     }
   }
   refreshLabels();
@@ -137,6 +130,7 @@ void TapTestController::refreshLabels() {
   latencyLabel_->setText(
       lastLatencyMS_ ? "Last tap registered in " + std::to_string(*lastLatencyMS_) + " ms" : " ");
   refreshVerdict();
+  display();
 }
 
 void TapTestController::refreshVerdict() {
@@ -152,7 +146,7 @@ void TapTestController::refreshVerdict() {
     verdictLabel_->setTextColor({role});
     verdictPill_->fill = {role, verdictFillAlpha};
   }
-  verdictPill_->setNeedsDisplay();
+  verdictPill_->needsDisplay = true;
 }
 
 void TapTestController::refreshChannelNote() {
@@ -165,6 +159,13 @@ void TapTestController::refreshChannelNote() {
         "To count taps, allow Zephlin under System Settings › Privacy & Security › Input "
         "Monitoring.");
     channelNoteLabel_->setTextColor({ColorRole::SystemOrange});
+  }
+  display();
+}
+
+void TapTestController::display() {
+  if (window_) {
+    window_->displayIfNeeded();
   }
 }
 

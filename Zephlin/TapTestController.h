@@ -9,25 +9,25 @@
 
 namespace zephlin {
 
-/// Answers whether every quick Caps Lock tap reaches the system. Two channels watch the key:
-/// presses as the keyboard reports them, and toggles of the Caps Lock state, which the system makes
-/// of the presses that it accepts. A window compares their counts. It only observes. Main thread.
+/// Answers whether every quick Caps Lock tap reaches the system. Two channels watch the key: the
+/// presses that the keyboard reports, and the toggles of the Caps Lock state that the system makes
+/// of those it accepts. A window compares their counts. It only observes. Main thread.
 ///
 /// Counting is in TapMonitor.cpp, the window in TapTestWindow.cpp.
 class TapTestController : public WindowDelegate,
                           public std::enable_shared_from_this<TapTestController> {
  public:
-  /// Held by a std::shared_ptr; the platform outlives it.
+  /// Must be held by a std::shared_ptr; the platform must outlive it.
   explicit TapTestController(Platform& platform);
   TapTestController(const TapTestController&) = delete;
   TapTestController& operator=(const TapTestController&) = delete;
   ~TapTestController() override = default;
 
-  /// Opens the window, clears the counts and starts watching. While the window is open already, the
-  /// channels are opened anew before the former ones are let go.
+  /// Opens the window, clears the counts and starts watching. If the window is already open, new
+  /// channels are opened before the old ones are closed.
   void show();
   void windowWillClose() override;
-  /// Clears the counts and the latency; the channels go on.
+  /// Clears the counts and the latency; the channels keep running.
   void resetPressed();
 
   /// Null before the first `show`.
@@ -37,7 +37,7 @@ class TapTestController : public WindowDelegate,
   [[nodiscard]] std::optional<std::int64_t> lastLatencyMS() const { return lastLatencyMS_; }
 
  private:
-  /// The last Caps Lock state that a toggle channel has seen; absent when it has seen none.
+  /// The last Caps Lock state that a toggle channel has seen; absent before the first.
   using RememberedState = std::optional<bool>;
 
   void startMonitoring();
@@ -51,6 +51,8 @@ class TapTestController : public WindowDelegate,
   void refreshLabels();
   void refreshVerdict();
   void refreshChannelNote();
+  /// Shows what has changed in the views, if there is a window.
+  void display();
 
   void buildWindow();
   std::shared_ptr<View> makeContent();

@@ -1,4 +1,4 @@
-// The window half of TapTestController: what it looks like, from top to bottom.
+// TapTestController, the window: what it looks like, from top to bottom.
 
 #include "Zephlin/TapTestController.h"
 
@@ -28,33 +28,37 @@ constexpr Font latencyFont{.pointSize = 11, .monospacedDigits = true};
 constexpr Font hintFont{.pointSize = 11};
 constexpr Font noteFont{.pointSize = 10};
 
-/// Gives a label its look; wrapping ones break at the width of the content.
-void style(Label& label, const Font& font, ColorRole color) {
-  label.font = font;
-  label.alignment = TextAlignment::Center;
-  label.setTextColor({color});
-  if (label.kind == Label::Kind::Wrapping) {
-    label.preferredMaxLayoutWidth = contentWidth;
-  }
-}
-
+/// Wrapping labels break at the width of the content.
 std::shared_ptr<Label> makeLabel(const char* text, Label::Kind kind, const Font& font,
                                  ColorRole color) {
-  auto label = std::make_shared<Label>(text, kind);
-  style(*label, font, color);
-  return label;
+  const Label::Style style{.kind = kind,
+                           .font = font,
+                           .alignment = TextAlignment::Center,
+                           .preferredMaxLayoutWidth = kind == Label::Kind::Wrapping
+                                                          ? std::optional(contentWidth)
+                                                          : std::nullopt};
+  return std::make_shared<Label>(text, style, Color{color});
+}
+
+std::shared_ptr<Label> makeLine(const char* text, const Font& font, ColorRole color) {
+  return makeLabel(text, Label::Kind::SingleLine, font, color);
+}
+
+std::shared_ptr<Label> makeParagraph(const char* text, const Font& font, ColorRole color) {
+  return makeLabel(text, Label::Kind::Wrapping, font, color);
 }
 
 }  // namespace
 
 TapTestController::TapTestController(Platform& platform)
     : platform_(platform),
-      pressCountLabel_(std::make_shared<Label>("0")),
-      toggleCountLabel_(std::make_shared<Label>("0")),
-      latencyLabel_(std::make_shared<Label>("")),
-      verdictLabel_(std::make_shared<Label>("")),
-      verdictPill_(std::make_shared<RoundedView>(separatorColor, std::nullopt, pillRadius)),
-      channelNoteLabel_(std::make_shared<Label>("", Label::Kind::Wrapping)) {}
+      pressCountLabel_(makeLine("0", countFont, ColorRole::Label)),
+      toggleCountLabel_(makeLine("0", countFont, ColorRole::Label)),
+      latencyLabel_(makeLine("", latencyFont, ColorRole::TertiaryLabel)),
+      verdictLabel_(makeLine("", verdictFont, ColorRole::SecondaryLabel)),
+      verdictPill_(
+          std::make_shared<RoundedView>(separatorColor, std::nullopt, pillRadius, contentWidth)),
+      channelNoteLabel_(makeParagraph("", noteFont, ColorRole::TertiaryLabel)) {}
 
 void TapTestController::show() {
   if (!window_) {
@@ -74,11 +78,9 @@ void TapTestController::windowWillClose() {
 }
 
 void TapTestController::buildWindow() {
-  auto window = platform_.windows().makeWindow({.title = "Tap Test",
-                                                .contentWidth = windowWidth,
-                                                .contentHeight = provisionalWindowHeight,
-                                                .level = WindowLevel::Floating},
-                                               makeContent());
+  auto window = platform_.windows().makeWindow(
+      {.title = "Tap Test", .contentWidth = windowWidth, .contentHeight = provisionalWindowHeight},
+      makeContent());
   window->setContentSizeToFit();
   window->center();
   window->setDelegate(weak_from_this());
@@ -86,49 +88,41 @@ void TapTestController::buildWindow() {
 }
 
 std::shared_ptr<View> TapTestController::makeContent() {
-  auto stack = std::make_shared<StackView>(StackView::Orientation::Vertical);
-  stack->spacing = defaultSpacing;
-  stack->edgeInsets = contentInsets;
-  const auto add = [&stack](std::shared_ptr<View> view, double spacingAfter = defaultSpacing) {
-    stack->setCustomSpacing(spacingAfter, *view);
-    stack->addArrangedSubview(std::move(view));
-  };
-
-  add(makeLabel("Is your Caps Lock instant?", Label::Kind::SingleLine, titleFont, ColorRole::Label),
-      4);
-  add(makeLabel("Tap Caps Lock a few times. Quick, light taps.", Label::Kind::Wrapping,
-                subtitleFont, ColorRole::SecondaryLabel),
-      18);
-  add(makeStatsRow(), 16);
-
-  style(*verdictLabel_, verdictFont, ColorRole::SecondaryLabel);
+  auto stack = std::make_shared<StackView>(StackView::Layout{
+      .orientation = StackView::Orientation::Vertical,
+      .spacing = defaultSpacing,
+      .edgeInsets = contentInsets,
+  });
+  stack->addArrangedSubview(makeLine("Is your Caps Lock instant?", titleFont, ColorRole::Label), 4);
+  stack->addArrangedSubview(makeParagraph("Tap Caps Lock a few times. Quick, light taps.",
+                                          subtitleFont, ColorRole::SecondaryLabel),
+                            18);
+  stack->addArrangedSubview(makeStatsRow(), 16);
   verdictPill_->embed(verdictLabel_, pillInsets);
-  verdictPill_->fixedWidth = contentWidth;
-  add(verdictPill_, 4);
-
-  style(*latencyLabel_, latencyFont, ColorRole::TertiaryLabel);
-  add(latencyLabel_, 18);
-  add(makeLabel(
-          "Want to see the difference? Turn off Instant Caps Lock in the menu and tap quickly "
-          "again and watch taps go missing.",
-          Label::Kind::Wrapping, hintFont, ColorRole::TertiaryLabel),
+  stack->addArrangedSubview(verdictPill_, 4);
+  stack->addArrangedSubview(latencyLabel_, 18);
+  stack->addArrangedSubview(
+      makeParagraph("Want to see the difference? Turn off Instant Caps Lock in the menu and tap "
+                    "quickly again and watch taps go missing.",
+                    hintFont, ColorRole::TertiaryLabel),
       14);
   // The button is held by the window, which the controller owns.
-  add(std::make_shared<Button>("Reset", [this] { resetPressed(); }));
-  style(*channelNoteLabel_, noteFont, ColorRole::TertiaryLabel);
-  add(channelNoteLabel_);
+  stack->addArrangedSubview(std::make_shared<Button>("Reset", [this] { resetPressed(); }));
+  stack->addArrangedSubview(channelNoteLabel_);
 
-  auto container = std::make_shared<View>();
+  auto container = std::make_shared<Box>(windowWidth);
   container->addSubview(stack, {});
-  container->fixedWidth = windowWidth;
   return container;
 }
 
 std::shared_ptr<View> TapTestController::makeStatsRow() {
-  auto row = std::make_shared<StackView>(StackView::Orientation::Horizontal);
-  row->distribution = StackView::Distribution::FillEqually;
-  row->spacing = 12;
-  row->fixedWidth = contentWidth;
+  auto row = std::make_shared<StackView>(
+      StackView::Layout{
+          .orientation = StackView::Orientation::Horizontal,
+          .distribution = StackView::Distribution::FillEqually,
+          .spacing = 12,
+      },
+      contentWidth);
   row->addArrangedSubview(statCard(pressCountLabel_, "Taps"));
   row->addArrangedSubview(statCard(toggleCountLabel_, "Registered"));
   return row;
@@ -136,12 +130,12 @@ std::shared_ptr<View> TapTestController::makeStatsRow() {
 
 std::shared_ptr<View> TapTestController::statCard(const std::shared_ptr<Label>& value,
                                                   const char* caption) {
-  style(*value, countFont, ColorRole::Label);
-  auto stack = std::make_shared<StackView>(StackView::Orientation::Vertical);
-  stack->spacing = 2;
+  auto stack = std::make_shared<StackView>(StackView::Layout{
+      .orientation = StackView::Orientation::Vertical,
+      .spacing = 2,
+  });
   stack->addArrangedSubview(value);
-  stack->addArrangedSubview(
-      makeLabel(caption, Label::Kind::SingleLine, captionFont, ColorRole::SecondaryLabel));
+  stack->addArrangedSubview(makeLine(caption, captionFont, ColorRole::SecondaryLabel));
   auto card = std::make_shared<RoundedView>(Color{ColorRole::ControlBackground}, separatorColor,
                                             cardRadius);
   card->embed(stack, cardInsets);

@@ -82,8 +82,6 @@ void LinuxApplication::setDelegate(std::weak_ptr<ApplicationDelegate> delegate) 
   delegate_ = std::move(delegate);
 }
 
-void LinuxApplication::setActivationPolicy(ActivationPolicy /*policy*/) {}
-
 void LinuxApplication::setMainMenu(std::shared_ptr<Menu> menu) {
   services_.setMainMenu(std::move(menu));
 }

@@ -33,7 +33,7 @@ class LinuxApplication final : public Application {
 
   void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
   /// The desktop shows an accessory as nothing but its windows, which is what Qt does by itself.
-  void setActivationPolicy(ActivationPolicy policy) override;
+  void becomeAccessory() override {}
   void setMainMenu(std::shared_ptr<Menu> menu) override;
   bool handOverToRunningInstance() override { return services_.handOverToRunningInstance(); }
   void activateIgnoringOtherApps() override;

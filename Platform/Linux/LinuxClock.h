@@ -8,11 +8,7 @@ namespace zephlin {
 
 class LinuxClock final : public Clock {
  public:
-  [[nodiscard]] WallTime now() const override {
-    const std::chrono::duration<double> sinceEpoch =
-        std::chrono::system_clock::now().time_since_epoch();
-    return {sinceEpoch.count()};
-  }
+  [[nodiscard]] WallTime now() const override { return std::chrono::system_clock::now(); }
 };
 
 }  // namespace zephlin

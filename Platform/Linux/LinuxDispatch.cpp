@@ -19,8 +19,8 @@ namespace {
 /// the fork holds the main thread up, which has a status item to show first.
 class WorkerQueue final : public SerialQueue {
  public:
-  WorkerQueue(std::shared_ptr<SerialWorker> worker, MainQueue& mainQueue)
-      : worker_(std::move(worker)), mainQueue_(mainQueue) {}
+  WorkerQueue(std::shared_ptr<SerialWorker> worker, std::shared_ptr<MainQueue> mainQueue)
+      : worker_(std::move(worker)), mainQueue_(std::move(mainQueue)) {}
   WorkerQueue(const WorkerQueue&) = delete;
   WorkerQueue& operator=(const WorkerQueue&) = delete;
   ~WorkerQueue() override { worker_->close(); }
@@ -28,12 +28,12 @@ class WorkerQueue final : public SerialQueue {
   void post(std::function<void()> work) override {
     worker_->post(std::move(work));
     std::call_once(beginning_,
-                   [this] { mainQueue_.post([worker = worker_] { worker->begin(); }); });
+                   [this] { mainQueue_->post([worker = worker_] { worker->begin(); }); });
   }
 
  private:
   std::shared_ptr<SerialWorker> worker_;
-  MainQueue& mainQueue_;
+  std::shared_ptr<MainQueue> mainQueue_;
   std::once_flag beginning_;
 };
 
@@ -43,19 +43,18 @@ void LinuxMainQueue::post(std::function<void()> work) {
   QMetaObject::invokeMethod(&context_, std::move(work), Qt::QueuedConnection);
 }
 
-void LinuxMainQueue::postAfter(Delay delay, std::function<void()> work) {
-  const std::chrono::duration<double> wait(std::max(delay.seconds, 0.0));
+void LinuxMainQueue::postAfter(Seconds delay, std::function<void()> work) {
+  const Seconds wait = std::max(delay, Seconds::zero());
   QTimer::singleShot(std::chrono::ceil<std::chrono::milliseconds>(wait), Qt::PreciseTimer,
                      &context_, std::move(work));
 }
 
-std::unique_ptr<SerialQueue> LinuxDispatch::makeSerialQueue(const std::string& label,
-                                                            QualityOfService /*quality*/) {
+std::unique_ptr<SerialQueue> LinuxDispatch::makeSerialQueue(const std::string& label) {
   workers_.push_back(std::make_shared<SerialWorker>(label));
   return std::make_unique<WorkerQueue>(workers_.back(), mainQueue_);
 }
 
-std::unique_ptr<Timer> LinuxDispatch::scheduleTimer(Interval interval, Tolerance tolerance,
+std::unique_ptr<Timer> LinuxDispatch::scheduleTimer(Seconds interval, Seconds tolerance,
                                                     std::function<void()> tick) {
   return std::make_unique<LoopTimer>(interval, tolerance, std::move(tick));
 }

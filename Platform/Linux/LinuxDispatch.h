@@ -15,7 +15,7 @@ namespace zephlin {
 class LinuxMainQueue final : public MainQueue {
  public:
   void post(std::function<void()> work) override;
-  void postAfter(Delay delay, std::function<void()> work) override;
+  void postAfter(Seconds delay, std::function<void()> work) override;
 
  private:
   QObject context_;
@@ -24,13 +24,11 @@ class LinuxMainQueue final : public MainQueue {
 /// Made after the QApplication. Its destruction waits until all work of its serial queues has run.
 class LinuxDispatch final : public Dispatch {
  public:
-  MainQueue& mainQueue() override { return mainQueue_; }
+  std::shared_ptr<MainQueue> mainQueue() override { return mainQueue_; }
   /// Each queue has a thread, whose first work begins when the event loop has had its turn. The
-  /// quality of service changes nothing: the kernel schedules these threads like all others. Throws
-  /// std::system_error when no thread can be had.
-  std::unique_ptr<SerialQueue> makeSerialQueue(const std::string& label,
-                                               QualityOfService quality) override;
-  std::unique_ptr<Timer> scheduleTimer(Interval interval, Tolerance tolerance,
+  /// kernel schedules it like all others. Throws std::system_error when no thread can be had.
+  std::unique_ptr<SerialQueue> makeSerialQueue(const std::string& label) override;
+  std::unique_ptr<Timer> scheduleTimer(Seconds interval, Seconds tolerance,
                                        std::function<void()> tick) override;
 
   /// Drops all work of the serial queues that has not begun, and sends SIGTERM to the child
@@ -38,7 +36,7 @@ class LinuxDispatch final : public Dispatch {
   bool abandonSerialQueues();
 
  private:
-  LinuxMainQueue mainQueue_;
+  std::shared_ptr<LinuxMainQueue> mainQueue_ = std::make_shared<LinuxMainQueue>();
   std::vector<std::shared_ptr<SerialWorker>> workers_;
 };
 

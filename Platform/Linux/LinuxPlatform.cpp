@@ -18,18 +18,18 @@ bool holdsInputBack() {
 }  // namespace
 
 LinuxPlatform::LinuxPlatform(int& argc, char** argv)
-    : qtMessages_(systemLog_),
+    : qtMessages_(*systemLog_),
       application_(argc, argv),
-      userDefaults_(defaultsPath(), systemLog_),
+      userDefaults_(defaultsPath(), *systemLog_),
       statusBar_([this] { return application_.isTerminating(); }),
       hidDevices_(currentWindowSystem(), holdsInputBack),
       eventTaps_(currentWindowSystem(), holdsInputBack),
-      loginService_(QApplication::applicationFilePath().toStdString(), systemLog_),
-      instance_(systemLog_, [this] { application_.reopen(); }),
+      loginService_(QApplication::applicationFilePath().toStdString(), *systemLog_),
+      instance_(*systemLog_, [this] { application_.reopen(); }),
       quitSignals_([this] { application_.terminate(); }) {
   takeNoPartInSessions();
   if (!application_.isDisplayed()) {
-    systemLog_.log(
+    systemLog_->log(
         "Zephlin: no display, so there is no status item; start it in a desktop session to have "
         "one");
   }

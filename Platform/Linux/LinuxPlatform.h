@@ -34,7 +34,7 @@ class LinuxPlatform final : public Platform {
   ProcessInfo& processInfo() override { return processInfo_; }
   Workspace& workspace() override { return workspace_; }
   UserDefaults& standardUserDefaults() override { return userDefaults_; }
-  SystemLog& systemLog() override { return systemLog_; }
+  std::shared_ptr<SystemLog> systemLog() override { return systemLog_; }
   StatusBar& systemStatusBar() override { return statusBar_; }
   AlertPresenter& alerts() override { return alerts_; }
   WindowServer& windows() override { return windows_; }
@@ -46,7 +46,7 @@ class LinuxPlatform final : public Platform {
  private:
   void leaveWork();
 
-  LinuxSystemLog systemLog_;
+  std::shared_ptr<LinuxSystemLog> systemLog_ = std::make_shared<LinuxSystemLog>();
   QtMessages qtMessages_;
   LinuxApplication application_;
   LinuxDispatch dispatch_;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Alert.h"
-#include "Platform/Updater.h"
+#include "Platform/Window.h"
+#include "Platform/Services.h"
 
 namespace zephlin {
 

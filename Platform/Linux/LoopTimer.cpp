@@ -9,10 +9,6 @@ namespace {
 
 using std::chrono::nanoseconds;
 
-nanoseconds fromSeconds(double seconds) {
-  return std::chrono::duration_cast<nanoseconds>(std::chrono::duration<double>(seconds));
-}
-
 nanoseconds monotonicNow() {
   return std::chrono::steady_clock::now().time_since_epoch();
 }
@@ -27,9 +23,9 @@ nanoseconds coalescedFireTime(nanoseconds due, nanoseconds tolerance) {
   return beyond == nanoseconds::zero() ? due : due - beyond + tolerance;
 }
 
-LoopTimer::LoopTimer(Interval interval, Tolerance tolerance, std::function<void()> tick)
-    : interval_(fromSeconds(interval.seconds)),
-      tolerance_(fromSeconds(tolerance.seconds)),
+LoopTimer::LoopTimer(Seconds interval, Seconds tolerance, std::function<void()> tick)
+    : interval_(std::chrono::duration_cast<nanoseconds>(interval)),
+      tolerance_(std::chrono::duration_cast<nanoseconds>(tolerance)),
       tick_(std::move(tick)),
       due_(monotonicNow() + interval_) {
   // Qt's coarse timers may be early.

@@ -13,7 +13,7 @@ namespace zephlin {
 /// late one of them was; those that were missed altogether are left out. Main thread.
 class LoopTimer final : public Timer {
  public:
-  LoopTimer(Interval interval, Tolerance tolerance, std::function<void()> tick);
+  LoopTimer(Seconds interval, Seconds tolerance, std::function<void()> tick);
 
   /// How long until the next tick.
   [[nodiscard]] std::chrono::milliseconds remainingTime() const {

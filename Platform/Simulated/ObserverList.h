@@ -8,64 +8,43 @@
 #include <utility>
 #include <vector>
 
-#include "Platform/HidDevices.h"
+#include "Platform/Observation.h"
 
 namespace zephlin {
 
 /// Callbacks that each live as long as an Observation, which may end during a call and may outlive
-/// the list. `Record` is what the observer asked for.
-template <typename Record, typename... Arguments>
+/// the list.
+template <typename... Arguments>
 class ObserverList {
  public:
   using Callback = std::function<void(Arguments...)>;
 
-  std::unique_ptr<Observation> add(Record record, Callback callback) {
+  std::unique_ptr<Observation> add(Callback callback) {
     const std::uint64_t key = entries_->nextKey++;
-    entries_->byKey.emplace(key,
-                            std::make_shared<Entry>(Entry{std::move(record), std::move(callback)}));
+    entries_->byKey.emplace(key, std::make_shared<Callback>(std::move(callback)));
     return std::make_unique<Registration>(entries_, key);
   }
 
-  /// Work that calls, in the order in which they were added, those of the present observers whose
-  /// record the predicate accepts and that are still there when it runs.
-  template <typename Predicate>
-  [[nodiscard]] std::function<void()> notificationIf(Predicate accepts,
-                                                     Arguments... arguments) const {
-    return [entries = entries_, keys = keys(), accepts, arguments...] {
+  /// Work that calls the present observers, those that still exist when it runs, in the order in
+  /// which they were added.
+  [[nodiscard]] std::function<void()> notification(Arguments... arguments) const {
+    return [entries = entries_, keys = keys(), arguments...] {
       for (const std::uint64_t key : keys) {
         const auto found = entries->byKey.find(key);
-        if (found == entries->byKey.end() || !accepts(found->second->record)) {
-          continue;
+        if (found != entries->byKey.end()) {
+          const std::shared_ptr<Callback> callback = found->second;
+          (*callback)(arguments...);
         }
-        const std::shared_ptr<Entry> entry = found->second;
-        entry->callback(arguments...);
       }
     };
   }
 
-  /// Does so at once.
-  template <typename Predicate>
-  void notifyIf(Predicate accepts, Arguments... arguments) const {
-    notificationIf(accepts, arguments...)();
-  }
-
   [[nodiscard]] std::size_t count() const { return entries_->byKey.size(); }
-  [[nodiscard]] std::vector<Record> records() const {
-    std::vector<Record> records;
-    for (const auto& [key, entry] : entries_->byKey) {
-      records.push_back(entry->record);
-    }
-    return records;
-  }
 
  private:
-  struct Entry {
-    Record record;
-    Callback callback;
-  };
   struct Entries {
     std::uint64_t nextKey = 0;
-    std::map<std::uint64_t, std::shared_ptr<Entry>> byKey;
+    std::map<std::uint64_t, std::shared_ptr<Callback>> byKey;
   };
   class Registration final : public Observation {
    public:

@@ -3,9 +3,9 @@
 #include <functional>
 #include <vector>
 
-#include "Platform/Alert.h"
 #include "Platform/Simulated/SimulatedTracking.h"
 #include "Platform/Simulated/VirtualLoop.h"
+#include "Platform/Window.h"
 
 namespace zephlin {
 

@@ -60,7 +60,7 @@ std::optional<std::string> SimulatedApplication::pressKeyEquivalent(const std::s
     return std::nullopt;
   }
   perform(item->action);
-  return item->title();
+  return item->title;
 }
 
 void SimulatedApplication::perform(const MenuAction& action) {

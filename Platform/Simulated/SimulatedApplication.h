@@ -17,7 +17,7 @@ class SimulatedApplication final : public Application {
   explicit SimulatedApplication(VirtualLoop& loop) : loop_(loop) {}
 
   void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
-  void setActivationPolicy(ActivationPolicy policy) override { policy_ = policy; }
+  void becomeAccessory() override { isAccessory_ = true; }
   void setMainMenu(std::shared_ptr<Menu> menu) override { mainMenu_ = std::move(menu); }
   bool handOverToRunningInstance() override { return anotherInstanceRuns; }
   void activateIgnoringOtherApps() override { ++activations_; }
@@ -43,7 +43,7 @@ class SimulatedApplication final : public Application {
   void reopen();
 
   [[nodiscard]] std::shared_ptr<ApplicationDelegate> delegate() const { return delegate_.lock(); }
-  [[nodiscard]] std::optional<ActivationPolicy> activationPolicy() const { return policy_; }
+  [[nodiscard]] bool isAccessory() const { return isAccessory_; }
   [[nodiscard]] const std::shared_ptr<Menu>& mainMenu() const { return mainMenu_; }
   [[nodiscard]] std::size_t activations() const { return activations_; }
   [[nodiscard]] bool hasTerminated() const { return hasTerminated_; }
@@ -57,9 +57,9 @@ class SimulatedApplication final : public Application {
 
   VirtualLoop& loop_;
   std::weak_ptr<ApplicationDelegate> delegate_;
-  std::optional<ActivationPolicy> policy_;
   std::shared_ptr<Menu> mainMenu_;
   std::size_t activations_ = 0;
+  bool isAccessory_ = false;
   bool hasTerminated_ = false;
   std::vector<ResponderAction> responderActions_;
 };

@@ -3,7 +3,7 @@
 namespace zephlin {
 
 void SimulatedCapsLockKey::press(bool registers) {
-  devices_.deliverCapsLockValue(1);
+  devices_.moveCapsLockKey(true);
   if (!registers) {
     return;
   }
@@ -15,7 +15,7 @@ void SimulatedCapsLockKey::press(bool registers) {
 }
 
 void SimulatedCapsLockKey::release() {
-  devices_.deliverCapsLockValue(0);
+  devices_.moveCapsLockKey(false);
 }
 
 void SimulatedCapsLockKey::tap(bool registers) {

@@ -3,11 +3,11 @@
 namespace zephlin {
 
 WallTime SimulatedClock::now() const {
-  return {secondsFromTicks(loop_.now() + offset_)};
+  return WallTime(Seconds(secondsFromTicks(loop_.now() + offset_)));
 }
 
 void SimulatedClock::setWallTime(WallTime time) {
-  offset_ = ticksFromSeconds(time.secondsSince1970) - loop_.now();
+  offset_ = ticksFromSeconds(time.time_since_epoch().count()) - loop_.now();
 }
 
 }  // namespace zephlin

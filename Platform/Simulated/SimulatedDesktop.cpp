@@ -16,12 +16,12 @@ SimulatedDesktop* currentDesktop = nullptr;
 SimulatedDesktop::SimulatedDesktop(std::shared_ptr<SimulatedUserDefaultsStorage> storage)
     : userDefaults_(std::move(storage)), previous_(std::exchange(currentDesktop, this)) {
   keyboards_.add();
-  loop_.addTurnObserver([this] { windows_.displayIfNeeded(); });
+  loop_->addTurnObserver([this] { windows_.displayIfNeeded(); });
 }
 
 SimulatedDesktop::~SimulatedDesktop() {
   // What still runs, or is dropped, may use every part of the desktop.
-  loop_.shutDown();
+  loop_->shutDown();
   currentDesktop = previous_;
 }
 
@@ -30,13 +30,13 @@ SimulatedDesktop* SimulatedDesktop::current() {
 }
 
 std::optional<double> SimulatedDesktop::nextDeadline() const {
-  const std::optional<VirtualTicks> deadline = loop_.nextDeadline();
+  const std::optional<VirtualTicks> deadline = loop_->nextDeadline();
   return deadline ? std::optional(secondsFromTicks(*deadline)) : std::nullopt;
 }
 
 void SimulatedDesktop::after(double seconds, std::function<void()> action) {
-  loop_.schedule(loop_.now() + ticksFromSeconds(seconds), VirtualLoop::Lane::Main,
-                 std::move(action));
+  loop_->schedule(loop_->now() + ticksFromSeconds(seconds), VirtualLoop::Lane::Main,
+                  std::move(action));
 }
 
 void SimulatedDesktop::sleepAndWake(double seconds) {

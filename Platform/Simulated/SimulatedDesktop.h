@@ -48,7 +48,7 @@ class SimulatedDesktop final : public Platform {
   SimulatedProcessInfo& processInfo() override { return processInfo_; }
   SimulatedWorkspace& workspace() override { return workspace_; }
   SimulatedUserDefaults& standardUserDefaults() override { return userDefaults_; }
-  SimulatedSystemLog& systemLog() override { return systemLog_; }
+  std::shared_ptr<SystemLog> systemLog() override { return systemLog_; }
   SimulatedStatusBar& systemStatusBar() override { return statusBar_; }
   SimulatedAlerts& alerts() override { return alerts_; }
   SimulatedWindows& windows() override { return windows_; }
@@ -57,20 +57,21 @@ class SimulatedDesktop final : public Platform {
   SimulatedLoginService& loginService() override { return loginService_; }
   std::unique_ptr<Updater> makeStartedUpdater() override { return updaters_.makeStarted(); }
 
-  VirtualLoop& loop() { return loop_; }
+  SimulatedSystemLog& log() { return *systemLog_; }
+  VirtualLoop& loop() { return *loop_; }
   SimulatedKeyboards& keyboards() { return keyboards_; }
   SimulatedHidutil& hidutil() { return hidutil_; }
   SimulatedCapsLockKey& capsLockKey() { return capsLockKey_; }
   SimulatedUpdaters& updaters() { return updaters_; }
 
   /// Time. All in seconds of monotonic time, which starts at 0.
-  [[nodiscard]] double now() const { return secondsFromTicks(loop_.now()); }
-  void runFor(double seconds) { loop_.runUntil(loop_.now() + ticksFromSeconds(seconds)); }
-  void runUntil(double time) { loop_.runUntil(ticksFromSeconds(time)); }
-  void runUntilIdleNow() { loop_.runUntilIdleNow(); }
-  bool step() { return loop_.step(); }
+  [[nodiscard]] double now() const { return secondsFromTicks(loop_->now()); }
+  void runFor(double seconds) { loop_->runUntil(loop_->now() + ticksFromSeconds(seconds)); }
+  void runUntil(double time) { loop_->runUntil(ticksFromSeconds(time)); }
+  void runUntilIdleNow() { loop_->runUntilIdleNow(); }
+  bool step() { return loop_->step(); }
   [[nodiscard]] std::optional<double> nextDeadline() const;
-  [[nodiscard]] bool isOnMainThread() const { return loop_.isOnMainThread(); }
+  [[nodiscard]] bool isOnMainThread() const { return loop_->isOnMainThread(); }
   /// Does something at a time from now, on the main thread. Not subject to lateness.
   void after(double seconds, std::function<void()> action);
   [[nodiscard]] WallTime wallTime() const { return clock_.now(); }
@@ -79,7 +80,7 @@ class SimulatedDesktop final : public Platform {
   /// main queue.
   void sleepAndWake(double seconds);
 
-  /// Devices. Attaching one tells the observers through the main queue.
+  /// Devices. Attaching one calls the observers through the main queue.
   SimulatedKeyboards::Number plugKeyboard(bool isStubborn = false);
   bool unplugKeyboard(SimulatedKeyboards::Number number) { return keyboards_.remove(number); }
   std::optional<SimulatedKeyboards::Number> attachDevice(bool isKeyboard);
@@ -103,25 +104,25 @@ class SimulatedDesktop final : public Platform {
   static SimulatedDesktop* current();
 
  private:
-  VirtualLoop loop_;
+  std::shared_ptr<VirtualLoop> loop_ = std::make_shared<VirtualLoop>();
   SimulatedTracking tracking_;
   SimulatedDispatch dispatch_{loop_};
-  SimulatedClock clock_{loop_};
-  SimulatedApplication application_{loop_};
+  SimulatedClock clock_{*loop_};
+  SimulatedApplication application_{*loop_};
   SimulatedProcessInfo processInfo_;
   SimulatedWorkspace workspace_{dispatch_.mainQueue()};
   SimulatedUserDefaults userDefaults_;
-  SimulatedSystemLog systemLog_;
+  std::shared_ptr<SimulatedSystemLog> systemLog_ = std::make_shared<SimulatedSystemLog>();
   SimulatedStatusBar statusBar_{application_, tracking_};
-  SimulatedAlerts alerts_{loop_, tracking_};
+  SimulatedAlerts alerts_{*loop_, tracking_};
   SimulatedWindows windows_;
   SimulatedHidDevices hidDevices_{dispatch_.mainQueue(), tracking_};
   SimulatedEventTaps eventTaps_{tracking_};
   SimulatedLoginService loginService_;
   SimulatedUpdaters updaters_;
   SimulatedKeyboards keyboards_;
-  SimulatedHidutil hidutil_{loop_, keyboards_};
-  SimulatedCapsLockKey capsLockKey_{loop_, hidDevices_, eventTaps_};
+  SimulatedHidutil hidutil_{*loop_, keyboards_};
+  SimulatedCapsLockKey capsLockKey_{*loop_, hidDevices_, eventTaps_};
   SimulatedDesktop* previous_;
 };
 

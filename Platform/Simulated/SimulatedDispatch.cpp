@@ -17,7 +17,7 @@ struct QueueState {
 class SimulatedSerialQueue final : public SerialQueue {
  public:
   SimulatedSerialQueue(VirtualLoop& loop, std::shared_ptr<QueueState> state,
-                       std::shared_ptr<const SimulatedSerialQueueRecord> liveRecord)
+                       std::shared_ptr<const std::string> liveRecord)
       : loop_(loop), state_(std::move(state)), liveRecord_(std::move(liveRecord)) {}
 
   void post(std::function<void()> work) override {
@@ -44,7 +44,7 @@ class SimulatedSerialQueue final : public SerialQueue {
 
   VirtualLoop& loop_;
   std::shared_ptr<QueueState> state_;
-  std::shared_ptr<const SimulatedSerialQueueRecord> liveRecord_;
+  std::shared_ptr<const std::string> liveRecord_;
 };
 
 /// Fires on a grid of intervals from the beginning, so that lateness does not add up.
@@ -121,14 +121,14 @@ std::vector<Record> liveOnes(const std::vector<std::weak_ptr<const Record>>& rec
 
 }  // namespace
 
-void SimulatedLateness::setExactly(Delay delay) {
-  exact_ = ticksFromSeconds(delay.seconds);
+void SimulatedLateness::setExactly(Seconds delay) {
+  exact_ = ticksFromSeconds(delay.count());
   maximumJitter_ = 0;
 }
 
-void SimulatedLateness::setAtRandom(Delay most, std::uint64_t seed) {
+void SimulatedLateness::setAtRandom(Seconds maximum, std::uint64_t seed) {
   exact_ = 0;
-  maximumJitter_ = ticksFromSeconds(most.seconds);
+  maximumJitter_ = ticksFromSeconds(maximum.count());
   random_.seed(seed);
 }
 
@@ -139,37 +139,35 @@ VirtualTicks SimulatedLateness::ofDelayedWork() {
   return static_cast<VirtualTicks>(random_() % static_cast<std::uint64_t>(maximumJitter_ + 1));
 }
 
-VirtualTicks SimulatedLateness::ofTimer(Tolerance tolerance) {
-  return ofDelayedWork() + ticksFromSeconds(tolerance.seconds * shareOfTolerance_);
+VirtualTicks SimulatedLateness::ofTimer(Seconds tolerance) {
+  return ofDelayedWork() + ticksFromSeconds(tolerance.count() * shareOfTolerance_);
 }
 
 void SimulatedMainQueue::post(std::function<void()> work) {
-  loop_.schedule(loop_.now(), VirtualLoop::Lane::Main, std::move(work));
+  loop_->schedule(loop_->now(), VirtualLoop::Lane::Main, std::move(work));
 }
 
-void SimulatedMainQueue::postAfter(Delay delay, std::function<void()> work) {
-  const VirtualTicks wait = std::max<VirtualTicks>(ticksFromSeconds(delay.seconds), 0);
-  loop_.schedule(loop_.now() + wait + lateness_.ofDelayedWork(), VirtualLoop::Lane::Main,
-                 std::move(work));
+void SimulatedMainQueue::postAfter(Seconds delay, std::function<void()> work) {
+  const VirtualTicks wait = std::max<VirtualTicks>(ticksFromSeconds(delay.count()), 0);
+  loop_->schedule(loop_->now() + wait + lateness.ofDelayedWork(), VirtualLoop::Lane::Main,
+                  std::move(work));
 }
 
-SimulatedDispatch::SimulatedDispatch(VirtualLoop& loop)
-    : loop_(loop), mainQueue_(loop, lateness_) {}
+SimulatedDispatch::SimulatedDispatch(const std::shared_ptr<VirtualLoop>& loop)
+    : loop_(*loop), mainQueue_(std::make_shared<SimulatedMainQueue>(loop)) {}
 
-std::unique_ptr<SerialQueue> SimulatedDispatch::makeSerialQueue(const std::string& label,
-                                                                QualityOfService quality) {
-  return std::make_unique<SimulatedSerialQueue>(
-      loop_, std::make_shared<QueueState>(),
-      remember(serialQueues_, SimulatedSerialQueueRecord{label, quality}));
+std::unique_ptr<SerialQueue> SimulatedDispatch::makeSerialQueue(const std::string& label) {
+  return std::make_unique<SimulatedSerialQueue>(loop_, std::make_shared<QueueState>(),
+                                                remember(serialQueues_, label));
 }
 
-std::unique_ptr<Timer> SimulatedDispatch::scheduleTimer(Interval interval, Tolerance tolerance,
+std::unique_ptr<Timer> SimulatedDispatch::scheduleTimer(Seconds interval, Seconds tolerance,
                                                         std::function<void()> tick) {
   const SimulatedTimerRecord record = {interval, tolerance};
-  // The smallest period stands for none, as with other desktops.
-  const VirtualTicks period = std::max<VirtualTicks>(ticksFromSeconds(interval.seconds), 100'000);
+  // As on other desktops, no interval means the smallest one.
+  const VirtualTicks period = std::max<VirtualTicks>(ticksFromSeconds(interval.count()), 100'000);
   auto state = std::make_shared<TimerState>(
-      TimerState{loop_, lateness_, record, period, loop_.now(), std::move(tick), {}, false});
+      TimerState{loop_, lateness(), record, period, loop_.now(), std::move(tick), {}, false});
   return std::make_unique<SimulatedTimer>(std::move(state), remember(timers_, record));
 }
 
@@ -177,7 +175,7 @@ std::vector<SimulatedTimerRecord> SimulatedDispatch::liveTimers() const {
   return liveOnes(timers_);
 }
 
-std::vector<SimulatedSerialQueueRecord> SimulatedDispatch::liveSerialQueues() const {
+std::vector<std::string> SimulatedDispatch::liveSerialQueues() const {
   return liveOnes(serialQueues_);
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Platform/Dispatch.h"
@@ -17,14 +18,14 @@ namespace zephlin {
 class SimulatedLateness {
  public:
   /// The same for all.
-  void setExactly(Delay delay);
-  /// Each delivery draws its own, from 0 to `most`.
-  void setAtRandom(Delay most, std::uint64_t seed);
+  void setExactly(Seconds delay);
+  /// Each delivery draws its own, from 0 to `maximum`.
+  void setAtRandom(Seconds maximum, std::uint64_t seed);
   /// Timers are this share (0 to 1) of their tolerance late, besides.
   void setTimerShareOfTolerance(double share) { shareOfTolerance_ = share; }
 
   VirtualTicks ofDelayedWork();
-  VirtualTicks ofTimer(Tolerance tolerance);
+  VirtualTicks ofTimer(Seconds tolerance);
 
  private:
   VirtualTicks exact_ = 0;
@@ -35,49 +36,42 @@ class SimulatedLateness {
 
 class SimulatedMainQueue final : public MainQueue {
  public:
-  SimulatedMainQueue(VirtualLoop& loop, SimulatedLateness& lateness)
-      : loop_(loop), lateness_(lateness) {}
+  explicit SimulatedMainQueue(std::shared_ptr<VirtualLoop> loop) : loop_(std::move(loop)) {}
 
   void post(std::function<void()> work) override;
-  void postAfter(Delay delay, std::function<void()> work) override;
+  void postAfter(Seconds delay, std::function<void()> work) override;
+
+  SimulatedLateness lateness;
 
  private:
-  VirtualLoop& loop_;
-  SimulatedLateness& lateness_;
+  std::shared_ptr<VirtualLoop> loop_;
 };
 
 struct SimulatedTimerRecord {
-  Interval interval;
-  Tolerance tolerance;
-};
-
-struct SimulatedSerialQueueRecord {
-  std::string label;
-  QualityOfService quality = QualityOfService::Utility;
+  Seconds interval{};
+  Seconds tolerance{};
 };
 
 class SimulatedDispatch final : public Dispatch {
  public:
-  explicit SimulatedDispatch(VirtualLoop& loop);
+  explicit SimulatedDispatch(const std::shared_ptr<VirtualLoop>& loop);
 
-  SimulatedMainQueue& mainQueue() override { return mainQueue_; }
-  std::unique_ptr<SerialQueue> makeSerialQueue(const std::string& label,
-                                               QualityOfService quality) override;
-  std::unique_ptr<Timer> scheduleTimer(Interval interval, Tolerance tolerance,
+  std::shared_ptr<MainQueue> mainQueue() override { return mainQueue_; }
+  std::unique_ptr<SerialQueue> makeSerialQueue(const std::string& label) override;
+  std::unique_ptr<Timer> scheduleTimer(Seconds interval, Seconds tolerance,
                                        std::function<void()> tick) override;
 
-  SimulatedLateness& lateness() { return lateness_; }
+  SimulatedLateness& lateness() { return mainQueue_->lateness; }
 
-  /// In the order in which they were made, those that have ended left out.
+  /// Those that have not ended, in the order in which they were made; queues by their label.
   [[nodiscard]] std::vector<SimulatedTimerRecord> liveTimers() const;
-  [[nodiscard]] std::vector<SimulatedSerialQueueRecord> liveSerialQueues() const;
+  [[nodiscard]] std::vector<std::string> liveSerialQueues() const;
 
  private:
   VirtualLoop& loop_;
-  SimulatedLateness lateness_;
-  SimulatedMainQueue mainQueue_;
+  std::shared_ptr<SimulatedMainQueue> mainQueue_;
   std::vector<std::weak_ptr<const SimulatedTimerRecord>> timers_;
-  std::vector<std::weak_ptr<const SimulatedSerialQueueRecord>> serialQueues_;
+  std::vector<std::weak_ptr<const std::string>> serialQueues_;
 };
 
 }  // namespace zephlin

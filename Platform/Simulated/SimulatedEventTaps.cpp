@@ -4,27 +4,19 @@
 
 namespace zephlin {
 
-std::unique_ptr<Observation> SimulatedEventTaps::listen(
-    std::uint64_t mask, std::function<void(EventType type, ModifierFlags flags)> callback) {
+std::unique_ptr<Observation> SimulatedEventTaps::listenToFlagsChanged(
+    std::function<void(ModifierFlags flags)> callback) {
   if (!allowed_) {
     return nullptr;
   }
-  return taps_.add(mask, std::move(callback));
+  return taps_.add(std::move(callback));
 }
 
 void SimulatedEventTaps::setFlags(ModifierFlags flags) {
   flags_ = flags;
-  if (tracking_.holdsInputBack()) {
-    return;
+  if (!tracking_.holdsInputBack()) {
+    taps_.notification(flags)();
   }
-  taps_.notifyIf(
-      [](std::uint64_t mask) { return (mask & eventMask(EventType::FlagsChanged)) != 0; },
-      EventType::FlagsChanged, flags);
-}
-
-void SimulatedEventTaps::announceDisabled() {
-  // Such notices come whatever the mask.
-  taps_.notifyIf([](std::uint64_t) { return true; }, EventType::TapDisabledByTimeout, 0);
 }
 
 }  // namespace zephlin

@@ -4,39 +4,29 @@
 
 namespace zephlin {
 
-namespace {
-
-bool matchesCapsLock(const HidInputMatching& matching) {
-  return matching.deviceUsagePage == 1 && matching.deviceUsage == 6 && matching.usagePage == 7 &&
-         matching.usage == 57;
-}
-
-}  // namespace
-
-std::unique_ptr<Observation> SimulatedHidDevices::observeAppeared(const std::string& serviceClass,
-                                                                  std::function<void()> callback) {
+std::unique_ptr<Observation> SimulatedHidDevices::observeDeviceAppeared(
+    std::function<void()> callback) {
   if (!observable_) {
     return nullptr;
   }
-  return appeared_.add(serviceClass, std::move(callback));
+  return appeared_.add(std::move(callback));
 }
 
-std::variant<std::unique_ptr<Observation>, std::int32_t> SimulatedHidDevices::openInput(
-    const HidInputMatching& matching, std::function<void(std::int64_t value)> callback) {
+std::variant<std::unique_ptr<Observation>, std::int32_t> SimulatedHidDevices::openCapsLockKey(
+    std::function<void(bool isDown)> callback) {
   if (openingFailure_) {
     return *openingFailure_;
   }
-  return inputs_.add(matching, std::move(callback));
+  return inputs_.add(std::move(callback));
 }
 
 void SimulatedHidDevices::announceAppeared() {
-  mainQueue_.post(appeared_.notificationIf(
-      [](const std::string& observed) { return observed == "IOHIDDevice"; }));
+  mainQueue_->post(appeared_.notification());
 }
 
-void SimulatedHidDevices::deliverCapsLockValue(std::int64_t value) {
+void SimulatedHidDevices::moveCapsLockKey(bool isDown) {
   if (!tracking_.holdsInputBack()) {
-    inputs_.notifyIf(matchesCapsLock, value);
+    inputs_.notification(isDown)();
   }
 }
 

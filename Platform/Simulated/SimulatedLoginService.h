@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "Platform/LoginService.h"
+#include "Platform/Services.h"
 
 namespace zephlin {
 

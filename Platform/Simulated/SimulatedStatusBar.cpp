@@ -25,6 +25,7 @@ class SimulatedStatusItem final : public StatusItem {
     }
   }
   void setMenu(std::shared_ptr<Menu> menu) override { state_->menu = std::move(menu); }
+  void menuTitlesDidChange() override { ++state_->menuTitleChanges; }
 
  private:
   std::shared_ptr<SimulatedStatusItemState> state_;
@@ -32,9 +33,8 @@ class SimulatedStatusItem final : public StatusItem {
 
 }  // namespace
 
-std::unique_ptr<StatusItem> SimulatedStatusBar::makeStatusItem(double length) {
+std::unique_ptr<StatusItem> SimulatedStatusBar::makeStatusItem() {
   auto state = std::make_shared<SimulatedStatusItemState>();
-  state->length = length;
   state->hasButton = buttonsAvailable_;
   std::erase_if(items_, [](const auto& item) { return item.expired(); });
   items_.push_back(state);
@@ -101,13 +101,13 @@ std::vector<std::shared_ptr<MenuItem>> SimulatedStatusBar::menuItems() const {
 std::shared_ptr<MenuItem> SimulatedStatusBar::menuItem(const std::string& title) const {
   const auto all = menuItems();
   const auto found = std::find_if(all.begin(), all.end(),
-                                  [&title](const auto& item) { return item->title() == title; });
+                                  [&title](const auto& item) { return item->title == title; });
   return found == all.end() ? nullptr : *found;
 }
 
 std::string SimulatedStatusBar::statusLine() const {
   const auto all = menuItems();
-  return all.size() < 2 ? std::string() : all[1]->title();
+  return all.size() < 2 ? std::string() : all[1]->title;
 }
 
 }  // namespace zephlin

@@ -16,13 +16,14 @@ namespace zephlin {
 
 /// What a status item shows.
 struct SimulatedStatusItemState {
-  double length = 0;
   bool hasButton = true;
   std::optional<SymbolImage> image;
   std::string toolTip;
   std::shared_ptr<Menu> menu;
   /// How often the image was set.
   std::size_t imageSettings = 0;
+  /// How often the item was asked to show the menu's titles anew.
+  std::size_t menuTitleChanges = 0;
 };
 
 /// The bar, and a user who opens the newest item's menu.
@@ -31,7 +32,7 @@ class SimulatedStatusBar final : public StatusBar {
   SimulatedStatusBar(SimulatedApplication& application, SimulatedTracking& tracking)
       : application_(application), tracking_(tracking) {}
 
-  std::unique_ptr<StatusItem> makeStatusItem(double length) override;
+  std::unique_ptr<StatusItem> makeStatusItem() override;
   std::optional<SymbolImage> systemSymbol(const std::string& name,
                                           const std::string& accessibilityDescription) override;
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "Platform/SystemLog.h"
+#include "Platform/Services.h"
 
 namespace zephlin {
 

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <memory>
 
-#include "Platform/Updater.h"
+#include "Platform/Services.h"
 
 namespace zephlin {
 

@@ -8,7 +8,7 @@
 #include <utility>
 #include <variant>
 
-#include "Platform/UserDefaults.h"
+#include "Platform/Services.h"
 
 namespace zephlin {
 

@@ -25,11 +25,30 @@ class WindowHandle final : public Window {
     ++window_->orderFronts;
     window_->isShown = true;
   }
+  void displayIfNeeded() override { window_->needsDisplay = true; }
   std::optional<std::string> contentAsPng() override;
 
  private:
   std::shared_ptr<SimulatedWindow> window_;
   std::shared_ptr<const bool> drawable_;
+};
+
+class ChildrenOf final : public ViewVisitor {
+ public:
+  void visit(Box& box) override {
+    for (const Box::Subview& subview : box.subviews()) {
+      children.push_back(subview.view);
+    }
+  }
+  void visit(Label& /*label*/) override {}
+  void visit(Button& /*button*/) override {}
+  void visit(StackView& stack) override {
+    for (const StackView::Arranged& arranged : stack.arrangedSubviews()) {
+      children.push_back(arranged.view);
+    }
+  }
+
+  std::vector<std::shared_ptr<View>> children;
 };
 
 /// The signature of a PNG file, and then the texts, so that a test sees when it was taken.
@@ -49,25 +68,15 @@ std::optional<std::string> WindowHandle::contentAsPng() {
 
 void forEachView(View& view, const std::function<void(View&)>& visit) {
   visit(view);
-  for (const View::Subview& subview : view.subviews()) {
-    forEachView(*subview.view, visit);
-  }
-  if (const auto* stack = dynamic_cast<const StackView*>(&view)) {
-    for (const auto& arranged : stack->arrangedSubviews()) {
-      forEachView(*arranged, visit);
-    }
+  ChildrenOf children;
+  view.accept(children);
+  for (const auto& child : children.children) {
+    forEachView(*child, visit);
   }
 }
 
 SimulatedWindow::SimulatedWindow(WindowDescription windowDescription, std::shared_ptr<View> content)
-    : description(std::move(windowDescription)), contentView(std::move(content)) {
-  forEachView(*contentView,
-              [this](View& view) { view.onNeedsDisplay = [this] { needsDisplay_ = true; }; });
-}
-
-SimulatedWindow::~SimulatedWindow() {
-  forEachView(*contentView, [](View& view) { view.onNeedsDisplay = nullptr; });
-}
+    : description(std::move(windowDescription)), contentView(std::move(content)) {}
 
 void SimulatedWindow::close() {
   if (!isShown) {
@@ -106,16 +115,17 @@ bool SimulatedWindow::pressButton(const std::string& title) {
 }
 
 void SimulatedWindow::displayIfNeeded() {
-  if (isShown && needsDisplay_) {
+  if (isShown && needsDisplay) {
     display();
   }
 }
 
 void SimulatedWindow::display() {
-  needsDisplay_ = false;
+  needsDisplay = false;
   forEachView(*contentView, [](View& view) {
-    if (std::exchange(view.needsDisplay, false) && view.layer) {
-      view.updateLayer();
+    auto* const box = dynamic_cast<Box*>(&view);
+    if (std::exchange(view.needsDisplay, false) && box != nullptr && box->layer) {
+      box->updateLayer();
     }
   });
 }

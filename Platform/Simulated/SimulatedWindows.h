@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "Platform/Views.h"
+#include "Platform/Window.h"
 
 namespace zephlin {
 
@@ -18,7 +18,7 @@ class SimulatedWindow {
   SimulatedWindow(WindowDescription windowDescription, std::shared_ptr<View> content);
   SimulatedWindow(const SimulatedWindow&) = delete;
   SimulatedWindow& operator=(const SimulatedWindow&) = delete;
-  ~SimulatedWindow();
+  ~SimulatedWindow() = default;
 
   const WindowDescription description;
   const std::shared_ptr<View> contentView;
@@ -37,13 +37,12 @@ class SimulatedWindow {
   /// Pushes the button with this title. False where there is none, or the window is hidden.
   bool pressButton(const std::string& title);
 
-  /// Updates the layers of the views that need display, if the window is shown.
+  /// The program has asked for its changes to be displayed.
+  bool needsDisplay = true;
+  /// Updates the layers that need display, if the program has asked and the window is shown.
   void displayIfNeeded();
-  /// The same, shown or not.
+  /// The same, asked or not, shown or not.
   void display();
-
- private:
-  bool needsDisplay_ = true;
 };
 
 /// Calls `visit` for the view and all below it: subviews, then arranged subviews.

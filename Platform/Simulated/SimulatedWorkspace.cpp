@@ -5,11 +5,11 @@
 namespace zephlin {
 
 std::unique_ptr<Observation> SimulatedWorkspace::observeDidWake(std::function<void()> callback) {
-  return didWake_.add(NoRecord{}, std::move(callback));
+  return didWake_.add(std::move(callback));
 }
 
 void SimulatedWorkspace::announceDidWake() {
-  mainQueue_.post(didWake_.notificationIf([](const NoRecord&) { return true; }));
+  mainQueue_->post(didWake_.notification());
 }
 
 }  // namespace zephlin

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
-#include <string>
+#include <utility>
 
 #include "Platform/Dispatch.h"
 #include "Platform/Simulated/ObserverList.h"
@@ -13,7 +13,8 @@ namespace zephlin {
 
 class SimulatedWorkspace final : public Workspace {
  public:
-  explicit SimulatedWorkspace(MainQueue& mainQueue) : mainQueue_(mainQueue) {}
+  explicit SimulatedWorkspace(std::shared_ptr<MainQueue> mainQueue)
+      : mainQueue_(std::move(mainQueue)) {}
 
   std::unique_ptr<Observation> observeDidWake(std::function<void()> callback) override;
 
@@ -22,9 +23,8 @@ class SimulatedWorkspace final : public Workspace {
   [[nodiscard]] std::size_t wakeObservers() const { return didWake_.count(); }
 
  private:
-  struct NoRecord {};
-  MainQueue& mainQueue_;
-  ObserverList<NoRecord> didWake_;
+  std::shared_ptr<MainQueue> mainQueue_;
+  ObserverList<> didWake_;
 };
 
 }  // namespace zephlin

@@ -21,7 +21,7 @@ class DeviceNotification final : public Observation {
   ~DeviceNotification() override;
 
   /// False where IOKit refuses; the notification is then of no use.
-  bool arm(const char* serviceClass);
+  bool arm();
 
  private:
   static void devicesMatched(void* context, io_iterator_t iterator);
@@ -41,7 +41,7 @@ DeviceNotification::~DeviceNotification() {
   }
 }
 
-bool DeviceNotification::arm(const char* serviceClass) {
+bool DeviceNotification::arm() {
   port_ = IONotificationPortCreate(kIOMainPortDefault);
   if (port_ == nullptr) {
     return false;
@@ -49,7 +49,7 @@ bool DeviceNotification::arm(const char* serviceClass) {
   IONotificationPortSetDispatchQueue(port_, dispatch_get_main_queue());
   // The call takes over the matching dictionary, also where it fails.
   const kern_return_t result = IOServiceAddMatchingNotification(port_, kIOFirstMatchNotification,
-                                                                IOServiceMatching(serviceClass),
+                                                                IOServiceMatching("IOHIDDevice"),
                                                                 devicesMatched, this, &iterator_);
   if (result != KERN_SUCCESS) {
     return false;
@@ -77,10 +77,9 @@ void DeviceNotification::drain(io_iterator_t iterator) {
 
 }  // namespace
 
-std::unique_ptr<Observation> MacHidDevices::observeAppeared(const std::string& serviceClass,
-                                                            std::function<void()> callback) {
+std::unique_ptr<Observation> MacHidDevices::observeDeviceAppeared(std::function<void()> callback) {
   auto notification = std::make_unique<DeviceNotification>(std::move(callback));
-  if (!notification->arm(serviceClass.c_str())) {
+  if (!notification->arm()) {
     return nullptr;
   }
   return notification;

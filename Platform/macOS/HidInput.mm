@@ -13,6 +13,12 @@ namespace zephlin {
 
 namespace {
 
+// HID Usage Tables. The window of the tap test promises that only this key is watched.
+constexpr int genericDesktopPage = 1;
+constexpr int keyboardUsage = 6;
+constexpr int keyboardPage = 7;
+constexpr int capsLockUsage = 0x39;
+
 /// Two entries of integers, autoreleased.
 CFDictionaryRef matchingDictionary(NSString* pageKey, int page, NSString* usageKey, int usage) {
   return reinterpret_cast<CFDictionaryRef>(
@@ -23,19 +29,18 @@ CFDictionaryRef matchingDictionary(NSString* pageKey, int page, NSString* usageK
 /// A HID manager. It holds a plain pointer to this, and calls only while it is scheduled.
 class HidInput final : public Observation {
  public:
-  explicit HidInput(std::function<void(std::int64_t value)> callback)
-      : callback_(std::move(callback)) {}
+  explicit HidInput(std::function<void(bool isDown)> callback) : callback_(std::move(callback)) {}
   HidInput(const HidInput&) = delete;
   HidInput& operator=(const HidInput&) = delete;
   ~HidInput() override;
 
-  IOReturn open(const HidInputMatching& matching);
+  IOReturn open();
 
  private:
   static void valueArrived(void* context, IOReturn result, void* sender, IOHIDValueRef value);
   void unschedule();
 
-  std::function<void(std::int64_t value)> callback_;
+  std::function<void(bool isDown)> callback_;
   Retained<IOHIDManagerRef> manager_;
   bool isOpen_ = false;
 };
@@ -47,15 +52,15 @@ HidInput::~HidInput() {
   }
 }
 
-IOReturn HidInput::open(const HidInputMatching& matching) {
+IOReturn HidInput::open() {
   manager_ =
       Retained<IOHIDManagerRef>(IOHIDManagerCreate(kCFAllocatorDefault, kIOHIDOptionsTypeNone));
-  IOHIDManagerSetDeviceMatching(
-      manager_.get(), matchingDictionary(@kIOHIDDeviceUsagePageKey, matching.deviceUsagePage,
-                                         @kIOHIDDeviceUsageKey, matching.deviceUsage));
-  IOHIDManagerSetInputValueMatching(
-      manager_.get(), matchingDictionary(@kIOHIDElementUsagePageKey, matching.usagePage,
-                                         @kIOHIDElementUsageKey, matching.usage));
+  IOHIDManagerSetDeviceMatching(manager_.get(),
+                                matchingDictionary(@kIOHIDDeviceUsagePageKey, genericDesktopPage,
+                                                   @kIOHIDDeviceUsageKey, keyboardUsage));
+  IOHIDManagerSetInputValueMatching(manager_.get(),
+                                    matchingDictionary(@kIOHIDElementUsagePageKey, keyboardPage,
+                                                       @kIOHIDElementUsageKey, capsLockUsage));
   IOHIDManagerRegisterInputValueCallback(manager_.get(), valueArrived, this);
   IOHIDManagerScheduleWithRunLoop(manager_.get(), CFRunLoopGetMain(), kCFRunLoopDefaultMode);
   const IOReturn result = IOHIDManagerOpen(manager_.get(), kIOHIDOptionsTypeNone);
@@ -78,15 +83,15 @@ void HidInput::valueArrived(void* context, IOReturn result, void* sender, IOHIDV
   }
   // A copy, since the call may end the observation.
   const auto callback = static_cast<HidInput*>(context)->callback_;
-  callback(IOHIDValueGetIntegerValue(value));
+  callback(IOHIDValueGetIntegerValue(value) != 0);
 }
 
 }  // namespace
 
-std::variant<std::unique_ptr<Observation>, std::int32_t> MacHidDevices::openInput(
-    const HidInputMatching& matching, std::function<void(std::int64_t value)> callback) {
+std::variant<std::unique_ptr<Observation>, std::int32_t> MacHidDevices::openCapsLockKey(
+    std::function<void(bool isDown)> callback) {
   auto input = std::make_unique<HidInput>(std::move(callback));
-  if (const IOReturn result = input->open(matching); result != kIOReturnSuccess) {
+  if (const IOReturn result = input->open(); result != kIOReturnSuccess) {
     return result;
   }
   return input;

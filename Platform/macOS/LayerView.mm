@@ -10,10 +10,10 @@
 
 @implementation ZephlinLayerView
 
-- (instancetype)initWithView:(std::weak_ptr<zephlin::View>)view {
+- (instancetype)initWithBox:(std::weak_ptr<zephlin::Box>)box {
   self = [super initWithFrame:NSZeroRect];
   if (self != nil) {
-    _view = std::move(view);
+    _box = std::move(box);
     [self setWantsLayer:YES];
   }
   return self;
@@ -32,13 +32,13 @@
 // Colours are made anew each time, so that they are those of the current appearance.
 - (void)updateLayer {
   CALayer* const native = [self layer];
-  const auto view = _view.lock();
-  if (native == nil || !view || !view->layer) {
+  const auto box = _box.lock();
+  if (native == nil || !box || !box->layer) {
     return;
   }
-  view->needsDisplay = false;
-  view->updateLayer();
-  const zephlin::Layer& layer = *view->layer;
+  box->needsDisplay = false;
+  box->updateLayer();
+  const zephlin::Layer& layer = *box->layer;
   [native setCornerRadius:layer.cornerRadius];
   [native setBackgroundColor:[zephlin::nativeColor(layer.backgroundColor) CGColor]];
   [native setBorderWidth:layer.borderWidth];

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Alert.h"
+#include "Platform/Window.h"
 
 namespace zephlin {
 

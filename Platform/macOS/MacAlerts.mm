@@ -7,22 +7,11 @@
 
 namespace zephlin {
 
-namespace {
-
-NSAlertStyle nativeStyle(AlertStyle style) {
-  switch (style) {
-    case AlertStyle::Informational:
-      return NSAlertStyleInformational;
-  }
-}
-
-}  // namespace
-
 void MacAlerts::runModal(const Alert& alert) {
   const Retained<NSAlert*> native([[NSAlert alloc] init]);
   [native.get() setMessageText:nativeText(alert.messageText)];
   [native.get() setInformativeText:nativeText(alert.informativeText)];
-  [native.get() setAlertStyle:nativeStyle(alert.style)];
+  [native.get() setAlertStyle:NSAlertStyleInformational];
   for (const std::string& title : alert.buttons) {
     [native.get() addButtonWithTitle:nativeText(title)];
   }

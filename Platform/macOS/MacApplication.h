@@ -27,7 +27,7 @@ class MacApplication final : public Application {
   ~MacApplication() override;
 
   void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
-  void setActivationPolicy(ActivationPolicy policy) override;
+  void becomeAccessory() override;
   void setMainMenu(std::shared_ptr<Menu> menu) override;
   /// Always false: Launch Services starts an application once, and brings it forward after that.
   bool handOverToRunningInstance() override { return false; }

@@ -37,8 +37,8 @@ void MacApplication::setDelegate(std::weak_ptr<ApplicationDelegate> delegate) {
   delegate_ = std::move(native);
 }
 
-void MacApplication::setActivationPolicy(ActivationPolicy policy) {
-  [application_ setActivationPolicy:static_cast<NSApplicationActivationPolicy>(policy)];
+void MacApplication::becomeAccessory() {
+  [application_ setActivationPolicy:NSApplicationActivationPolicyAccessory];
 }
 
 void MacApplication::setMainMenu(std::shared_ptr<Menu> menu) {

@@ -5,7 +5,7 @@
 namespace zephlin {
 
 WallTime MacClock::now() const {
-  return {CFAbsoluteTimeGetCurrent() + kCFAbsoluteTimeIntervalSince1970};
+  return WallTime(Seconds(CFAbsoluteTimeGetCurrent() + kCFAbsoluteTimeIntervalSince1970));
 }
 
 }  // namespace zephlin

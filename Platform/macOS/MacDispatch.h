@@ -13,20 +13,16 @@ namespace zephlin {
 class MacMainQueue final : public MainQueue {
  public:
   void post(std::function<void()> work) override;
-  void postAfter(Delay delay, std::function<void()> work) override;
+  void postAfter(Seconds delay, std::function<void()> work) override;
 };
 
 /// Queues of Grand Central Dispatch, and timers of the main run loop in its common modes.
 class MacDispatch final : public Dispatch {
  public:
-  MainQueue& mainQueue() override { return mainQueue_; }
-  std::unique_ptr<SerialQueue> makeSerialQueue(const std::string& label,
-                                               QualityOfService quality) override;
-  std::unique_ptr<Timer> scheduleTimer(Interval interval, Tolerance tolerance,
+  std::shared_ptr<MainQueue> mainQueue() override { return std::make_shared<MacMainQueue>(); }
+  std::unique_ptr<SerialQueue> makeSerialQueue(const std::string& label) override;
+  std::unique_ptr<Timer> scheduleTimer(Seconds interval, Seconds tolerance,
                                        std::function<void()> tick) override;
-
- private:
-  MacMainQueue mainQueue_;
 };
 
 }  // namespace zephlin

@@ -12,9 +12,9 @@ namespace zephlin {
 
 namespace {
 
-dispatch_time_t deadlineAfter(Delay delay) {
+dispatch_time_t deadlineAfter(Seconds delay) {
   return dispatch_time(DISPATCH_TIME_NOW,
-                       static_cast<std::int64_t>(std::ceil(delay.seconds * NSEC_PER_SEC)));
+                       static_cast<std::int64_t>(std::ceil(delay.count() * NSEC_PER_SEC)));
 }
 
 class MacSerialQueue final : public SerialQueue {
@@ -44,13 +44,6 @@ class MacTimer final : public Timer {
   Retained<NSTimer*> timer_;
 };
 
-qos_class_t qosClass(QualityOfService quality) {
-  switch (quality) {
-    case QualityOfService::Utility:
-      return QOS_CLASS_UTILITY;
-  }
-}
-
 }  // namespace
 
 void MacMainQueue::post(std::function<void()> work) {
@@ -60,27 +53,26 @@ void MacMainQueue::post(std::function<void()> work) {
   });
 }
 
-void MacMainQueue::postAfter(Delay delay, std::function<void()> work) {
+void MacMainQueue::postAfter(Seconds delay, std::function<void()> work) {
   const std::function<void()> posted = std::move(work);
   dispatch_after(deadlineAfter(delay), dispatch_get_main_queue(), ^{
     posted();
   });
 }
 
-std::unique_ptr<SerialQueue> MacDispatch::makeSerialQueue(const std::string& label,
-                                                          QualityOfService quality) {
+std::unique_ptr<SerialQueue> MacDispatch::makeSerialQueue(const std::string& label) {
   dispatch_queue_attr_t attributes =
-      dispatch_queue_attr_make_with_qos_class(DISPATCH_QUEUE_SERIAL, qosClass(quality), 0);
+      dispatch_queue_attr_make_with_qos_class(DISPATCH_QUEUE_SERIAL, QOS_CLASS_UTILITY, 0);
   attributes = dispatch_queue_attr_make_with_autorelease_frequency(
       attributes, DISPATCH_AUTORELEASE_FREQUENCY_INHERIT);
   return std::make_unique<MacSerialQueue>(Retained<dispatch_queue_t>(
       dispatch_queue_create_with_target(label.c_str(), attributes, DISPATCH_TARGET_QUEUE_DEFAULT)));
 }
 
-std::unique_ptr<Timer> MacDispatch::scheduleTimer(Interval interval, Tolerance tolerance,
+std::unique_ptr<Timer> MacDispatch::scheduleTimer(Seconds interval, Seconds tolerance,
                                                   std::function<void()> tick) {
   const std::function<void()> ticking = std::move(tick);
-  NSTimer* const timer = [NSTimer timerWithTimeInterval:interval.seconds
+  NSTimer* const timer = [NSTimer timerWithTimeInterval:interval.count()
                                                 repeats:YES
                                                   block:^(NSTimer* fired) {
                                                     (void)fired;
@@ -88,7 +80,7 @@ std::unique_ptr<Timer> MacDispatch::scheduleTimer(Interval interval, Tolerance t
                                                     const std::function<void()> current = ticking;
                                                     current();
                                                   }];
-  [timer setTolerance:tolerance.seconds];
+  [timer setTolerance:tolerance.count()];
   [[NSRunLoop mainRunLoop] addTimer:timer forMode:NSRunLoopCommonModes];
   return std::make_unique<MacTimer>(Retained<NSTimer*>::retaining(timer));
 }

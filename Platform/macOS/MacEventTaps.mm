@@ -15,15 +15,15 @@ namespace {
 /// the main run loop.
 class EventTap final : public Observation {
  public:
-  using Callback = std::function<void(EventType type, ModifierFlags flags)>;
+  using Callback = std::function<void(ModifierFlags flags)>;
 
   explicit EventTap(Callback callback) : callback_(std::move(callback)) {}
   EventTap(const EventTap&) = delete;
   EventTap& operator=(const EventTap&) = delete;
   ~EventTap() override;
 
-  /// False where the user has not allowed it.
-  bool install(CGEventMask mask);
+  /// False if the user has not allowed it.
+  bool install();
 
  private:
   static CGEventRef eventArrived(CGEventTapProxy proxy, CGEventType type, CGEventRef event,
@@ -41,10 +41,10 @@ EventTap::~EventTap() {
   }
 }
 
-bool EventTap::install(CGEventMask mask) {
-  port_ = Retained<CFMachPortRef>(CGEventTapCreate(kCGSessionEventTap, kCGHeadInsertEventTap,
-                                                   kCGEventTapOptionListenOnly, mask, eventArrived,
-                                                   this));
+bool EventTap::install() {
+  port_ = Retained<CFMachPortRef>(
+      CGEventTapCreate(kCGSessionEventTap, kCGHeadInsertEventTap, kCGEventTapOptionListenOnly,
+                       CGEventMask{1} << kCGEventFlagsChanged, eventArrived, this));
   if (!port_) {
     return false;
   }
@@ -58,21 +58,21 @@ bool EventTap::install(CGEventMask mask) {
 CGEventRef EventTap::eventArrived(CGEventTapProxy proxy, CGEventType type, CGEventRef event,
                                   void* context) {
   (void)proxy;
-  if (context != nullptr) {
+  // Whatever the mask, notices that the tap was disabled arrive too.
+  if (context != nullptr && type == kCGEventFlagsChanged) {
     // A copy, since the call may end the tap.
     const Callback callback = static_cast<EventTap*>(context)->callback_;
-    // A notice about the tap itself comes without an event.
-    callback(static_cast<EventType>(type), event == nullptr ? 0 : CGEventGetFlags(event));
+    callback(CGEventGetFlags(event));
   }
   return event;
 }
 
 }  // namespace
 
-std::unique_ptr<Observation> MacEventTaps::listen(
-    std::uint64_t mask, std::function<void(EventType type, ModifierFlags flags)> callback) {
+std::unique_ptr<Observation> MacEventTaps::listenToFlagsChanged(
+    std::function<void(ModifierFlags flags)> callback) {
   auto tap = std::make_unique<EventTap>(std::move(callback));
-  if (!tap->install(mask)) {
+  if (!tap->install()) {
     return nullptr;
   }
   return tap;

@@ -3,22 +3,20 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <string>
 #include <variant>
 
-#include "Platform/HidDevices.h"
+#include "Platform/Keyboard.h"
 
 namespace zephlin {
 
 /// IOKit's matching notifications, and its HID manager. The functions run on the main thread.
 class MacHidDevices final : public HidDevices {
  public:
-  std::unique_ptr<Observation> observeAppeared(const std::string& serviceClass,
-                                               std::function<void()> callback) override;
+  std::unique_ptr<Observation> observeDeviceAppeared(std::function<void()> callback) override;
   /// On failure, the IOReturn of IOHIDManagerOpen: kIOReturnNotPermitted (0xe00002e2) where the
   /// user has not allowed Input Monitoring.
-  std::variant<std::unique_ptr<Observation>, std::int32_t> openInput(
-      const HidInputMatching& matching, std::function<void(std::int64_t value)> callback) override;
+  std::variant<std::unique_ptr<Observation>, std::int32_t> openCapsLockKey(
+      std::function<void(bool isDown)> callback) override;
 };
 
 }  // namespace zephlin

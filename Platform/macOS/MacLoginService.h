@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/LoginService.h"
+#include "Platform/Services.h"
 
 namespace zephlin {
 

@@ -17,8 +17,7 @@
 
 namespace zephlin {
 
-/// A portable menu as AppKit shows it. Items keep showing their titles as these change. Main
-/// thread.
+/// A portable menu as AppKit shows it. Main thread.
 class MacMenu {
  public:
   explicit MacMenu(std::shared_ptr<Menu> menu);
@@ -27,6 +26,8 @@ class MacMenu {
   ~MacMenu();
 
   [[nodiscard]] NSMenu* get() const { return nativeMenu_.get(); }
+  /// Gives the items the titles that they have now.
+  void showTitles();
 
  private:
   std::shared_ptr<Menu> menu_;

@@ -55,8 +55,8 @@ void setAction(NSMenuItem* native, const MenuAction& action) {
 
 Retained<NSMenu*> makeNativeMenu(const Menu& menu);
 
-Retained<NSMenuItem*> makeNativeItem(MenuItem& item) {
-  Retained<NSMenuItem*> made([[NSMenuItem alloc] initWithTitle:nativeText(item.title())
+Retained<NSMenuItem*> makeNativeItem(const MenuItem& item) {
+  Retained<NSMenuItem*> made([[NSMenuItem alloc] initWithTitle:nativeText(item.title)
                                                         action:nullptr
                                                  keyEquivalent:nativeText(item.keyEquivalent)]);
   NSMenuItem* const native = made.get();
@@ -68,8 +68,6 @@ Retained<NSMenuItem*> makeNativeItem(MenuItem& item) {
   if (item.submenu) {
     [native setSubmenu:makeNativeMenu(*item.submenu).get()];
   }
-  // The item owns this function, which owns the native item, and nothing owns the item in turn.
-  item.titleDidChange = [&item, made] { [made.get() setTitle:nativeText(item.title())]; };
   return made;
 }
 
@@ -101,6 +99,17 @@ MacMenu::MacMenu(std::shared_ptr<Menu> menu)
 
 MacMenu::~MacMenu() {
   [nativeMenu_.get() setDelegate:nil];
+}
+
+void MacMenu::showTitles() {
+  NSInteger index = 0;
+  for (const auto& item : menu_->items()) {
+    NSMenuItem* const native = [nativeMenu_.get() itemAtIndex:index++];
+    NSString* const title = nativeText(item->title);
+    if (![[native title] isEqualToString:title]) {
+      [native setTitle:title];
+    }
+  }
 }
 
 }  // namespace zephlin

@@ -29,7 +29,7 @@ class MacPlatform final : public Platform {
   ProcessInfo& processInfo() override { return processInfo_; }
   Workspace& workspace() override { return workspace_; }
   UserDefaults& standardUserDefaults() override { return userDefaults_; }
-  SystemLog& systemLog() override { return systemLog_; }
+  std::shared_ptr<SystemLog> systemLog() override { return std::make_shared<MacSystemLog>(); }
   StatusBar& systemStatusBar() override { return statusBar_; }
   AlertPresenter& alerts() override { return alerts_; }
   WindowServer& windows() override { return windows_; }
@@ -47,7 +47,6 @@ class MacPlatform final : public Platform {
   MacProcessInfo processInfo_;
   MacWorkspace workspace_;
   MacUserDefaults userDefaults_;
-  MacSystemLog systemLog_;
   MacStatusBar statusBar_;
   MacAlerts alerts_;
   MacWindows windows_;

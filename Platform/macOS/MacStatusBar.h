@@ -11,7 +11,7 @@ namespace zephlin {
 /// The system's status bar, with SF Symbols.
 class MacStatusBar final : public StatusBar {
  public:
-  std::unique_ptr<StatusItem> makeStatusItem(double length) override;
+  std::unique_ptr<StatusItem> makeStatusItem() override;
   std::optional<SymbolImage> systemSymbol(const std::string& name,
                                           const std::string& accessibilityDescription) override;
 };

@@ -43,6 +43,12 @@ class MacStatusItem final : public StatusItem {
     menu_ = std::move(native);
   }
 
+  void menuTitlesDidChange() override {
+    if (menu_) {
+      menu_->showTitles();
+    }
+  }
+
  private:
   Retained<NSStatusItem*> item_;
   std::unique_ptr<MacMenu> menu_;
@@ -50,9 +56,9 @@ class MacStatusItem final : public StatusItem {
 
 }  // namespace
 
-std::unique_ptr<StatusItem> MacStatusBar::makeStatusItem(double length) {
+std::unique_ptr<StatusItem> MacStatusBar::makeStatusItem() {
   return std::make_unique<MacStatusItem>(Retained<NSStatusItem*>::retaining(
-      [[NSStatusBar systemStatusBar] statusItemWithLength:length]));
+      [[NSStatusBar systemStatusBar] statusItemWithLength:NSSquareStatusItemLength]));
 }
 
 std::optional<SymbolImage> MacStatusBar::systemSymbol(const std::string& name,

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "Platform/SystemLog.h"
+#include "Platform/Services.h"
 
 namespace zephlin {
 

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "Platform/Updater.h"
+#include "Platform/Services.h"
 
 /// What is used of Sparkle's SPUStandardUpdaterController, as Sparkle 2 declares it.
 @protocol ZephlinUpdaterController <NSObject>

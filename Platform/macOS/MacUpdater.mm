@@ -29,7 +29,6 @@
        .informativeText =
            "This copy has no updater. To update, get a newer copy from where you got "
            "this one, and replace this one with it.",
-       .style = zephlin::AlertStyle::Informational,
        .buttons = {"OK"}});
 }
 

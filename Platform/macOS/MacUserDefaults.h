@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "Platform/UserDefaults.h"
+#include "Platform/Services.h"
 
 namespace zephlin {
 

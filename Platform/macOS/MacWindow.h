@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "Platform/Views.h"
+#include "Platform/Window.h"
 #import "Platform/macOS/NativeViews.h"
 #import "Platform/macOS/Retained.h"
 
@@ -31,10 +31,10 @@ class MacWindow final : public Window {
   void setContentSizeToFit() override;
   void center() override;
   void makeKeyAndOrderFront() override;
+  void displayIfNeeded() override { views_.displayIfNeeded(); }
   std::optional<std::string> contentAsPng() override;
 
  private:
-  std::shared_ptr<View> content_;
   NativeViews views_;
   Retained<NSWindow*> window_;
   Retained<ZephlinWindowDelegate*> delegate_;

@@ -27,8 +27,7 @@
 namespace zephlin {
 
 MacWindow::MacWindow(const WindowDescription& description, std::shared_ptr<View> contentView)
-    : content_(std::move(contentView)),
-      views_(content_),
+    : views_(std::move(contentView)),
       window_([[NSWindow alloc]
           initWithContentRect:NSMakeRect(0, 0, description.contentWidth, description.contentHeight)
                     styleMask:NSWindowStyleMaskTitled | NSWindowStyleMaskClosable
@@ -38,7 +37,7 @@ MacWindow::MacWindow(const WindowDescription& description, std::shared_ptr<View>
   [window_.get() setContentView:views_.root()];
   // It is owned here; closing hides it.
   [window_.get() setReleasedWhenClosed:NO];
-  [window_.get() setLevel:static_cast<NSWindowLevel>(description.level)];
+  [window_.get() setLevel:NSFloatingWindowLevel];
 }
 
 MacWindow::~MacWindow() {

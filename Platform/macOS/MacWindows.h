@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "Platform/Views.h"
+#include "Platform/Window.h"
 
 namespace zephlin {
 

@@ -11,25 +11,37 @@
 
 namespace zephlin {
 
-/// A tree of native views that shows a portable one, label by label and box by box, and follows its
-/// changes. Main thread.
-class NativeViews {
+/// A tree of native views that shows a portable one, label by label and box by box. Main thread.
+class NativeViews final : private ViewVisitor {
  public:
-  explicit NativeViews(const std::shared_ptr<View>& root);
+  explicit NativeViews(std::shared_ptr<View> root);
 
   [[nodiscard]] NSView* root() const { return root_.get(); }
+  /// As Window::displayIfNeeded.
+  void displayIfNeeded();
 
  private:
-  Retained<NSView*> make(const std::shared_ptr<View>& view);
-  Retained<NSView*> makeBox(const std::shared_ptr<View>& view);
-  Retained<NSView*> makeLabel(Label& label);
-  Retained<NSView*> makeButton(const Button& button);
-  Retained<NSView*> makeStack(const StackView& stack);
-  /// Adds the subviews inside the view, at their insets, and fixes its width.
-  void constrain(const View& view, NSView* native);
+  template <typename Portable, typename Native>
+  struct Shown {
+    Portable& portable;
+    Retained<Native*> native;
+  };
+
+  Retained<NSView*> make(View& view);
+  void visit(Box& box) override;
+  void visit(Label& label) override;
+  void visit(Button& button) override;
+  void visit(StackView& stack) override;
+
+  const std::shared_ptr<View> portableRoot_;
+  std::vector<Shown<Label, NSTextField>> labels_;
+  std::vector<Shown<Box, NSView>> layers_;
 
   /// The buttons do not own their targets.
   std::vector<Retained<ZephlinActionTarget*>> targets_;
+  /// What the last visit made, and where its children are in it.
+  Retained<NSView*> made_;
+  Retained<NSArray*> pins_;
   Retained<NSView*> root_;
 };
 

@@ -1,5 +1,7 @@
 #import "Platform/macOS/NativeViews.h"
 
+#include <utility>
+
 #import "Platform/macOS/Appearance.h"
 #import "Platform/macOS/LayerView.h"
 #import "Platform/macOS/Text.h"
@@ -37,51 +39,70 @@ void pin(NSView* child, NSView* parent, const EdgeInsets& insets, NSMutableArray
 
 }  // namespace
 
-NativeViews::NativeViews(const std::shared_ptr<View>& root) : root_(make(root)) {}
+NativeViews::NativeViews(std::shared_ptr<View> root)
+    : portableRoot_(std::move(root)), root_(make(*portableRoot_)) {}
 
-Retained<NSView*> NativeViews::make(const std::shared_ptr<View>& view) {
+void NativeViews::displayIfNeeded() {
+  for (const auto& label : labels_) {
+    if (label.portable.needsDisplay) {
+      showLabel(label.native.get(), label.portable);
+    }
+  }
+  for (const auto& box : layers_) {
+    if (box.portable.needsDisplay) {
+      [box.native.get() setNeedsDisplay:YES];
+    }
+  }
+}
+
+Retained<NSView*> NativeViews::make(View& view) {
+  view.accept(*this);
+  NSMutableArray* const constraints = [NSMutableArray arrayWithArray:pins_.get()];
+  if (view.fixedWidth) {
+    [constraints addObject:[[made_.get() widthAnchor] constraintEqualToConstant:*view.fixedWidth]];
+  }
+  [NSLayoutConstraint activateConstraints:constraints];
+  pins_ = {};
+  return std::move(made_);
+}
+
+void NativeViews::visit(Box& box) {
   Retained<NSView*> native;
-  if (auto* const label = dynamic_cast<Label*>(view.get())) {
-    native = makeLabel(*label);
-  } else if (const auto* const button = dynamic_cast<const Button*>(view.get())) {
-    native = makeButton(*button);
-  } else if (const auto* const stack = dynamic_cast<const StackView*>(view.get())) {
-    native = makeStack(*stack);
+  if (box.layer) {
+    // Shares the ownership of the whole tree.
+    const std::shared_ptr<Box> owned(portableRoot_, &box);
+    native = Retained<NSView*>([[ZephlinLayerView alloc] initWithBox:owned]);
+    layers_.push_back({box, native});
   } else {
-    native = makeBox(view);
+    native = Retained<NSView*>([[NSView alloc] initWithFrame:NSZeroRect]);
   }
-  constrain(*view, native.get());
-  return native;
+  NSMutableArray* const constraints = [NSMutableArray array];
+  for (const Box::Subview& subview : box.subviews()) {
+    const Retained<NSView*> child = make(*subview.view);
+    [native.get() addSubview:child.get()];
+    [child.get() setTranslatesAutoresizingMaskIntoConstraints:NO];
+    pin(child.get(), native.get(), subview.insets, constraints);
+  }
+  pins_ = Retained<NSArray*>::retaining(constraints);
+  made_ = std::move(native);
 }
 
-Retained<NSView*> NativeViews::makeBox(const std::shared_ptr<View>& view) {
-  if (!view->layer) {
-    return Retained<NSView*>([[NSView alloc] initWithFrame:NSZeroRect]);
-  }
-  Retained<NSView*> native([[ZephlinLayerView alloc] initWithView:view]);
-  // The portable view owns this function, which owns the native one, which holds it weakly.
-  view->onNeedsDisplay = [native] { [native.get() setNeedsDisplay:YES]; };
-  return native;
-}
-
-Retained<NSView*> NativeViews::makeLabel(Label& label) {
+void NativeViews::visit(Label& label) {
   NSString* const text = nativeText(label.text());
-  NSTextField* const native = label.kind == Label::Kind::Wrapping
+  NSTextField* const native = label.style.kind == Label::Kind::Wrapping
                                   ? [NSTextField wrappingLabelWithString:text]
                                   : [NSTextField labelWithString:text];
-  [native setFont:nativeFont(label.font)];
-  [native setAlignment:nativeAlignment(label.alignment)];
-  if (label.preferredMaxLayoutWidth) {
-    [native setPreferredMaxLayoutWidth:*label.preferredMaxLayoutWidth];
+  [native setFont:nativeFont(label.style.font)];
+  [native setAlignment:nativeAlignment(label.style.alignment)];
+  if (label.style.preferredMaxLayoutWidth) {
+    [native setPreferredMaxLayoutWidth:*label.style.preferredMaxLayoutWidth];
   }
   showLabel(native, label);
-  label.onNeedsDisplay = [&label, kept = Retained<NSTextField*>::retaining(native)] {
-    showLabel(kept.get(), label);
-  };
-  return Retained<NSView*>::retaining(native);
+  labels_.push_back({label, Retained<NSTextField*>::retaining(native)});
+  made_ = Retained<NSView*>::retaining(native);
 }
 
-Retained<NSView*> NativeViews::makeButton(const Button& button) {
+void NativeViews::visit(Button& button) {
   Retained<ZephlinActionTarget*> target([[ZephlinActionTarget alloc] initWithAction:button.action]);
   NSButton* const native = [NSButton buttonWithTitle:nativeText(button.title)
                                               target:target.get()
@@ -89,41 +110,28 @@ Retained<NSView*> NativeViews::makeButton(const Button& button) {
   [native setBezelStyle:NSBezelStyleRounded];
   [native setControlSize:NSControlSizeRegular];
   targets_.push_back(std::move(target));
-  return Retained<NSView*>::retaining(native);
+  made_ = Retained<NSView*>::retaining(native);
 }
 
-Retained<NSView*> NativeViews::makeStack(const StackView& stack) {
-  const bool isVertical = stack.orientation == StackView::Orientation::Vertical;
+void NativeViews::visit(StackView& stack) {
+  const StackView::Layout& layout = stack.layout;
+  const bool isVertical = layout.orientation == StackView::Orientation::Vertical;
   Retained<NSStackView*> native([[NSStackView alloc] initWithFrame:NSZeroRect]);
-  [native.get() setOrientation:nativeOrientation(stack.orientation)];
+  [native.get() setOrientation:nativeOrientation(layout.orientation)];
   [native.get() setAlignment:isVertical ? NSLayoutAttributeCenterX : NSLayoutAttributeCenterY];
-  [native.get() setSpacing:stack.spacing];
-  [native.get() setEdgeInsets:nativeInsets(stack.edgeInsets)];
-  if (stack.distribution == StackView::Distribution::FillEqually) {
+  [native.get() setSpacing:layout.spacing];
+  [native.get() setEdgeInsets:nativeInsets(layout.edgeInsets)];
+  if (layout.distribution == StackView::Distribution::FillEqually) {
     [native.get() setDistribution:NSStackViewDistributionFillEqually];
   }
-  for (const auto& view : stack.arrangedSubviews()) {
-    const Retained<NSView*> arranged = make(view);
+  for (const auto& [view, spacingAfter] : stack.arrangedSubviews()) {
+    const Retained<NSView*> arranged = make(*view);
     [native.get() addArrangedSubview:arranged.get()];
-    if (stack.spacingAfter(*view) != stack.spacing) {
-      [native.get() setCustomSpacing:stack.spacingAfter(*view) afterView:arranged.get()];
+    if (spacingAfter != layout.spacing) {
+      [native.get() setCustomSpacing:spacingAfter afterView:arranged.get()];
     }
   }
-  return Retained<NSView*>::retaining(native.get());
-}
-
-void NativeViews::constrain(const View& view, NSView* native) {
-  NSMutableArray* const constraints = [NSMutableArray array];
-  for (const View::Subview& subview : view.subviews()) {
-    const Retained<NSView*> child = make(subview.view);
-    [native addSubview:child.get()];
-    [child.get() setTranslatesAutoresizingMaskIntoConstraints:NO];
-    pin(child.get(), native, subview.insets, constraints);
-  }
-  if (view.fixedWidth) {
-    [constraints addObject:[[native widthAnchor] constraintEqualToConstant:*view.fixedWidth]];
-  }
-  [NSLayoutConstraint activateConstraints:constraints];
+  made_ = Retained<NSView*>::retaining(native.get());
 }
 
 }  // namespace zephlin

@@ -14,7 +14,7 @@ class AlertTest : public ContractTest {
 TEST_F(AlertTest, ReturnsWhenAButtonWasChosen) {
   bool returned = false;
   std::vector<ShownAlert> shown;
-  mainQueue().post([&] {
+  mainQueue()->post([&] {
     shown = desktop().alerts();
     EXPECT_FALSE(returned);
     desktop().dismissAlert();
@@ -27,18 +27,18 @@ TEST_F(AlertTest, ReturnsWhenAButtonWasChosen) {
 
 TEST_F(AlertTest, TheMainQueueGoesOnMeanwhile) {
   Words order;
-  const auto queue = dispatch().makeSerialQueue("contract", QualityOfService::Utility);
+  const auto queue = dispatch().makeSerialQueue("contract");
   queue->post([&] {
     desktop().letTimePass(0.02);
-    mainQueue().post([&] {
+    mainQueue()->post([&] {
       order.emplace_back("from another thread");
-      mainQueue().postAfter(Delay{0.02}, [&] {
+      mainQueue()->postAfter(Seconds{0.02}, [&] {
         order.emplace_back("delayed");
         desktop().dismissAlert();
       });
     });
   });
-  mainQueue().post([&] { order.emplace_back("posted"); });
+  mainQueue()->post([&] { order.emplace_back("posted"); });
   runModal();
   order.emplace_back("returned");
   EXPECT_EQ(order, (Words{"posted", "from another thread", "delayed", "returned"}));
@@ -46,7 +46,7 @@ TEST_F(AlertTest, TheMainQueueGoesOnMeanwhile) {
 
 TEST_F(AlertTest, TimersTickMeanwhile) {
   int ticks = 0;
-  const auto timer = dispatch().scheduleTimer(Interval{0.01}, Tolerance{}, [&] {
+  const auto timer = dispatch().scheduleTimer(Seconds{0.01}, Seconds{}, [&] {
     if (++ticks == 3) {
       desktop().dismissAlert();
     }
@@ -57,7 +57,7 @@ TEST_F(AlertTest, TimersTickMeanwhile) {
 
 TEST_F(AlertTest, OneMayBeShownAfterTheOther) {
   for (int round = 0; round < 2; ++round) {
-    mainQueue().post([&] { desktop().dismissAlert(); });
+    mainQueue()->post([&] { desktop().dismissAlert(); });
     runModal();
   }
   EXPECT_TRUE(desktop().alerts().empty());

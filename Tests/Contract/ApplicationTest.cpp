@@ -25,11 +25,11 @@ class ApplicationTest : public ContractTest {
 };
 
 TEST_F(ApplicationTest, TheDelegateIsToldOnceWhenTheLoopHasBegun) {
-  application().setActivationPolicy(ActivationPolicy::Accessory);
+  application().becomeAccessory();
   application().setDelegate(delegate_);
   int launchesAtTheEnd = 0;
   delegate_->onLaunch = [&] {
-    mainQueue().postAfter(Delay{0.05}, [&] {
+    mainQueue()->postAfter(Seconds{0.05}, [&] {
       launchesAtTheEnd = delegate_->launches;
       application().terminate();
     });
@@ -44,7 +44,7 @@ TEST_F(ApplicationTest, TerminatingLeavesTheLoop) {
   delegate_->onLaunch = [&] { application().terminate(); };
   bool tickedAfterwards = false;
   const auto timer =
-      dispatch().scheduleTimer(Interval{10}, Tolerance{}, [&] { tickedAfterwards = true; });
+      dispatch().scheduleTimer(Seconds{10}, Seconds{}, [&] { tickedAfterwards = true; });
   application().run();
   EXPECT_EQ(delegate_->launches, 1);
   EXPECT_FALSE(tickedAfterwards);
@@ -53,7 +53,7 @@ TEST_F(ApplicationTest, TerminatingLeavesTheLoop) {
 TEST_F(ApplicationTest, ADelegateThatIsGoneIsNotCalled) {
   application().setDelegate(delegate_);
   delegate_.reset();
-  mainQueue().postAfter(Delay{0.02}, [&] { application().terminate(); });
+  mainQueue()->postAfter(Seconds{0.02}, [&] { application().terminate(); });
   application().run();
 }
 

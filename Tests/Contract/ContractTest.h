@@ -14,7 +14,7 @@ class ContractTest : public testing::Test {
  protected:
   Platform& platform() { return desktop_->platform(); }
   Dispatch& dispatch() { return platform().dispatch(); }
-  MainQueue& mainQueue() { return dispatch().mainQueue(); }
+  std::shared_ptr<MainQueue> mainQueue() { return dispatch().mainQueue(); }
   ContractDesktop& desktop() { return *desktop_; }
   bool runUntil(const std::function<bool()>& condition) { return desktop_->runUntil(condition); }
 

@@ -6,7 +6,7 @@ namespace {
 class DevicesTest : public ContractTest {
  protected:
   std::unique_ptr<Observation> observe(std::function<void()> callback) {
-    return platform().hidDevices().observeAppeared("IOHIDDevice", std::move(callback));
+    return platform().hidDevices().observeDeviceAppeared(std::move(callback));
   }
 };
 

@@ -5,27 +5,18 @@
 namespace zephlin::contract {
 namespace {
 
-constexpr HidInputMatching capsLockKey = {
-    .deviceUsagePage = 1, .deviceUsage = 6, .usagePage = 7, .usage = 57};
-
-using Values = std::vector<std::int64_t>;
+using Values = std::vector<bool>;
 
 class InputTest : public ContractTest {
  protected:
-  std::unique_ptr<Observation> open(std::function<void(std::int64_t value)> callback) {
-    auto opened = platform().hidDevices().openInput(capsLockKey, std::move(callback));
+  std::unique_ptr<Observation> open(std::function<void(bool isDown)> callback) {
+    auto opened = platform().hidDevices().openCapsLockKey(std::move(callback));
     EXPECT_TRUE(std::holds_alternative<std::unique_ptr<Observation>>(opened));
     return std::move(std::get<std::unique_ptr<Observation>>(opened));
   }
 
   std::unique_ptr<Observation> listen(std::function<void(ModifierFlags flags)> callback) {
-    return platform().eventTaps().listen(
-        eventMask(EventType::FlagsChanged),
-        [callback = std::move(callback)](EventType type, ModifierFlags flags) {
-          if (type == EventType::FlagsChanged) {
-            callback(flags);
-          }
-        });
+    return platform().eventTaps().listenToFlagsChanged(std::move(callback));
   }
 
   bool isCapsLockOn() {
@@ -42,7 +33,7 @@ class InputTest : public ContractTest {
 
 TEST_F(InputTest, ThePressChannelTellsDownAndUpInOrder) {
   Values values;
-  const auto key = open([&](std::int64_t value) { values.push_back(value); });
+  const auto key = open([&](bool isDown) { values.push_back(isDown); });
   tapCapsLock();
   tapCapsLock();
   EXPECT_TRUE(runUntil([&] { return values.size() >= 4; }));
@@ -71,9 +62,9 @@ TEST_F(InputTest, TheEventTapTellsEachToggle) {
 TEST_F(InputTest, NothingIsDeliveredDuringAModalAlert) {
   Values values;
   int changes = 0;
-  const auto key = open([&](std::int64_t value) { values.push_back(value); });
+  const auto key = open([&](bool isDown) { values.push_back(isDown); });
   const auto tap = listen([&](ModifierFlags) { ++changes; });
-  mainQueue().post([&] {
+  mainQueue()->post([&] {
     tapCapsLock();
     settle();
     EXPECT_EQ(values, Values{});
@@ -92,7 +83,7 @@ TEST_F(InputTest, NothingIsDeliveredDuringAModalAlert) {
 
 TEST_F(InputTest, ObservationsEndWithTheirObjects) {
   int calls = 0;
-  auto key = open([&](std::int64_t) { ++calls; });
+  auto key = open([&](bool) { ++calls; });
   auto tap = listen([&](ModifierFlags) { ++calls; });
   key.reset();
   tap.reset();
@@ -107,7 +98,7 @@ TEST_F(InputTest, ObservationsMayEndWithinTheirOwnCallbacks) {
   int changes = 0;
   std::unique_ptr<Observation> key;
   std::unique_ptr<Observation> tap;
-  key = open([&](std::int64_t) {
+  key = open([&](bool) {
     key.reset();
     ++presses;
   });

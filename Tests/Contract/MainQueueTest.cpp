@@ -10,8 +10,8 @@ using MainQueueTest = ContractTest;
 
 TEST_F(MainQueueTest, WhatIsPostedRunsInOrderAndNotAtOnce) {
   Words order;
-  mainQueue().post([&] { order.emplace_back("first"); });
-  mainQueue().post([&] { order.emplace_back("second"); });
+  mainQueue()->post([&] { order.emplace_back("first"); });
+  mainQueue()->post([&] { order.emplace_back("second"); });
   EXPECT_TRUE(order.empty());
   EXPECT_TRUE(runUntil([&] { return order.size() == 2; }));
   EXPECT_EQ(order, (Words{"first", "second"}));
@@ -19,11 +19,11 @@ TEST_F(MainQueueTest, WhatIsPostedRunsInOrderAndNotAtOnce) {
 
 TEST_F(MainQueueTest, WhatWorkPostsRunsAfterAllThatWasPostedBefore) {
   Words order;
-  mainQueue().post([&] {
-    mainQueue().post([&] { order.emplace_back("posted by the first"); });
+  mainQueue()->post([&] {
+    mainQueue()->post([&] { order.emplace_back("posted by the first"); });
     order.emplace_back("first");
   });
-  mainQueue().post([&] { order.emplace_back("second"); });
+  mainQueue()->post([&] { order.emplace_back("second"); });
   EXPECT_TRUE(runUntil([&] { return order.size() == 3; }));
   EXPECT_EQ(order, (Words{"first", "second", "posted by the first"}));
 }
@@ -33,10 +33,10 @@ TEST_F(MainQueueTest, WhatAnotherThreadPostsRunsOnTheMainThreadInItsOrder) {
   const auto mainThread = std::this_thread::get_id();
   std::vector<int> order;
   bool onMainThread = true;
-  const auto queue = dispatch().makeSerialQueue("contract", QualityOfService::Utility);
+  const auto queue = dispatch().makeSerialQueue("contract");
   queue->post([&] {
     for (int number = 0; number < posts; ++number) {
-      mainQueue().post([&, number] {
+      mainQueue()->post([&, number] {
         onMainThread = onMainThread && std::this_thread::get_id() == mainThread;
         order.push_back(number);
       });
@@ -53,7 +53,7 @@ TEST_F(MainQueueTest, DelayedWorkIsNeverEarly) {
   for (const double delay : {0.0, 0.001, 0.0333, 0.05}) {
     const double start = desktop().monotonicSeconds();
     double ran = -1;
-    mainQueue().postAfter(Delay{delay}, [&] { ran = desktop().monotonicSeconds(); });
+    mainQueue()->postAfter(Seconds{delay}, [&] { ran = desktop().monotonicSeconds(); });
     EXPECT_EQ(ran, -1) << "ran at once";
     EXPECT_TRUE(runUntil([&] { return ran >= 0; }));
     EXPECT_GE(ran - start, delay - 1e-6);
@@ -68,8 +68,8 @@ class DelayedWorkTest : public MainQueueTest {
     for (;;) {
       Words order;
       const double start = desktop().monotonicSeconds();
-      mainQueue().postAfter(Delay{0.06}, [&] { order.emplace_back("late"); });
-      mainQueue().postAfter(Delay{0.02}, [&] { order.emplace_back("early"); });
+      mainQueue()->postAfter(Seconds{0.06}, [&] { order.emplace_back("late"); });
+      mainQueue()->postAfter(Seconds{0.02}, [&] { order.emplace_back("early"); });
       const bool isOrderCertain = desktop().monotonicSeconds() - start < 0.04;
       std::this_thread::sleep_for(pause);
       EXPECT_TRUE(runUntil([&] { return order.size() == 2; }));
@@ -92,21 +92,21 @@ TEST_F(MainQueueTest, ACancelledWorkItemDoesNotRunAndTakesNoOtherWithIt) {
   Words order;
   auto cancelled = std::make_shared<WorkItem>([&] { order.emplace_back("cancelled"); });
   auto kept = std::make_shared<WorkItem>([&] { order.emplace_back("kept"); });
-  mainQueue().postAfter(Delay{0.01}, [cancelled] { cancelled->perform(); });
-  mainQueue().postAfter(Delay{0.01}, [kept] { kept->perform(); });
-  mainQueue().postAfter(Delay{0.03}, [&] { order.emplace_back("end"); });
+  mainQueue()->postAfter(Seconds{0.01}, [cancelled] { cancelled->perform(); });
+  mainQueue()->postAfter(Seconds{0.01}, [kept] { kept->perform(); });
+  mainQueue()->postAfter(Seconds{0.03}, [&] { order.emplace_back("end"); });
   cancelled->cancel();
   EXPECT_TRUE(runUntil([&] { return !order.empty() && order.back() == "end"; }));
   EXPECT_EQ(order, (Words{"kept", "end"}));
 }
 
 TEST_F(MainQueueTest, WallTimeGoesOnWithMonotonicTime) {
-  const double wall = platform().clock().now().secondsSince1970;
+  const double wall = platform().clock().now().time_since_epoch().count();
   const double start = desktop().monotonicSeconds();
   desktop().runFor(0.1);
   const double passed = desktop().monotonicSeconds() - start;
   EXPECT_GT(wall, 1.5e9) << "seconds since 1970";
-  EXPECT_GE(platform().clock().now().secondsSince1970 - wall, passed / 2);
+  EXPECT_GE(platform().clock().now().time_since_epoch().count() - wall, passed / 2);
 }
 
 }  // namespace

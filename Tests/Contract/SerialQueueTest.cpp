@@ -10,7 +10,7 @@ namespace {
 class SerialQueueTest : public ContractTest {
  protected:
   std::unique_ptr<SerialQueue> queue_ =
-      dispatch().makeSerialQueue("com.quorvenel.zephlin.contract", QualityOfService::Utility);
+      dispatch().makeSerialQueue("com.quorvenel.zephlin.contract");
 };
 
 TEST_F(SerialQueueTest, WorkRunsOffTheMainThread) {
@@ -18,7 +18,7 @@ TEST_F(SerialQueueTest, WorkRunsOffTheMainThread) {
   bool done = false;
   queue_->post([&] {
     thread = std::this_thread::get_id();
-    mainQueue().post([&done] { done = true; });
+    mainQueue()->post([&done] { done = true; });
   });
   EXPECT_TRUE(runUntil([&] { return done; }));
   EXPECT_NE(thread, std::this_thread::get_id());
@@ -38,7 +38,7 @@ TEST_F(SerialQueueTest, WorkRunsOneAtATimeInItsOrder) {
       --running;
     });
   }
-  queue_->post([&] { mainQueue().post([&done] { done = true; }); });
+  queue_->post([&] { mainQueue()->post([&done] { done = true; }); });
   EXPECT_TRUE(runUntil([&] { return done; }));
   EXPECT_FALSE(overlapped);
   ASSERT_EQ(order.size(), static_cast<std::size_t>(works));
@@ -49,7 +49,7 @@ TEST_F(SerialQueueTest, WorkRunsOneAtATimeInItsOrder) {
 
 TEST_F(SerialQueueTest, WorkMayPostMoreToItsQueue) {
   bool done = false;
-  queue_->post([&] { queue_->post([&] { mainQueue().post([&done] { done = true; }); }); });
+  queue_->post([&] { queue_->post([&] { mainQueue()->post([&done] { done = true; }); }); });
   EXPECT_TRUE(runUntil([&] { return done; }));
 }
 
@@ -57,9 +57,9 @@ TEST_F(SerialQueueTest, TheMainThreadGoesOnMeanwhile) {
   Words order;
   queue_->post([&] {
     desktop().letTimePass(0.1);
-    mainQueue().post([&] { order.emplace_back("slow"); });
+    mainQueue()->post([&] { order.emplace_back("slow"); });
   });
-  mainQueue().post([&] { order.emplace_back("main"); });
+  mainQueue()->post([&] { order.emplace_back("main"); });
   EXPECT_TRUE(runUntil([&] { return order.size() == 2; }));
   EXPECT_EQ(order, (Words{"main", "slow"}));
 }
@@ -68,9 +68,9 @@ TEST_F(SerialQueueTest, WhatWasPostedStillRunsAfterTheQueueWasDestroyed) {
   Words order;
   queue_->post([&] {
     desktop().letTimePass(0.05);
-    mainQueue().post([&] { order.emplace_back("first"); });
+    mainQueue()->post([&] { order.emplace_back("first"); });
   });
-  queue_->post([&] { mainQueue().post([&] { order.emplace_back("second"); }); });
+  queue_->post([&] { mainQueue()->post([&] { order.emplace_back("second"); }); });
   queue_.reset();
   order.emplace_back("destroyed");
   EXPECT_TRUE(runUntil([&] { return order.size() == 3; }));
@@ -78,13 +78,13 @@ TEST_F(SerialQueueTest, WhatWasPostedStillRunsAfterTheQueueWasDestroyed) {
 }
 
 TEST_F(SerialQueueTest, TwoQueuesDoNotWaitForEachOther) {
-  const auto other = dispatch().makeSerialQueue("other", QualityOfService::Utility);
+  const auto other = dispatch().makeSerialQueue("other");
   Words order;
   queue_->post([&] {
     desktop().letTimePass(0.2);
-    mainQueue().post([&] { order.emplace_back("slow"); });
+    mainQueue()->post([&] { order.emplace_back("slow"); });
   });
-  other->post([&] { mainQueue().post([&] { order.emplace_back("other"); }); });
+  other->post([&] { mainQueue()->post([&] { order.emplace_back("other"); }); });
   EXPECT_TRUE(runUntil([&] { return order.size() == 2; }));
   EXPECT_EQ(order, (Words{"other", "slow"}));
 }

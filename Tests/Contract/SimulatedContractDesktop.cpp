@@ -89,7 +89,7 @@ class SimulatedContractDesktop final : public ContractDesktop {
 std::vector<ShownMenuItem> SimulatedContractDesktop::menuItems() {
   std::vector<ShownMenuItem> shown;
   for (const auto& item : desktop_->systemStatusBar().menuItems()) {
-    shown.push_back({item->title(), item->isSeparator, item->isEnabled,
+    shown.push_back({item->title, item->isSeparator, item->isEnabled,
                      static_cast<bool>(item->isChecked), keyEquivalentOf(*item)});
   }
   return shown;

@@ -47,8 +47,7 @@ class StatusItemTest : public ContractTest {
 
   std::shared_ptr<SampleMenu> sample_ = std::make_shared<SampleMenu>();
   std::shared_ptr<Menu> menu_ = std::make_shared<Menu>();
-  std::unique_ptr<StatusItem> item_ =
-      platform().systemStatusBar().makeStatusItem(squareStatusItemLength);
+  std::unique_ptr<StatusItem> item_ = platform().systemStatusBar().makeStatusItem();
 };
 
 TEST_F(StatusItemTest, TheSymbolsOfTheApplicationAreThere) {
@@ -96,7 +95,8 @@ TEST_F(StatusItemTest, TheDelegateIsAskedEachTimeBeforeTheMenuOpens) {
 
 TEST_F(StatusItemTest, AnEntryChangesWhileTheMenuIsOpen) {
   openedMenu();
-  sample_->statusLine.lock()->setTitle("Done");
+  sample_->statusLine.lock()->title = "Done";
+  item_->menuTitlesDidChange();
   EXPECT_TRUE(runUntil([&] { return desktop().menuItems().at(1).title == "Done"; }));
 }
 
@@ -126,7 +126,7 @@ TEST_F(StatusItemTest, AnEntryThatIsNotEnabledCannotBeChosen) {
 TEST_F(StatusItemTest, TimersTickWhileTheMenuIsOpen) {
   openedMenu();
   int ticks = 0;
-  const auto timer = dispatch().scheduleTimer(Interval{0.01}, Tolerance{}, [&] { ++ticks; });
+  const auto timer = dispatch().scheduleTimer(Seconds{0.01}, Seconds{}, [&] { ++ticks; });
   EXPECT_TRUE(runUntil([&] { return ticks == 2; }));
 }
 

@@ -10,7 +10,7 @@ TEST_F(TimerTest, TicksRepeatAndNoneIsEarly) {
   std::vector<double> ticks;
   const double start = desktop().monotonicSeconds();
   const auto timer = dispatch().scheduleTimer(
-      Interval{interval}, Tolerance{}, [&] { ticks.push_back(desktop().monotonicSeconds()); });
+      Seconds{interval}, Seconds{}, [&] { ticks.push_back(desktop().monotonicSeconds()); });
   EXPECT_TRUE(runUntil([&] { return ticks.size() == 4; }));
   for (std::size_t tick = 0; tick < ticks.size(); ++tick) {
     EXPECT_GE(ticks[tick] - start, interval * static_cast<double>(tick + 1) - 1e-6) << tick;
@@ -21,7 +21,7 @@ TEST_F(TimerTest, ATimerWithToleranceIsNeverEarlyEither) {
   constexpr double interval = 0.05;
   double tick = -1;
   const double start = desktop().monotonicSeconds();
-  const auto timer = dispatch().scheduleTimer(Interval{interval}, Tolerance{0.05}, [&] {
+  const auto timer = dispatch().scheduleTimer(Seconds{interval}, Seconds{0.05}, [&] {
     tick = tick < 0 ? desktop().monotonicSeconds() : tick;
   });
   EXPECT_TRUE(runUntil([&] { return tick >= 0; }));
@@ -30,7 +30,7 @@ TEST_F(TimerTest, ATimerWithToleranceIsNeverEarlyEither) {
 
 TEST_F(TimerTest, ADestroyedTimerTicksNoMore) {
   int ticks = 0;
-  auto timer = dispatch().scheduleTimer(Interval{0.01}, Tolerance{}, [&] { ++ticks; });
+  auto timer = dispatch().scheduleTimer(Seconds{0.01}, Seconds{}, [&] { ++ticks; });
   EXPECT_TRUE(runUntil([&] { return ticks == 1; }));
   timer.reset();
   settle();
@@ -42,7 +42,7 @@ TEST_F(TimerTest, ATimerMayBeDestroyedByItsOwnTick) {
   const std::string kept = "what the callback holds outlives the destruction";
   std::string seen;
   std::unique_ptr<Timer> timer;
-  timer = dispatch().scheduleTimer(Interval{0.01}, Tolerance{}, [&, kept] {
+  timer = dispatch().scheduleTimer(Seconds{0.01}, Seconds{}, [&, kept] {
     timer.reset();
     ++ticks;
     seen = kept;
@@ -67,8 +67,8 @@ TEST_F(TimerTest, TimersTickByTheirDeadlines) {
         firstTick = desktop().monotonicSeconds();
       }
     };
-    const auto slow = dispatch().scheduleTimer(Interval{0.08}, Tolerance{}, [&] { tick("slow"); });
-    const auto fast = dispatch().scheduleTimer(Interval{0.03}, Tolerance{}, [&] { tick("fast"); });
+    const auto slow = dispatch().scheduleTimer(Seconds{0.08}, Seconds{}, [&] { tick("slow"); });
+    const auto fast = dispatch().scheduleTimer(Seconds{0.03}, Seconds{}, [&] { tick("fast"); });
     EXPECT_TRUE(runUntil([&] { return !first.empty(); }));
   } while (firstTick - start >= 0.08);
   EXPECT_EQ(first, "fast");

@@ -24,7 +24,7 @@ class WatchedDesktop final : public Platform,
   ProcessInfo& processInfo() override { return *this; }
   Workspace& workspace() override { return desktop_.workspace(); }
   UserDefaults& standardUserDefaults() override { return desktop_.standardUserDefaults(); }
-  SystemLog& systemLog() override { return desktop_.systemLog(); }
+  std::shared_ptr<SystemLog> systemLog() override { return desktop_.systemLog(); }
   StatusBar& systemStatusBar() override { return desktop_.systemStatusBar(); }
   AlertPresenter& alerts() override { return desktop_.alerts(); }
   WindowServer& windows() override { return desktop_.windows(); }
@@ -36,38 +36,35 @@ class WatchedDesktop final : public Platform,
   /// Whether the press channel may be opened.
   bool inputIsAllowed = true;
 
-  void pressCapsLock() { valueArrived_(1); }
+  void pressCapsLock() { capsLockMoved_(true); }
   /// The system accepts a press, so many seconds later.
   void toggleCapsLockAfter(double seconds) {
-    now_.secondsSince1970 += seconds;
+    now_ += Seconds(seconds);
     flags_ ^= modifierCapsLock;
     touchModifiers();
   }
   /// An event that changes nothing.
-  void touchModifiers() { flagsChanged_(EventType::FlagsChanged, flags_); }
+  void touchModifiers() { flagsChanged_(flags_); }
 
  private:
   [[nodiscard]] WallTime now() const override { return now_; }
 
-  std::unique_ptr<Observation> listen(
-      std::uint64_t /*mask*/,
-      std::function<void(EventType type, ModifierFlags flags)> callback) override {
+  std::unique_ptr<Observation> listenToFlagsChanged(
+      std::function<void(ModifierFlags flags)> callback) override {
     flagsChanged_ = std::move(callback);
     return std::make_unique<Observation>();
   }
   ModifierFlags currentModifierFlags() override { return flags_; }
 
-  std::unique_ptr<Observation> observeAppeared(const std::string& /*serviceClass*/,
-                                               std::function<void()> /*callback*/) override {
+  std::unique_ptr<Observation> observeDeviceAppeared(std::function<void()> /*callback*/) override {
     return std::make_unique<Observation>();
   }
-  std::variant<std::unique_ptr<Observation>, std::int32_t> openInput(
-      const HidInputMatching& /*matching*/,
-      std::function<void(std::int64_t value)> callback) override {
+  std::variant<std::unique_ptr<Observation>, std::int32_t> openCapsLockKey(
+      std::function<void(bool isDown)> callback) override {
     if (!inputIsAllowed) {
       return std::int32_t{1};
     }
-    valueArrived_ = std::move(callback);
+    capsLockMoved_ = std::move(callback);
     return std::make_unique<Observation>();
   }
 
@@ -80,8 +77,8 @@ class WatchedDesktop final : public Platform,
   Platform& desktop_;
   WallTime now_;
   ModifierFlags flags_ = 0;
-  std::function<void(EventType type, ModifierFlags flags)> flagsChanged_;
-  std::function<void(std::int64_t value)> valueArrived_;
+  std::function<void(ModifierFlags flags)> flagsChanged_;
+  std::function<void(bool isDown)> capsLockMoved_;
 };
 
 }  // namespace zephlin::contract

@@ -16,8 +16,8 @@ class CountingDelegate final : public WindowDelegate {
   std::function<void()> onClosing;
 };
 
-/// A layer-backed view that counts how often it was shown anew.
-class CountingView final : public View {
+/// A layer-backed box that counts how often it was shown anew.
+class CountingView final : public Box {
  public:
   CountingView() { layer = Layer{}; }
   void updateLayer() override { ++updates; }
@@ -45,8 +45,7 @@ class WindowTest : public ContractTest {
 
   std::shared_ptr<Label> label_ = std::make_shared<Label>("Text & more");
   std::shared_ptr<CountingView> layered_ = std::make_shared<CountingView>();
-  std::shared_ptr<StackView> content_ =
-      std::make_shared<StackView>(StackView::Orientation::Vertical);
+  std::shared_ptr<StackView> content_ = std::make_shared<StackView>(StackView::Layout());
   std::shared_ptr<CountingDelegate> delegate_ = std::make_shared<CountingDelegate>();
   std::unique_ptr<Window> window_;
   int presses_ = 0;
@@ -81,6 +80,7 @@ TEST_F(WindowTest, CanBeShownAgain) {
   desktop().closeWindow();
   EXPECT_TRUE(runUntil([&] { return !desktop().isWindowShown(); }));
   label_->setText("Changed meanwhile");
+  window_->displayIfNeeded();
   show();
   EXPECT_EQ(desktop().windowTexts(), Words{"Changed meanwhile"});
   EXPECT_EQ(delegate_->closings, 1);
@@ -92,7 +92,7 @@ TEST_F(WindowTest, GoesWithItsOwnerWithoutAWordToTheDelegate) {
   EXPECT_TRUE(runUntil([&] { return !desktop().isWindowShown(); }));
   EXPECT_EQ(delegate_->closings, 0);
   label_->setText("The views live on");
-  layered_->setNeedsDisplay();
+  layered_->needsDisplay = true;
   settle();
 }
 
@@ -105,6 +105,7 @@ TEST_F(WindowTest, AButtonActsWhenItIsPressed) {
 TEST_F(WindowTest, ALabelFollowsItsText) {
   show();
   label_->setText("Other");
+  window_->displayIfNeeded();
   EXPECT_TRUE(runUntil([&] { return desktop().windowTexts() == Words{"Other"}; }));
 }
 
@@ -112,7 +113,8 @@ TEST_F(WindowTest, AViewThatNeedsDisplayIsShownAnewSoon) {
   show();
   EXPECT_TRUE(runUntil([&] { return layered_->updates > 0; }));
   const int updates = layered_->updates;
-  layered_->setNeedsDisplay();
+  layered_->needsDisplay = true;
+  window_->displayIfNeeded();
   EXPECT_TRUE(runUntil([&] { return layered_->updates > updates; }));
 }
 

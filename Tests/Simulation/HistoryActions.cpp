@@ -115,7 +115,7 @@ void HistoryActions::jump(std::istringstream& arguments) {
 
 void HistoryActions::late(std::istringstream& arguments) {
   const auto seconds = argumentOf<double>(arguments);
-  desktop_.dispatch().lateness().setExactly({seconds});
+  desktop_.dispatch().lateness().setExactly(Seconds{seconds});
   model_.setLateness(ticksFromSeconds(seconds));
 }
 

@@ -33,7 +33,7 @@ HistoryChecker::HistoryChecker(SimulatedDesktop& desktop, OverrideModel& model)
   desktop_.hidutil().onCallEnded = [this](const HidutilCall& call,
                                           const ChildProcessResult* result) {
     model_.advanceTo(desktop_.loop().now());
-    model_.callEnded(call, result, desktop_.wallTime().secondsSince1970);
+    model_.callEnded(call, result, desktop_.wallTime().time_since_epoch().count());
   };
   desktop_.loop().addTurnObserver([this] { checkTurn(); });
 }
@@ -136,7 +136,7 @@ void HistoryChecker::checkRecord() {
 }
 
 void HistoryChecker::checkLog() {
-  const auto& entries = desktop_.systemLog().entries();
+  const auto& entries = desktop_.log().entries();
   for (; logEntriesSeen_ < entries.size(); ++logEntriesSeen_) {
     const std::string& entry = entries[logEntriesSeen_];
     const bool isFailure = entry.starts_with("Zephlin: failed to apply override: ") ||
@@ -205,12 +205,12 @@ void HistoryChecker::checkMenuAtOpening() {
     const ExpectedEntry& entry = expected[i];
     const MenuItem& item = *items[i];
     const bool isSeparator = entry.title[0] == '\0';
-    const bool isRight = item.isSeparator == isSeparator && item.title() == entry.title &&
+    const bool isRight = item.isSeparator == isSeparator && item.title == entry.title &&
                          item.isChecked == entry.isChecked &&
                          (isSeparator || item.isEnabled == entry.isEnabled) &&
                          item.keyEquivalent == entry.keyEquivalent;
     require(isRight,
-            "entry " + std::to_string(i + 1) + " of the menu is wrong: " + quoted(item.title()));
+            "entry " + std::to_string(i + 1) + " of the menu is wrong: " + quoted(item.title));
   }
 }
 

@@ -35,7 +35,7 @@ TEST_F(SimulatedDesktopTest, TheEngineSetsAndReadsItsKeyboards) {
 }
 
 TEST_F(SimulatedDesktopTest, ASetTakesEffectAtItsEnd) {
-  const auto queue = desktop_.dispatch().makeSerialQueue("q", QualityOfService::Utility);
+  const auto queue = desktop_.dispatch().makeSerialQueue("q");
   queue->post([] { engine.applyInstant(); });
   desktop_.runUntil(0.0199);
   EXPECT_EQ(desktop_.keyboards().value(1), std::nullopt);
@@ -48,8 +48,8 @@ TEST_F(SimulatedDesktopTest, ASetTakesEffectAtItsEnd) {
 }
 
 TEST_F(SimulatedDesktopTest, OverlappingCallsAreCounted) {
-  const auto one = desktop_.dispatch().makeSerialQueue("1", QualityOfService::Utility);
-  const auto other = desktop_.dispatch().makeSerialQueue("2", QualityOfService::Utility);
+  const auto one = desktop_.dispatch().makeSerialQueue("1");
+  const auto other = desktop_.dispatch().makeSerialQueue("2");
   one->post([] { engine.applyInstant(); });
   other->post([] { engine.applyInstant(); });
   desktop_.runFor(1);
@@ -89,7 +89,7 @@ TEST_F(SimulatedDesktopTest, GarbageHasNoRows) {
 
 TEST_F(SimulatedDesktopTest, ADesktopThatGoesAwayEndsWhatRuns) {
   auto desktop = std::make_unique<SimulatedDesktop>();
-  const auto queue = desktop->dispatch().makeSerialQueue("q", QualityOfService::Utility);
+  const auto queue = desktop->dispatch().makeSerialQueue("q");
   bool failed = false;
   queue->post([&failed] {
     try {
@@ -104,10 +104,22 @@ TEST_F(SimulatedDesktopTest, ADesktopThatGoesAwayEndsWhatRuns) {
   EXPECT_EQ(SimulatedDesktop::current(), &desktop_);
 }
 
+TEST_F(SimulatedDesktopTest, WhatWorkMayKeepOutlivesTheDesktop) {
+  auto desktop = std::make_unique<SimulatedDesktop>();
+  const auto mainQueue = desktop->dispatch().mainQueue();
+  const auto log = desktop->systemLog();
+  desktop.reset();
+  bool ran = false;
+  mainQueue->post([&ran] { ran = true; });
+  mainQueue->postAfter(Seconds{1}, [&ran] { ran = true; });
+  log->log("late");
+  desktop_.runFor(2);
+  EXPECT_FALSE(ran);
+}
+
 TEST_F(SimulatedDesktopTest, DevicesThatAppearAreAnnouncedThroughTheMainQueue) {
   int appeared = 0;
-  auto observation =
-      desktop_.hidDevices().observeAppeared("IOHIDDevice", [&appeared] { ++appeared; });
+  auto observation = desktop_.hidDevices().observeDeviceAppeared([&appeared] { ++appeared; });
   desktop_.plugKeyboard();
   EXPECT_EQ(appeared, 0);
   desktop_.runUntilIdleNow();
@@ -123,21 +135,20 @@ TEST_F(SimulatedDesktopTest, DevicesThatAppearAreAnnouncedThroughTheMainQueue) {
 }
 
 TEST_F(SimulatedDesktopTest, ATapReachesInputsAndEventTapsUnlessAMenuIsOpen) {
-  std::vector<std::int64_t> values;
+  std::vector<bool> values;
   std::vector<ModifierFlags> flags;
-  const auto input = desktop_.hidDevices().openInput(
-      {1, 6, 7, 57}, [&values](std::int64_t value) { values.push_back(value); });
-  const auto tap =
-      desktop_.eventTaps().listen(eventMask(EventType::FlagsChanged),
-                                  [&flags](EventType, ModifierFlags now) { flags.push_back(now); });
+  const auto input =
+      desktop_.hidDevices().openCapsLockKey([&values](bool isDown) { values.push_back(isDown); });
+  const auto tap = desktop_.eventTaps().listenToFlagsChanged(
+      [&flags](ModifierFlags now) { flags.push_back(now); });
   desktop_.tapCapsLock();
   desktop_.tapCapsLock(false);
   desktop_.pressModifier(modifierShift);
-  EXPECT_EQ(values, (std::vector<std::int64_t>{1, 0, 1, 0}));
+  EXPECT_EQ(values, (std::vector<bool>{true, false, true, false}));
   EXPECT_EQ(flags,
             (std::vector<ModifierFlags>{modifierCapsLock, modifierCapsLock | modifierShift}));
 
-  auto item = desktop_.systemStatusBar().makeStatusItem(squareStatusItemLength);
+  auto item = desktop_.systemStatusBar().makeStatusItem();
   item->setMenu(std::make_shared<Menu>());
   ASSERT_TRUE(desktop_.openMenu());
   desktop_.tapCapsLock();
@@ -148,9 +159,10 @@ TEST_F(SimulatedDesktopTest, ATapReachesInputsAndEventTapsUnlessAMenuIsOpen) {
 
 TEST_F(SimulatedDesktopTest, AnAlertIsModalUntilItIsDismissedAndTimeGoesOnMeanwhile) {
   int ticks = 0;
-  const auto timer = desktop_.dispatch().scheduleTimer({1}, {0}, [&ticks] { ++ticks; });
+  const auto timer =
+      desktop_.dispatch().scheduleTimer(Seconds{1}, Seconds{0}, [&ticks] { ++ticks; });
   desktop_.dismissAlertAfter(3.5);
-  desktop_.alerts().runModal({"text", "", AlertStyle::Informational, {"OK"}});
+  desktop_.alerts().runModal({"text", "", {"OK"}});
   EXPECT_EQ(ticks, 3);
   EXPECT_EQ(desktop_.now(), 3.5);
   EXPECT_FALSE(desktop_.alerts().isModal());
@@ -166,7 +178,7 @@ TEST_F(SimulatedDesktopTest, AClickClosesTheMenuAndPerformsTheAction) {
   menu->add(std::make_shared<MenuItem>("Do it",
                                        [&] { wasOpen = desktop_.systemStatusBar().isMenuOpen(); }));
   menu->add(std::make_shared<MenuItem>("Not this", std::monostate()))->isEnabled = false;
-  auto item = desktop_.systemStatusBar().makeStatusItem(squareStatusItemLength);
+  auto item = desktop_.systemStatusBar().makeStatusItem();
   item->setMenu(menu);
   EXPECT_FALSE(desktop_.click("Do it"));
   ASSERT_TRUE(desktop_.openMenu());
@@ -175,12 +187,12 @@ TEST_F(SimulatedDesktopTest, AClickClosesTheMenuAndPerformsTheAction) {
   EXPECT_FALSE(wasOpen);
 }
 
-TEST_F(SimulatedDesktopTest, LayersAreUpdatedWhenTheLoopTurnsIfTheirViewAsksForIt) {
-  struct CountingView final : View {
+TEST_F(SimulatedDesktopTest, LayersAreUpdatedWhenTheLoopTurnsIfTheWindowIsAsked) {
+  struct CountingBox final : Box {
     void updateLayer() override { ++updates; }
     int updates = 0;
   };
-  auto view = std::make_shared<CountingView>();
+  auto view = std::make_shared<CountingBox>();
   view->layer = Layer{};
   const auto window = desktop_.windows().makeWindow({"title"}, view);
   desktop_.runUntilIdleNow();
@@ -189,7 +201,10 @@ TEST_F(SimulatedDesktopTest, LayersAreUpdatedWhenTheLoopTurnsIfTheirViewAsksForI
   desktop_.runUntilIdleNow();
   desktop_.runUntilIdleNow();
   EXPECT_EQ(view->updates, 1);
-  view->setNeedsDisplay();
+  view->needsDisplay = true;
+  desktop_.runUntilIdleNow();
+  EXPECT_EQ(view->updates, 1);
+  window->displayIfNeeded();
   desktop_.runUntilIdleNow();
   EXPECT_EQ(view->updates, 2);
 }

@@ -24,7 +24,7 @@ class SimulatedDispatchTest : public testing::Test {
 };
 
 TEST_F(SimulatedDispatchTest, DelayedWorkRunsAtItsDeadlineAndNotATickBefore) {
-  dispatch_.mainQueue().postAfter({1.0}, note());
+  dispatch_.mainQueue()->postAfter(Seconds{1.0}, note());
   desktop_.runUntil(1.0 - 1e-9);
   EXPECT_EQ(times_, Times{});
   desktop_.runFor(1e-9);
@@ -32,14 +32,14 @@ TEST_F(SimulatedDispatchTest, DelayedWorkRunsAtItsDeadlineAndNotATickBefore) {
 }
 
 TEST_F(SimulatedDispatchTest, ATimerFiresOncePerInterval) {
-  const auto timer = dispatch_.scheduleTimer({0.5}, {0.1}, note());
+  const auto timer = dispatch_.scheduleTimer(Seconds{0.5}, Seconds{0.1}, note());
   desktop_.runUntil(1.6);
   EXPECT_EQ(times_, (Times{0.5, 1.0, 1.5}));
 }
 
 TEST_F(SimulatedDispatchTest, ATimerMayEndItselfFromItsTick) {
   std::unique_ptr<Timer> timer;
-  timer = dispatch_.scheduleTimer({1}, {0}, [&] {
+  timer = dispatch_.scheduleTimer(Seconds{1}, Seconds{0}, [&] {
     noteTime();
     timer.reset();
   });
@@ -51,13 +51,13 @@ TEST_F(SimulatedDispatchTest, ATimerMayEndItselfFromItsTick) {
 
 TEST_F(SimulatedDispatchTest, ALateTimerStaysWithinItsToleranceAndOnItsGrid) {
   dispatch_.lateness().setTimerShareOfTolerance(0.5);
-  const auto timer = dispatch_.scheduleTimer({10}, {2}, note());
+  const auto timer = dispatch_.scheduleTimer(Seconds{10}, Seconds{2}, note());
   desktop_.runUntil(35);
   EXPECT_EQ(times_, (Times{11, 21, 31}));
 }
 
 TEST_F(SimulatedDispatchTest, ATimerThatMissedTicksDoesNotMakeUpForThem) {
-  const auto timer = dispatch_.scheduleTimer({1}, {0}, [this] {
+  const auto timer = dispatch_.scheduleTimer(Seconds{1}, Seconds{0}, [this] {
     noteTime();
     if (times_.size() == 1) {
       desktop_.loop().blockFor(ticksFromSeconds(3.5));
@@ -68,12 +68,12 @@ TEST_F(SimulatedDispatchTest, ATimerThatMissedTicksDoesNotMakeUpForThem) {
 }
 
 TEST_F(SimulatedDispatchTest, LatenessDelaysAndNeverHurries) {
-  dispatch_.lateness().setExactly({0.25});
-  dispatch_.mainQueue().postAfter({1}, note());
+  dispatch_.lateness().setExactly(Seconds{0.25});
+  dispatch_.mainQueue()->postAfter(Seconds{1}, note());
   desktop_.runUntil(2);
-  dispatch_.lateness().setAtRandom({0.5}, 1);
+  dispatch_.lateness().setAtRandom(Seconds{0.5}, 1);
   for (int i = 0; i < 100; ++i) {
-    dispatch_.mainQueue().postAfter({1}, note());
+    dispatch_.mainQueue()->postAfter(Seconds{1}, note());
   }
   desktop_.runUntil(5);
   ASSERT_EQ(times_.size(), 101U);
@@ -84,7 +84,7 @@ TEST_F(SimulatedDispatchTest, LatenessDelaysAndNeverHurries) {
 }
 
 TEST_F(SimulatedDispatchTest, ASerialQueueWorksOffItsWorkInOrderOffTheMainThread) {
-  const auto queue = dispatch_.makeSerialQueue("work", QualityOfService::Utility);
+  const auto queue = dispatch_.makeSerialQueue("work");
   std::vector<bool> onMain;
   for (int i = 0; i < 2; ++i) {
     queue->post([&] {
@@ -97,11 +97,11 @@ TEST_F(SimulatedDispatchTest, ASerialQueueWorksOffItsWorkInOrderOffTheMainThread
   EXPECT_EQ(times_, (Times{1, 2}));
   EXPECT_EQ(onMain, (std::vector<bool>{false, false}));
   ASSERT_EQ(dispatch_.liveSerialQueues().size(), 1U);
-  EXPECT_EQ(dispatch_.liveSerialQueues()[0].label, "work");
+  EXPECT_EQ(dispatch_.liveSerialQueues()[0], "work");
 }
 
 TEST_F(SimulatedDispatchTest, ADestroyedQueueStillRunsWhatWasPosted) {
-  auto queue = dispatch_.makeSerialQueue("work", QualityOfService::Utility);
+  auto queue = dispatch_.makeSerialQueue("work");
   queue->post(note());
   queue->post(note());
   queue.reset();
@@ -111,11 +111,11 @@ TEST_F(SimulatedDispatchTest, ADestroyedQueueStillRunsWhatWasPosted) {
 }
 
 TEST_F(SimulatedDispatchTest, WallTimePassesWithMonotonicTimeAndMovesWithoutIt) {
-  desktop_.setWallTime({1000});
+  desktop_.setWallTime(WallTime(Seconds(1000)));
   desktop_.runFor(5);
-  EXPECT_EQ(desktop_.wallTime().secondsSince1970, 1005);
+  EXPECT_EQ(desktop_.wallTime().time_since_epoch().count(), 1005);
   desktop_.sleepAndWake(600);
-  EXPECT_EQ(desktop_.wallTime().secondsSince1970, 1605);
+  EXPECT_EQ(desktop_.wallTime().time_since_epoch().count(), 1605);
   EXPECT_EQ(desktop_.now(), 5);
 }
 

@@ -10,7 +10,6 @@ class AlertTest : public MacTest {
  protected:
   const Alert alert_{.messageText = "Zephlin · Instant Caps Lock",
                      .informativeText = "One.\n\nTwo — with a \"quote\".",
-                     .style = AlertStyle::Informational,
                      .buttons = {"OK"}};
 };
 
@@ -32,14 +31,12 @@ TEST_F(AlertTest, TimersAndTheMainQueueGoOnWhileTheAlertIsModalAndTheKeyboardWai
   bool posted = false;
   int values = 0;
   int valuesWhileModal = -1;
-  const auto input = platform().hidDevices().openInput(
-      {.deviceUsagePage = 1, .deviceUsage = 6, .usagePage = 7, .usage = 57},
-      [&](std::int64_t) { ++values; });
+  const auto input = platform().hidDevices().openCapsLockKey([&](bool) { ++values; });
   mac::whenModal([&] {
     standins::reportKey(7, 57, 1);
-    platform().dispatch().mainQueue().post([&] { posted = true; });
+    platform().dispatch().mainQueue()->post([&] { posted = true; });
   });
-  const auto timer = platform().dispatch().scheduleTimer({0.01}, {}, [&] {
+  const auto timer = platform().dispatch().scheduleTimer(Seconds{0.01}, Seconds{}, [&] {
     if (++ticks >= 3 && posted && valuesWhileModal < 0) {
       valuesWhileModal = values;
       clickInModalWindow("OK");

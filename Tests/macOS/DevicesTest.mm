@@ -6,17 +6,14 @@
 namespace zephlin::test {
 namespace {
 
-constexpr HidInputMatching capsLock{
-    .deviceUsagePage = 1, .deviceUsage = 6, .usagePage = 7, .usage = 57};
-
 class DevicesTest : public MacTest {
  protected:
   std::unique_ptr<Observation> observe(std::function<void()> callback) {
-    return platform().hidDevices().observeAppeared("IOHIDDevice", std::move(callback));
+    return platform().hidDevices().observeDeviceAppeared(std::move(callback));
   }
   std::variant<std::unique_ptr<Observation>, std::int32_t> open(
-      std::function<void(std::int64_t)> callback) {
-    return platform().hidDevices().openInput(capsLock, std::move(callback));
+      std::function<void(bool isDown)> callback) {
+    return platform().hidDevices().openCapsLockKey(std::move(callback));
   }
 };
 
@@ -95,7 +92,7 @@ TEST_F(DevicesTest, WhereMatchingFailsThePortIsDestroyedAgain) {
 }
 
 TEST_F(DevicesTest, TheManagerMatchesCapsLockOfKeyboardsAndIsScheduledBeforeItIsOpened) {
-  const auto input = open([](std::int64_t) {});
+  const auto input = open([](bool) {});
   EXPECT_EQ(standins::calls({"IOHID"}),
             (Calls{"IOHIDManagerCreate(default, 0)",
                    "IOHIDManagerSetDeviceMatching(2 entries, DeviceUsagePage 1, DeviceUsage 6)",
@@ -106,17 +103,19 @@ TEST_F(DevicesTest, TheManagerMatchesCapsLockOfKeyboardsAndIsScheduledBeforeItIs
 }
 
 TEST_F(DevicesTest, TheManagerDeliversPressesAndReleasesAndNoOtherKey) {
-  std::vector<std::int64_t> values;
-  const auto input = open([&](std::int64_t value) { values.push_back(value); });
+  std::vector<bool> values;
+  const auto input = open([&](bool isDown) { values.push_back(isDown); });
   standins::reportKey(7, 57, 1);
   standins::reportKey(7, 4, 1);
+  standins::reportKey(7, 57, 2);
+  standins::reportKey(7, 57, -1);
   standins::reportKey(7, 57, 0);
-  EXPECT_EQ(values, (std::vector<std::int64_t>{1, 0}));
+  EXPECT_EQ(values, (std::vector<bool>{true, true, true, false})) << "only 0 is a release";
 }
 
 TEST_F(DevicesTest, TheManagerIsUnscheduledThenClosedThenReleased) {
-  std::vector<std::int64_t> values;
-  auto input = open([&](std::int64_t value) { values.push_back(value); });
+  std::vector<bool> values;
+  auto input = open([&](bool isDown) { values.push_back(isDown); });
   standins::forgetCalls();
   input = std::int32_t{0};
   EXPECT_EQ(standins::calls({"IOHID"}),
@@ -129,7 +128,7 @@ TEST_F(DevicesTest, TheManagerIsUnscheduledThenClosedThenReleased) {
 TEST_F(DevicesTest, AnInputMayBeClosedByItsOwnCall) {
   int calls = 0;
   std::variant<std::unique_ptr<Observation>, std::int32_t> input;
-  input = open([&](std::int64_t) {
+  input = open([&](bool) {
     input = std::int32_t{0};
     ++calls;
   });
@@ -140,7 +139,7 @@ TEST_F(DevicesTest, AnInputMayBeClosedByItsOwnCall) {
 
 TEST_F(DevicesTest, WhereOpeningFailsTheCodeIsReturnedAndTheManagerUnscheduledAndReleased) {
   standins::knobs().hidOpenResult = static_cast<std::int32_t>(0xe00002e2);
-  const auto input = open([](std::int64_t) {});
+  const auto input = open([](bool) {});
   EXPECT_EQ(std::get<std::int32_t>(input), static_cast<std::int32_t>(0xe00002e2));
   const Calls calls = standins::calls({"IOHID"});
   EXPECT_EQ(Calls(calls.end() - 3, calls.end()),

@@ -11,11 +11,11 @@ namespace {
 
 class DispatchTest : public MacTest {
  protected:
-  MainQueue& mainQueue() { return platform().dispatch().mainQueue(); }
+  std::shared_ptr<MainQueue> mainQueue() { return platform().dispatch().mainQueue(); }
 };
 
 TEST_F(DispatchTest, ASerialQueueHasTheLabelAndTheUtilityClassAndNoTarget) {
-  const auto queue = platform().dispatch().makeSerialQueue("label", QualityOfService::Utility);
+  const auto queue = platform().dispatch().makeSerialQueue("label");
   EXPECT_EQ(
       standins::calls({"dispatch_queue"}),
       Calls{"dispatch_queue_create_with_target(label, qos 0x11 0, frequency 0, target default)"});
@@ -25,7 +25,7 @@ TEST_F(DispatchTest, ASerialQueueWorksInOrderOffTheMainThreadAndIsReleasedAfterI
   std::vector<int> order;
   std::atomic<bool> offMainThread = true;
   const auto mainThread = std::this_thread::get_id();
-  auto queue = platform().dispatch().makeSerialQueue("label", QualityOfService::Utility);
+  auto queue = platform().dispatch().makeSerialQueue("label");
   for (int i = 0; i < 100; ++i) {
     queue->post([&, i] {
       offMainThread = offMainThread && std::this_thread::get_id() != mainThread;
@@ -44,9 +44,9 @@ TEST_F(DispatchTest, TheMainQueueWorksOnTheMainThreadInOrderWhoeverPosts) {
   std::vector<int> order;
   const auto mainThread = std::this_thread::get_id();
   bool onMainThread = false;
-  mainQueue().post([&] { order.push_back(1); });
+  mainQueue()->post([&] { order.push_back(1); });
   std::thread([&] {
-    mainQueue().post([&] {
+    mainQueue()->post([&] {
       onMainThread = std::this_thread::get_id() == mainThread;
       order.push_back(2);
     });
@@ -59,7 +59,7 @@ TEST_F(DispatchTest, TheMainQueueWorksOnTheMainThreadInOrderWhoeverPosts) {
 
 TEST_F(DispatchTest, DelayedWorkRunsWhenItsTimeHasComeAndNotBefore) {
   int runs = 0;
-  mainQueue().postAfter({1.5}, [&] { ++runs; });
+  mainQueue()->postAfter(Seconds{1.5}, [&] { ++runs; });
   EXPECT_EQ(standins::calls({"dispatch_after"}), Calls{"dispatch_after(1.500 s, main)"});
   standins::advance(1.499);
   EXPECT_EQ(runs, 0);
@@ -70,14 +70,14 @@ TEST_F(DispatchTest, DelayedWorkRunsWhenItsTimeHasComeAndNotBefore) {
 TEST_F(DispatchTest, DelayedWorkRunsByItselfWhenTimeRuns) {
   standins::resumeTime();
   bool hasRun = false;
-  mainQueue().postAfter({0.01}, [&] { hasRun = true; });
+  mainQueue()->postAfter(Seconds{0.01}, [&] { hasRun = true; });
   waitUntil([&] { return hasRun; });
   standins::stopTime();
 }
 
 TEST_F(DispatchTest, ATimerHasItsToleranceAndFiresInTheCommonModesUntilItIsDestroyed) {
   int ticks = 0;
-  auto timer = platform().dispatch().scheduleTimer({300}, {30}, [&] { ++ticks; });
+  auto timer = platform().dispatch().scheduleTimer(Seconds{300}, Seconds{30}, [&] { ++ticks; });
   EXPECT_EQ(standins::calls({"NSRunLoop"}),
             Calls{"NSRunLoop addTimer(interval 300, tolerance 30, main, common modes)"});
   standins::fireTimers(300);
@@ -91,7 +91,8 @@ TEST_F(DispatchTest, ATimerHasItsToleranceAndFiresInTheCommonModesUntilItIsDestr
 
 TEST_F(DispatchTest, ATimerTicksByItself) {
   int ticks = 0;
-  const auto timer = platform().dispatch().scheduleTimer({0.01}, {}, [&] { ++ticks; });
+  const auto timer =
+      platform().dispatch().scheduleTimer(Seconds{0.01}, Seconds{}, [&] { ++ticks; });
   EXPECT_EQ(ticks, 0);
   waitUntil([&] { return ticks >= 3; });
 }
@@ -100,7 +101,7 @@ TEST_F(DispatchTest, ATimerMayBeDestroyedByItsOwnTick) {
   int ticks = 0;
   std::unique_ptr<Timer> timer;
   const auto payload = std::make_shared<int>(7);
-  timer = platform().dispatch().scheduleTimer({0.01}, {}, [&, payload] {
+  timer = platform().dispatch().scheduleTimer(Seconds{0.01}, Seconds{}, [&, payload] {
     timer.reset();
     ticks += *payload;
   });

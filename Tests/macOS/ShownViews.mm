@@ -145,7 +145,7 @@ bool isCentered(NSWindow* window) {
 ShownWindow readBack(NSWindow* window) {
   [window displayIfNeeded];
   ShownWindow shown;
-  shown.isFloating = [window level] == static_cast<NSInteger>(WindowLevel::Floating);
+  shown.isFloating = [window level] == NSFloatingWindowLevel;
   shown.isResizable = ([window styleMask] & NSWindowStyleMaskResizable) != 0;
   shown.isCentered = isCentered(window);
   addTree([window contentView], [window contentView], 0, shown.views);

@@ -37,8 +37,9 @@ TEST_F(ViewsTest, AChildIsInsideItsBoxAtItsInsets) {
 }
 
 TEST_F(ViewsTest, ARowSharesItsWidthEquallyWhereItIsToldSo) {
-  const auto row = std::make_shared<StackView>(StackView::Orientation::Horizontal);
-  row->distribution = StackView::Distribution::FillEqually;
+  const auto row = std::make_shared<StackView>(
+      StackView::Layout{.orientation = StackView::Orientation::Horizontal,
+                        .distribution = StackView::Distribution::FillEqually});
   content_->addSubview(row, {});
   makeWindow();
   NSStackView* const native = [[nativeContent() subviews] lastObject];
@@ -56,13 +57,14 @@ TEST_F(ViewsTest, ALabelShowsItsTextAndFollowsItsChanges) {
   EXPECT_EQ([[native font] pointSize], 11);
   label_->setText("12 — taps");
   label_->setTextColor({ColorRole::SystemOrange});
+  window_->displayIfNeeded();
   EXPECT_STREQ([[native stringValue] UTF8String], "12 — taps");
   EXPECT_TRUE([[native textColor] isEqual:[NSColor systemOrangeColor]]);
 }
 
 TEST_F(ViewsTest, AWrappingLabelBreaksAtItsWidth) {
-  const auto wrapping = std::make_shared<Label>("text", Label::Kind::Wrapping);
-  wrapping->preferredMaxLayoutWidth = 360;
+  const auto wrapping = std::make_shared<Label>(
+      "text", Label::Style{.kind = Label::Kind::Wrapping, .preferredMaxLayoutWidth = 360});
   content_->addSubview(wrapping, {});
   makeWindow();
   NSTextField* const native = [[nativeContent() subviews] lastObject];
@@ -84,9 +86,11 @@ TEST_F(ViewsTest, EveryColourHasItsRole) {
       {ColorRole::SystemOrange, [NSColor systemOrangeColor]}};
   for (const auto& [role, expected] : roles) {
     label_->setTextColor({role});
+    window_->displayIfNeeded();
     EXPECT_TRUE([[native textColor] isEqual:expected]) << static_cast<int>(role);
   }
   label_->setTextColor({ColorRole::SystemGreen, 0.14});
+  window_->displayIfNeeded();
   EXPECT_TRUE(
       [[native textColor] isEqual:[[NSColor systemGreenColor] colorWithAlphaComponent:0.14]]);
 }
@@ -130,7 +134,8 @@ TEST_F(ViewsTest, ABoxIsUpdatedWhenItIsMarkedAndNotBefore) {
   EXPECT_GT(updates, 0);
   box_->fill = {ColorRole::SystemGreen};
   EXPECT_FALSE([native needsDisplay]);
-  box_->setNeedsDisplay();
+  box_->needsDisplay = true;
+  window_->displayIfNeeded();
   EXPECT_TRUE([native needsDisplay]);
   [nativeWindow() displayIfNeeded];
   EXPECT_EQ(box_->updates, updates + 1);

@@ -10,7 +10,7 @@ namespace {
 TEST_F(WindowTest, TheWindowIsTitledAndClosableAndFloatsAndIsKeptWhenClosed) {
   makeWindow();
   EXPECT_EQ([nativeWindow() styleMask], NSWindowStyleMaskTitled | NSWindowStyleMaskClosable);
-  EXPECT_EQ([nativeWindow() level], 3);
+  EXPECT_EQ([nativeWindow() level], NSFloatingWindowLevel);
   EXPECT_FALSE([nativeWindow() isReleasedWhenClosed]);
   EXPECT_FALSE([nativeWindow() isVisible]);
 }

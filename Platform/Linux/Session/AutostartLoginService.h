@@ -2,8 +2,7 @@
 
 #include <string>
 
-#include "Platform/LoginService.h"
-#include "Platform/SystemLog.h"
+#include "Platform/Services.h"
 
 namespace zephlin {
 

@@ -6,8 +6,7 @@
 #include <set>
 #include <string>
 
-#include "Platform/SystemLog.h"
-#include "Platform/UserDefaults.h"
+#include "Platform/Services.h"
 
 namespace zephlin {
 

@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "Base/FileDescriptor.h"
-#include "Platform/SystemLog.h"
+#include "Platform/Services.h"
 
 namespace zephlin {
 

@@ -12,7 +12,7 @@ namespace {
 
 /// To QAction an ampersand marks a mnemonic.
 QString textOf(const MenuItem& item) {
-  return QString::fromStdString(item.title()).replace(u'&', QLatin1String("&&"));
+  return QString::fromStdString(item.title).replace(u'&', QLatin1String("&&"));
 }
 
 /// Command is Control on this desktop.
@@ -62,10 +62,6 @@ QtMenuTranslation::QtMenuTranslation(std::shared_ptr<Menu> menu,
   showItems();
 }
 
-QtMenuTranslation::~QtMenuTranslation() {
-  detachItems();
-}
-
 void QtMenuTranslation::update() {
   if (const auto delegate = menu_->delegate.lock()) {
     delegate->menuNeedsUpdate(*menu_);
@@ -74,7 +70,6 @@ void QtMenuTranslation::update() {
 }
 
 void QtMenuTranslation::showItems() {
-  detachItems();
   const auto& items = menu_->items();
   for (std::size_t index = 0; index < items.size(); ++index) {
     show(items[index], index);
@@ -84,14 +79,22 @@ void QtMenuTranslation::showItems() {
   }
 }
 
+void QtMenuTranslation::showTitles() {
+  const auto actions = qtMenu_.actions();
+  const auto& items = menu_->items();
+  for (std::size_t index = 0; index < items.size(); ++index) {
+    if (QAction* const action = actions.value(static_cast<qsizetype>(index))) {
+      action->setText(textOf(*items[index]));
+    }
+  }
+}
+
 void QtMenuTranslation::show(const std::shared_ptr<MenuItem>& item, std::size_t index) {
   QAction& action = actionAt(index, *item);
   action.setText(textOf(*item));
   action.setShortcut(shortcutOf(*item));
   action.setEnabled(isEnabled(*menu_, *item));
   action.setChecked(static_cast<bool>(item->isChecked));
-  item->titleDidChange = [&action, shown = item.get()] { action.setText(textOf(*shown)); };
-  items_.push_back(item);
   action.disconnect(&context_);
   QObject::connect(
       &action, &QAction::triggered, &context_, [this, chosen = item->action] { perform(chosen); },
@@ -119,15 +122,6 @@ void QtMenuTranslation::perform(const MenuAction& action) {
   if (alive && !isTerminating_()) {
     update();
   }
-}
-
-void QtMenuTranslation::detachItems() {
-  for (const auto& weak : items_) {
-    if (const auto item = weak.lock()) {
-      item->titleDidChange = nullptr;
-    }
-  }
-  items_.clear();
 }
 
 }  // namespace zephlin

@@ -4,7 +4,6 @@
 #include <QObject>
 #include <functional>
 #include <memory>
-#include <vector>
 
 #include "Platform/Menu.h"
 
@@ -23,24 +22,24 @@ class QtMenuTranslation {
   QtMenuTranslation(std::shared_ptr<Menu> menu, std::function<bool()> isTerminating);
   QtMenuTranslation(const QtMenuTranslation&) = delete;
   QtMenuTranslation& operator=(const QtMenuTranslation&) = delete;
-  ~QtMenuTranslation();
+  ~QtMenuTranslation() = default;
 
   /// Lives as long as the translation. Actions run when control is back in the event loop.
   [[nodiscard]] QMenu& qtMenu() { return qtMenu_; }
 
   /// Asks the delegate for the items and shows them.
   void update();
+  /// Gives the entries the titles that the items have now.
+  void showTitles();
 
  private:
   void showItems();
   void show(const std::shared_ptr<MenuItem>& item, std::size_t index);
   QAction& actionAt(std::size_t index, const MenuItem& item);
   void perform(const MenuAction& action);
-  void detachItems();
 
   std::shared_ptr<Menu> menu_;
   std::function<bool()> isTerminating_;
-  std::vector<std::weak_ptr<MenuItem>> items_;
   QMenu qtMenu_;
   // Destroyed first: what is still queued does not run.
   QObject context_;

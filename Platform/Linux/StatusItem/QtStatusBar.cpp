@@ -36,6 +36,7 @@ class QtStatusItem final : public StatusItem {
   void setButtonImage(const std::optional<SymbolImage>& image) override;
   void setButtonToolTip(const std::string& text) override;
   void setMenu(std::shared_ptr<Menu> menu) override;
+  void menuTitlesDidChange() override;
 
  private:
   void appearIn(TrayKind kind);
@@ -90,6 +91,12 @@ void QtStatusItem::setMenu(std::shared_ptr<Menu> menu) {
   if (tray_) {
     // The delegate is not called from within a call of its own.
     nextPass_.start();
+  }
+}
+
+void QtStatusItem::menuTitlesDidChange() {
+  if (menu_) {
+    menu_->showTitles();
   }
 }
 
@@ -157,6 +164,7 @@ class HiddenStatusItem final : public StatusItem {
   void setButtonImage(const std::optional<SymbolImage>& /*image*/) override {}
   void setButtonToolTip(const std::string& /*text*/) override {}
   void setMenu(std::shared_ptr<Menu> /*menu*/) override {}
+  void menuTitlesDidChange() override {}
 };
 
 }  // namespace
@@ -164,7 +172,7 @@ class HiddenStatusItem final : public StatusItem {
 QtStatusBar::QtStatusBar(std::function<bool()> isTerminating)
     : isTerminating_(std::move(isTerminating)) {}
 
-std::unique_ptr<StatusItem> QtStatusBar::makeStatusItem(double /*length*/) {
+std::unique_ptr<StatusItem> QtStatusBar::makeStatusItem() {
   if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
     return std::make_unique<HiddenStatusItem>();
   }

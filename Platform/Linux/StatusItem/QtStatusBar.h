@@ -14,9 +14,8 @@ class QtStatusBar final : public StatusBar {
   /// `isTerminating` returns whether the application was asked to terminate.
   explicit QtStatusBar(std::function<bool()> isTerminating);
 
-  /// An item as high as the panel; panels here ignore the length. Without a display (Qt's platform
-  /// "offscreen") the item has no button.
-  std::unique_ptr<StatusItem> makeStatusItem(double length) override;
+  /// Without a display (Qt's platform "offscreen") the item has no button.
+  std::unique_ptr<StatusItem> makeStatusItem() override;
   std::optional<SymbolImage> systemSymbol(const std::string& name,
                                           const std::string& accessibilityDescription) override;
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "Base/FileDescriptor.h"
-#include "Platform/HidDevices.h"
+#include "Platform/Observation.h"
 
 struct libevdev;
 

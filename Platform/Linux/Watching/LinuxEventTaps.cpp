@@ -78,15 +78,12 @@ LinuxEventTaps::LinuxEventTaps(WindowSystem desktop, std::function<bool()> holds
 
 LinuxEventTaps::~LinuxEventTaps() = default;
 
-std::unique_ptr<Observation> LinuxEventTaps::listen(
-    std::uint64_t mask, std::function<void(EventType type, ModifierFlags flags)> callback) {
-  if (mask != eventMask(EventType::FlagsChanged)) {
-    return nullptr;
-  }
+std::unique_ptr<Observation> LinuxEventTaps::listenToFlagsChanged(
+    std::function<void(ModifierFlags flags)> callback) {
   auto deliver = [isHeldBack = holdsInputBack_,
                   callback = std::move(callback)](ModifierFlags flags) {
     if (!isHeldBack()) {
-      callback(EventType::FlagsChanged, flags);
+      callback(flags);
     }
   };
   return desktop_ == WindowSystem::X11

@@ -5,14 +5,14 @@
 #include <memory>
 #include <string>
 
-#include "Platform/EventTap.h"
+#include "Platform/Keyboard.h"
 #include "Platform/Linux/Watching/WindowSystem.h"
 
 namespace zephlin {
 
 class X11KeyboardState;
 
-/// Only changes of modifiers can be listened to. Under X11 they come from the X server's keyboard
+/// Changes of modifiers. Under X11 they come from the X server's keyboard
 /// state, with Control as the command key. Under Wayland only Caps Lock is known, from the
 /// keyboards' LEDs, which the compositor sets: changes only if the user may read the event devices,
 /// the first one preceded by the state before it; the current state in any case.
@@ -27,9 +27,8 @@ class LinuxEventTaps final : public EventTaps {
   LinuxEventTaps& operator=(const LinuxEventTaps&) = delete;
   ~LinuxEventTaps() override;
 
-  std::unique_ptr<Observation> listen(
-      std::uint64_t mask,
-      std::function<void(EventType type, ModifierFlags flags)> callback) override;
+  std::unique_ptr<Observation> listenToFlagsChanged(
+      std::function<void(ModifierFlags flags)> callback) override;
   /// No flags if they cannot be read.
   ModifierFlags currentModifierFlags() override;
 

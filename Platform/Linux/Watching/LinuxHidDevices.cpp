@@ -2,7 +2,6 @@
 
 #include <linux/input-event-codes.h>
 
-#include <cerrno>
 #include <utility>
 
 #include "Platform/Linux/Watching/EndableCallback.h"
@@ -14,11 +13,6 @@
 namespace zephlin {
 
 namespace {
-
-bool matchesCapsLock(const HidInputMatching& matching) {
-  return matching.deviceUsagePage == 1 && matching.deviceUsage == 6 && matching.usagePage == 7 &&
-         matching.usage == 57;
-}
 
 class AppearedObservation final : public Observation {
  public:
@@ -42,22 +36,16 @@ LinuxHidDevices::LinuxHidDevices(WindowSystem desktop, std::function<bool()> hol
       holdsInputBack_(std::move(holdsInputBack)),
       socketPath_(std::move(socketPath)) {}
 
-std::unique_ptr<Observation> LinuxHidDevices::observeAppeared(const std::string& serviceClass,
-                                                              std::function<void()> callback) {
-  if (serviceClass != "IOHIDDevice") {
-    return nullptr;
-  }
+std::unique_ptr<Observation> LinuxHidDevices::observeDeviceAppeared(
+    std::function<void()> callback) {
   return std::make_unique<AppearedObservation>(socketPath_, std::move(callback));
 }
 
-std::variant<std::unique_ptr<Observation>, std::int32_t> LinuxHidDevices::openInput(
-    const HidInputMatching& matching, std::function<void(std::int64_t value)> callback) {
-  if (!matchesCapsLock(matching)) {
-    return ENOTSUP;
-  }
+std::variant<std::unique_ptr<Observation>, std::int32_t> LinuxHidDevices::openCapsLockKey(
+    std::function<void(bool isDown)> callback) {
   auto deliver = [isHeldBack = holdsInputBack_, callback = std::move(callback)](int value) {
     if (!isHeldBack()) {
-      callback(value);
+      callback(value != 0);
     }
   };
   return desktop_ == WindowSystem::X11

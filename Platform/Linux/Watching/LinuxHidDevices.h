@@ -7,7 +7,7 @@
 #include <variant>
 
 #include "KeyboardService/Protocol/Transport.h"
-#include "Platform/HidDevices.h"
+#include "Platform/Keyboard.h"
 #include "Platform/Linux/Watching/WindowSystem.h"
 
 namespace zephlin {
@@ -17,18 +17,17 @@ namespace zephlin {
 /// no cost while nothing happens. A keyboard service that starts during an observation counts as an
 /// appearing device, because properties do not outlive the service.
 ///
-/// The only input known is the Caps Lock key of keyboards. Error codes are errno's: ENOTSUP for any
-/// other input, those of `openX11CapsLockKey` under X11, and those of `openEventDevices` elsewhere.
+/// Error codes are errno's: those of `openX11CapsLockKey` under X11, and those of
+/// `openEventDevices` elsewhere.
 class LinuxHidDevices final : public HidDevices {
  public:
   /// `holdsInputBack` returns whether a menu of this process is open or an alert is modal.
   LinuxHidDevices(WindowSystem desktop, std::function<bool()> holdsInputBack,
                   std::string socketPath = std::string(defaultSocketPath));
 
-  std::unique_ptr<Observation> observeAppeared(const std::string& serviceClass,
-                                               std::function<void()> callback) override;
-  std::variant<std::unique_ptr<Observation>, std::int32_t> openInput(
-      const HidInputMatching& matching, std::function<void(std::int64_t value)> callback) override;
+  std::unique_ptr<Observation> observeDeviceAppeared(std::function<void()> callback) override;
+  std::variant<std::unique_ptr<Observation>, std::int32_t> openCapsLockKey(
+      std::function<void(bool isDown)> callback) override;
 
  private:
   WindowSystem desktop_;

@@ -5,7 +5,7 @@
 #include <memory>
 #include <variant>
 
-#include "Platform/HidDevices.h"
+#include "Platform/Observation.h"
 
 namespace zephlin {
 

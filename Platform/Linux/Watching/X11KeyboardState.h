@@ -4,7 +4,7 @@
 #include <memory>
 #include <utility>
 
-#include "Platform/HidDevices.h"
+#include "Platform/Keyboard.h"
 #include "Platform/Linux/Watching/X11Connection.h"
 #include "Platform/Menu.h"
 

@@ -65,11 +65,14 @@ FixedDigitLine::FixedDigitLine(const QString& text, const Advance& advance) {
   }
 }
 
-LabelWidget::LabelWidget(std::shared_ptr<Label> label, QWidget* parent)
-    : QLabel(parent), label_(std::move(label)), hook_(*label_, [this] { followLabel(); }) {
+LabelWidget::LabelWidget(Label& label, QWidget* parent) : QLabel(parent), label_(label) {
   setTextFormat(Qt::PlainText);
-  setFont(realise(label_->font));
-  followLabel();
+  setFont(realise(label_.style.font));
+  setAlignment(
+      (label_.style.alignment == TextAlignment::Center ? Qt::AlignHCenter : Qt::AlignLeading) |
+      Qt::AlignVCenter);
+  setText(QString::fromStdString(label_.text()));
+  label_.needsDisplay = false;
 }
 
 QSize LabelWidget::sizeHint() const {
@@ -77,8 +80,8 @@ QSize LabelWidget::sizeHint() const {
   if (!wraps()) {
     return {natural, fontMetrics().height()};
   }
-  const int width = label_->preferredMaxLayoutWidth
-                        ? std::min(natural, static_cast<int>(*label_->preferredMaxLayoutWidth))
+  const int width = label_.style.preferredMaxLayoutWidth
+                        ? std::min(natural, static_cast<int>(*label_.style.preferredMaxLayoutWidth))
                         : natural;
   return {width, heightForWidth(width)};
 }
@@ -95,12 +98,12 @@ int LabelWidget::heightForWidth(int width) const {
 
 void LabelWidget::paintEvent(QPaintEvent*) {
   QPainter painter(this);
-  painter.setPen(resolve(label_->textColor(), appearanceOf(palette())));
+  painter.setPen(resolve(label_.textColor(), appearanceOf(palette())));
   // A line that has less room than it needs shrinks, so that nothing is cut off.
   const qreal scale = wraps() ? 1 : std::min(1.0, width() / lineWidth());
   painter.scale(scale, scale);
   const QRectF box(0, 0, width() / scale, height() / scale);
-  if (wraps() || !label_->font.monospacedDigits) {
+  if (wraps() || !label_.style.font.monospacedDigits) {
     painter.drawText(box, drawingFlags(), text());
   } else {
     drawDigitLine(painter, box);
@@ -124,8 +127,8 @@ FixedDigitLine LabelWidget::digitLine() const {
 }
 
 qreal LabelWidget::lineWidth() const {
-  return label_->font.monospacedDigits ? digitLine().width()
-                                       : QFontMetricsF(font()).horizontalAdvance(text());
+  return label_.style.font.monospacedDigits ? digitLine().width()
+                                            : QFontMetricsF(font()).horizontalAdvance(text());
 }
 
 int LabelWidget::drawingFlags() const {
@@ -133,11 +136,11 @@ int LabelWidget::drawingFlags() const {
   return wraps() ? flags | Qt::TextWordWrap : flags;
 }
 
-void LabelWidget::followLabel() {
-  label_->needsDisplay = false;
-  setAlignment((label_->alignment == TextAlignment::Center ? Qt::AlignHCenter : Qt::AlignLeading) |
-               Qt::AlignVCenter);
-  if (const QString wanted = QString::fromStdString(label_->text()); wanted != text()) {
+void LabelWidget::displayIfNeeded() {
+  if (!std::exchange(label_.needsDisplay, false)) {
+    return;
+  }
+  if (const QString wanted = QString::fromStdString(label_.text()); wanted != text()) {
     setText(wanted);
     if (textDidChange) {
       textDidChange();

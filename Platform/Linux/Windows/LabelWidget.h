@@ -3,27 +3,11 @@
 #include <QLabel>
 #include <QString>
 #include <functional>
-#include <memory>
-#include <utility>
 #include <vector>
 
 #include "Platform/Views.h"
 
 namespace zephlin {
-
-/// While it lives, calls back whenever the view needs display. The view outlives it. Main thread.
-class DisplayHook {
- public:
-  DisplayHook(View& view, std::function<void()> needsDisplay) : view_(view) {
-    view_.onNeedsDisplay = std::move(needsDisplay);
-  }
-  DisplayHook(const DisplayHook&) = delete;
-  DisplayHook& operator=(const DisplayHook&) = delete;
-  ~DisplayHook() { view_.onNeedsDisplay = nullptr; }
-
- private:
-  View& view_;
-};
 
 /// Lays out a line of text in which every digit takes the width of the widest one and is centred in
 /// it, so that a text does not jump when its digits change. Needed because Qt before 6.7 cannot ask
@@ -50,11 +34,14 @@ class FixedDigitLine {
   qreal width_ = 0;
 };
 
-/// Shows a label and follows its text and its colour. It is a QLabel for screen readers and focus,
+/// Shows a label, which it must not outlive. It is a QLabel for screen readers and focus,
 /// with its own sizes and painting. A point is a device-independent pixel. Main thread.
 class LabelWidget final : public QLabel {
  public:
-  LabelWidget(std::shared_ptr<Label> label, QWidget* parent);
+  LabelWidget(Label& label, QWidget* parent);
+
+  /// Shows the label's text and colour if it needs display.
+  void displayIfNeeded();
 
   [[nodiscard]] QSize sizeHint() const override;
   /// Never less than the text needs, in one line or at the width where it wraps.
@@ -69,15 +56,13 @@ class LabelWidget final : public QLabel {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  [[nodiscard]] bool wraps() const { return label_->kind == Label::Kind::Wrapping; }
+  [[nodiscard]] bool wraps() const { return label_.style.kind == Label::Kind::Wrapping; }
   [[nodiscard]] qreal lineWidth() const;
   [[nodiscard]] int drawingFlags() const;
   [[nodiscard]] FixedDigitLine digitLine() const;
   void drawDigitLine(QPainter& painter, const QRectF& box) const;
-  void followLabel();
 
-  const std::shared_ptr<Label> label_;
-  DisplayHook hook_;
+  Label& label_;
 };
 
 }  // namespace zephlin

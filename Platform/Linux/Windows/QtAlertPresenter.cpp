@@ -12,12 +12,8 @@ namespace {
 
 constexpr int iconSize = 64;
 
-void setIcon(QMessageBox& box, AlertStyle style) {
-  switch (style) {
-    case AlertStyle::Informational:
-      box.setIcon(QMessageBox::Information);
-      break;
-  }
+void setIcon(QMessageBox& box) {
+  box.setIcon(QMessageBox::Information);
   if (const QIcon icon = QApplication::windowIcon(); !icon.isNull()) {
     box.setIconPixmap(icon.pixmap(QSize(iconSize, iconSize), box.devicePixelRatioF()));
   }
@@ -60,7 +56,7 @@ void QtAlertPresenter::runModal(const Alert& alert) {
   box.setText(
       QStringLiteral("<b>%1</b>").arg(QString::fromStdString(alert.messageText).toHtmlEscaped()));
   box.setInformativeText(QString::fromStdString(alert.informativeText));
-  setIcon(box, alert.style);
+  setIcon(box);
   addButtons(box, alert);
   comeToFront(box);
   box.exec();

@@ -3,7 +3,7 @@
 #include <QMessageBox>
 #include <QPointer>
 
-#include "Platform/Alert.h"
+#include "Platform/Window.h"
 
 namespace zephlin {
 

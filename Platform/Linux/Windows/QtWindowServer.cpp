@@ -26,7 +26,7 @@ constexpr Qt::WindowFlags floatingDialog = Qt::Dialog | Qt::CustomizeWindowHint 
 /// hides. The delegate is called when the user closes it, not when the application ends.
 class WindowWidget final : public QWidget {
  public:
-  WindowWidget(const WindowDescription& description, const std::shared_ptr<View>& contentView);
+  WindowWidget(const WindowDescription& description, std::shared_ptr<View> contentView);
 
   [[nodiscard]] QWidget& content() const { return *content_; }
   /// From now on the window has the size of its content, also when that grows.
@@ -43,12 +43,15 @@ class WindowWidget final : public QWidget {
  private:
   void tellDelegateAndHide();
 
+  // What the widgets show.
+  const std::shared_ptr<View> contentView_;
   QWidget* content_;
 };
 
-WindowWidget::WindowWidget(const WindowDescription& description,
-                           const std::shared_ptr<View>& contentView)
-    : QWidget(nullptr, floatingDialog), content_(realise(contentView, this)) {
+WindowWidget::WindowWidget(const WindowDescription& description, std::shared_ptr<View> contentView)
+    : QWidget(nullptr, floatingDialog),
+      contentView_(std::move(contentView)),
+      content_(realise(*contentView_, this)) {
   setWindowTitle(QString::fromStdString(description.title));
   setFixedSize(static_cast<int>(description.contentWidth),
                static_cast<int>(description.contentHeight));
@@ -106,8 +109,8 @@ void WindowWidget::tellDelegateAndHide() {
 
 class QtWindow final : public Window {
  public:
-  QtWindow(const WindowDescription& description, const std::shared_ptr<View>& contentView)
-      : widget_(description, contentView) {}
+  QtWindow(const WindowDescription& description, std::shared_ptr<View> contentView)
+      : widget_(description, std::move(contentView)) {}
 
   void setDelegate(std::weak_ptr<WindowDelegate> delegate) override {
     widget_.delegate = std::move(delegate);
@@ -115,6 +118,7 @@ class QtWindow final : public Window {
   void setContentSizeToFit() override { widget_.sizeToFitContent(); }
   void center() override { widget_.centerOnScreen(); }
   void makeKeyAndOrderFront() override { widget_.comeToFront(); }
+  void displayIfNeeded() override { zephlin::displayIfNeeded(widget_.content()); }
   std::optional<std::string> contentAsPng() override;
 
  private:
@@ -134,7 +138,7 @@ std::optional<std::string> QtWindow::contentAsPng() {
 
 std::unique_ptr<Window> QtWindowServer::makeWindow(const WindowDescription& description,
                                                    std::shared_ptr<View> contentView) {
-  return std::make_unique<QtWindow>(description, contentView);
+  return std::make_unique<QtWindow>(description, std::move(contentView));
 }
 
 QList<QWidget*> shownWindows() {

@@ -4,7 +4,7 @@
 #include <QWidget>
 #include <memory>
 
-#include "Platform/Views.h"
+#include "Platform/Window.h"
 
 namespace zephlin {
 
@@ -16,8 +16,6 @@ namespace zephlin {
 /// window must not be destroyed from within its delegate's windowWillClose.
 class QtWindowServer final : public WindowServer {
  public:
-  /// The window follows its labels and layers from then on, shown or not. Destroying the window
-  /// releases the views.
   std::unique_ptr<Window> makeWindow(const WindowDescription& description,
                                      std::shared_ptr<View> contentView) override;
 };

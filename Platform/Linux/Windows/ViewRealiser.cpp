@@ -47,32 +47,36 @@ void drawLayer(QPainter& painter, const Layer& layer, const QRectF& bounds, Appe
   painter.drawRoundedRect(bounds.adjusted(inset, inset, -inset, -inset), radius, radius);
 }
 
-/// Shows a view's layer, if it has one, behind its children.
-class ViewWidget final : public QWidget {
+/// Shows a box's layer, if it has one, behind its children.
+class BoxWidget final : public QWidget {
  public:
-  ViewWidget(std::shared_ptr<View> view, QWidget* parent);
+  BoxWidget(Box& box, QWidget* parent) : QWidget(parent), box_(box) {}
+
+  void displayIfNeeded();
 
  protected:
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  const std::shared_ptr<View> view_;
-  DisplayHook hook_;
+  Box& box_;
 };
 
-ViewWidget::ViewWidget(std::shared_ptr<View> view, QWidget* parent)
-    : QWidget(parent), view_(std::move(view)), hook_(*view_, [this] { update(); }) {}
+void BoxWidget::displayIfNeeded() {
+  if (box_.needsDisplay) {
+    update();
+  }
+}
 
-void ViewWidget::paintEvent(QPaintEvent*) {
-  const bool isAskedFor = std::exchange(view_->needsDisplay, false);
-  if (!view_->layer) {
+void BoxWidget::paintEvent(QPaintEvent*) {
+  const bool isAskedFor = std::exchange(box_.needsDisplay, false);
+  if (!box_.layer) {
     return;
   }
   if (isAskedFor) {
-    view_->updateLayer();
+    box_.updateLayer();
   }
   QPainter painter(this);
-  drawLayer(painter, *view_->layer, onPixelEdges(QRectF(rect()), painter.deviceTransform()),
+  drawLayer(painter, *box_.layer, onPixelEdges(QRectF(rect()), painter.deviceTransform()),
             appearanceOf(palette()));
 }
 
@@ -82,16 +86,6 @@ int pixels(double points) {
 
 QMargins margins(const EdgeInsets& insets) {
   return {pixels(insets.left), pixels(insets.top), pixels(insets.right), pixels(insets.bottom)};
-}
-
-QWidget* realiseButton(const std::shared_ptr<Button>& button, QWidget* parent) {
-  auto* widget = new QPushButton(buttonText(button->title), parent);
-  QObject::connect(widget, &QPushButton::clicked, widget, [button] {
-    if (button->action) {
-      button->action();
-    }
-  });
-  return widget;
 }
 
 /// One text of a column ("0") means little without the others, so screen readers get them all as
@@ -110,20 +104,60 @@ void readTogether(const std::vector<LabelWidget*>& labels) {
   rename();
 }
 
-QWidget* realiseStack(const std::shared_ptr<StackView>& stack, QWidget* parent) {
-  auto* widget = new ViewWidget(stack, parent);
-  const bool isVertical = stack->orientation == StackView::Orientation::Vertical;
-  const bool isEqual = stack->distribution == StackView::Distribution::FillEqually;
+/// Makes one widget for the view that it visits.
+class Realiser final : public ViewVisitor {
+ public:
+  explicit Realiser(QWidget* parent) : parent_(parent) {}
+
+  [[nodiscard]] QWidget* made() const { return made_; }
+
+  void visit(Box& box) override;
+  void visit(Label& label) override { made_ = new LabelWidget(label, parent_); }
+  void visit(Button& button) override;
+  void visit(StackView& stack) override;
+
+ private:
+  QWidget* parent_;
+  QWidget* made_ = nullptr;
+};
+
+void Realiser::visit(Box& box) {
+  made_ = new BoxWidget(box, parent_);
+  // All children share one cell, each with its own insets.
+  auto* layout = new QGridLayout(made_);
+  layout->setContentsMargins({});
+  for (const Box::Subview& subview : box.subviews()) {
+    auto* inset = new QVBoxLayout;
+    inset->setContentsMargins(margins(subview.insets));
+    inset->addWidget(realise(*subview.view, made_));
+    layout->addLayout(inset, 0, 0);
+  }
+}
+
+void Realiser::visit(Button& button) {
+  auto* widget = new QPushButton(buttonText(button.title), parent_);
+  QObject::connect(widget, &QPushButton::clicked, widget, [action = button.action] {
+    if (action) {
+      action();
+    }
+  });
+  made_ = widget;
+}
+
+void Realiser::visit(StackView& stack) {
+  made_ = new QWidget(parent_);
+  const bool isVertical = stack.layout.orientation == StackView::Orientation::Vertical;
+  const bool isEqual = stack.layout.distribution == StackView::Distribution::FillEqually;
   auto* layout = new QBoxLayout(isVertical ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
-  layout->setContentsMargins(margins(stack->edgeInsets));
+  layout->setContentsMargins(margins(stack.layout.edgeInsets));
   layout->setSpacing(0);
   std::vector<LabelWidget*> labels;
-  const auto& arranged = stack->arrangedSubviews();
-  for (const auto& view : arranged) {
-    QWidget* const child = realise(view, widget);
+  const auto& arranged = stack.arrangedSubviews();
+  for (const auto& [view, spacingAfter] : arranged) {
+    QWidget* const child = realise(*view, made_);
     layout->addWidget(child, isEqual ? 1 : 0, isVertical ? Qt::AlignHCenter : Qt::AlignVCenter);
-    if (view != arranged.back()) {
-      layout->addSpacing(pixels(stack->spacingAfter(*view)));
+    if (view != arranged.back().view) {
+      layout->addSpacing(pixels(spacingAfter));
     }
     if (auto* label = dynamic_cast<LabelWidget*>(child)) {
       labels.push_back(label);
@@ -132,47 +166,33 @@ QWidget* realiseStack(const std::shared_ptr<StackView>& stack, QWidget* parent) 
   if (labels.size() > 1 && labels.size() == arranged.size()) {
     readTogether(labels);
   }
-  widget->setLayout(layout);
-  return widget;
-}
-
-QWidget* realisePlainView(const std::shared_ptr<View>& view, QWidget* parent) {
-  auto* widget = new ViewWidget(view, parent);
-  // All children share one cell, each with its own insets.
-  auto* layout = new QGridLayout(widget);
-  layout->setContentsMargins({});
-  for (const View::Subview& subview : view->subviews()) {
-    auto* inset = new QVBoxLayout;
-    inset->setContentsMargins(margins(subview.insets));
-    inset->addWidget(realise(subview.view, widget));
-    layout->addLayout(inset, 0, 0);
-  }
-  return widget;
-}
-
-QWidget* realiseKind(const std::shared_ptr<View>& view, QWidget* parent) {
-  if (auto label = std::dynamic_pointer_cast<Label>(view)) {
-    return new LabelWidget(std::move(label), parent);
-  }
-  if (auto button = std::dynamic_pointer_cast<Button>(view)) {
-    return realiseButton(button, parent);
-  }
-  if (auto stack = std::dynamic_pointer_cast<StackView>(view)) {
-    return realiseStack(stack, parent);
-  }
-  return realisePlainView(view, parent);
+  made_->setLayout(layout);
 }
 
 }  // namespace
 
-QWidget* realise(const std::shared_ptr<View>& view, QWidget* parent) {
-  QWidget* const widget = realiseKind(view, parent);
+QWidget* realise(View& view, QWidget* parent) {
+  Realiser realiser(parent);
+  view.accept(realiser);
+  QWidget* const widget = realiser.made();
   // Some styles lay out only part of the widget; insets refer to the whole.
   widget->setAttribute(Qt::WA_LayoutUsesWidgetRect);
-  if (view->fixedWidth) {
-    widget->setFixedWidth(pixels(*view->fixedWidth));
+  if (view.fixedWidth) {
+    widget->setFixedWidth(pixels(*view.fixedWidth));
   }
   return widget;
+}
+
+void displayIfNeeded(QWidget& realised) {
+  QList<QWidget*> widgets = realised.findChildren<QWidget*>();
+  widgets.append(&realised);
+  for (QWidget* const widget : widgets) {
+    if (auto* const label = dynamic_cast<LabelWidget*>(widget)) {
+      label->displayIfNeeded();
+    } else if (auto* const box = dynamic_cast<BoxWidget*>(widget)) {
+      box->displayIfNeeded();
+    }
+  }
 }
 
 QString buttonText(const std::string& title) {

@@ -2,16 +2,19 @@
 
 #include <QString>
 #include <QWidget>
-#include <memory>
 #include <string>
 
 #include "Platform/Views.h"
 
 namespace zephlin {
 
-/// A widget that shows the view and its subviews, laid out, and follows their changes. The widget
-/// belongs to `parent` and keeps the views alive; views may outlive it. Main thread.
-QWidget* realise(const std::shared_ptr<View>& view, QWidget* parent);
+/// A widget that shows the view and its subviews, laid out. It belongs to `parent` and must not
+/// outlive the views. Main thread.
+QWidget* realise(View& view, QWidget* parent);
+
+/// Shows the changes of the views that need display, in a widget that `realise` returned. Main
+/// thread.
+void displayIfNeeded(QWidget& realised);
 
 /// A button's title for Qt, where an ampersand would mark a mnemonic.
 QString buttonText(const std::string& title);

@@ -15,7 +15,7 @@ class DelegatingPlatform : public Platform {
   ProcessInfo& processInfo() override { return desktop_.processInfo(); }
   Workspace& workspace() override { return desktop_.workspace(); }
   UserDefaults& standardUserDefaults() override { return desktop_.standardUserDefaults(); }
-  SystemLog& systemLog() override { return desktop_.systemLog(); }
+  std::shared_ptr<SystemLog> systemLog() override { return desktop_.systemLog(); }
   StatusBar& systemStatusBar() override { return desktop_.systemStatusBar(); }
   AlertPresenter& alerts() override { return desktop_.alerts(); }
   WindowServer& windows() override { return desktop_.windows(); }

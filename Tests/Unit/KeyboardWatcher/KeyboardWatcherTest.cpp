@@ -88,8 +88,8 @@ TEST_F(KeyboardWatcherTest, StartOpensEachSourceOnce) {
   EXPECT_EQ(desktop_.hidDevices().appearedObservers(), 1U);
   EXPECT_EQ(desktop_.workspace().wakeObservers(), 1U);
   ASSERT_EQ(desktop_.dispatch().liveTimers().size(), 1U);
-  EXPECT_EQ(desktop_.dispatch().liveTimers()[0].interval.seconds, 300.0);
-  EXPECT_EQ(desktop_.dispatch().liveTimers()[0].tolerance.seconds, 30.0);
+  EXPECT_EQ(desktop_.dispatch().liveTimers()[0].interval, Seconds(300));
+  EXPECT_EQ(desktop_.dispatch().liveTimers()[0].tolerance, Seconds(30));
 }
 
 TEST_F(KeyboardWatcherTest, DevicesAlreadyPresentCauseNoCall) {
@@ -233,7 +233,7 @@ TEST_F(KeyboardWatcherTest, WithoutDeviceObservationTheOtherSourcesStillCall) {
   plugAt(1);
   wakeAt(20);
   EXPECT_EQ(callsUntil(310), (Times{22, 30, 300}));
-  EXPECT_EQ(desktop_.systemLog().entries().size(), 0U);
+  EXPECT_EQ(desktop_.log().entries().size(), 0U);
   watcher_->stop();
   expectNoSources();
 }
@@ -402,24 +402,21 @@ class OrderOfSources final : public DelegatingPlatform,
     opened.push_back(name);
     return std::make_unique<NamedSource<Source>>(name, ended);
   }
-  std::unique_ptr<Observation> observeAppeared(const std::string& serviceClass,
-                                               std::function<void()> /*callback*/) override {
-    return open<Observation>(serviceClass);
+  std::unique_ptr<Observation> observeDeviceAppeared(std::function<void()> /*callback*/) override {
+    return open<Observation>("devices");
   }
-  std::variant<std::unique_ptr<Observation>, std::int32_t> openInput(
-      const HidInputMatching& /*matching*/,
-      std::function<void(std::int64_t value)> /*callback*/) override {
+  std::variant<std::unique_ptr<Observation>, std::int32_t> openCapsLockKey(
+      std::function<void(bool isDown)> /*callback*/) override {
     return open<Observation>("input");
   }
   std::unique_ptr<Observation> observeDidWake(std::function<void()> /*callback*/) override {
     return open<Observation>("wake");
   }
-  MainQueue& mainQueue() override { return desktop_.dispatch().mainQueue(); }
-  std::unique_ptr<SerialQueue> makeSerialQueue(const std::string& label,
-                                               QualityOfService quality) override {
-    return desktop_.dispatch().makeSerialQueue(label, quality);
+  std::shared_ptr<MainQueue> mainQueue() override { return desktop_.dispatch().mainQueue(); }
+  std::unique_ptr<SerialQueue> makeSerialQueue(const std::string& label) override {
+    return desktop_.dispatch().makeSerialQueue(label);
   }
-  std::unique_ptr<Timer> scheduleTimer(Interval /*interval*/, Tolerance /*tolerance*/,
+  std::unique_ptr<Timer> scheduleTimer(Seconds /*interval*/, Seconds /*tolerance*/,
                                        std::function<void()> /*tick*/) override {
     return open<Timer>("timer");
   }
@@ -429,10 +426,10 @@ TEST(KeyboardWatcherSources, AreOpenedInOrderAndLetGoInOrder) {
   OrderOfSources platform;
   const auto watcher = std::make_shared<KeyboardWatcher>(platform, [] {});
   watcher->start();
-  EXPECT_EQ(platform.opened, (Names{"IOHIDDevice", "wake", "timer"}));
+  EXPECT_EQ(platform.opened, (Names{"devices", "wake", "timer"}));
   EXPECT_EQ(platform.ended, Names{});
   watcher->stop();
-  EXPECT_EQ(platform.ended, (Names{"wake", "timer", "IOHIDDevice"}));
+  EXPECT_EQ(platform.ended, (Names{"wake", "timer", "devices"}));
 }
 
 }  // namespace

@@ -10,7 +10,7 @@ namespace zephlin {
 class OpenMenu {
  public:
   explicit OpenMenu(SimulatedDesktop& desktop)
-      : desktop_(desktop), item_(desktop.systemStatusBar().makeStatusItem(squareStatusItemLength)) {
+      : desktop_(desktop), item_(desktop.systemStatusBar().makeStatusItem()) {
     item_->setMenu(std::make_shared<Menu>());
     isOpen_ = desktop_.openMenu();
   }

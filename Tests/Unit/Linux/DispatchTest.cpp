@@ -50,7 +50,7 @@ class LoopTimerTest : public testing::Test {
 
 TEST_F(LoopTimerTest, TheFirstTickIsLateByItsToleranceAtMost) {
   const auto before = std::chrono::steady_clock::now();
-  const LoopTimer timer(Interval{300}, Tolerance{30}, [] {});
+  const LoopTimer timer(Seconds{300}, Seconds{30}, [] {});
   const auto remaining = timer.remainingTime();
   EXPECT_GE(remaining, 300s - (std::chrono::steady_clock::now() - before));
   EXPECT_LE(remaining, 330s);
@@ -59,7 +59,7 @@ TEST_F(LoopTimerTest, TheFirstTickIsLateByItsToleranceAtMost) {
 TEST_F(LoopTimerTest, SoIsEachTickAfterIt) {
   std::unique_ptr<LoopTimer> timer;
   std::vector<std::chrono::milliseconds> remaining;
-  timer = std::make_unique<LoopTimer>(Interval{0.01}, Tolerance{0.02}, [&] {
+  timer = std::make_unique<LoopTimer>(Seconds{0.01}, Seconds{0.02}, [&] {
     remaining.push_back(timer->remainingTime());
     if (remaining.size() == 3) {
       QCoreApplication::quit();
@@ -75,7 +75,7 @@ TEST(LinuxDispatchEnd, WaitsForAllThatItsQueuesHold) {
   std::vector<int> done;
   {
     LinuxDispatch dispatch;
-    const auto queue = dispatch.makeSerialQueue("test", QualityOfService::Utility);
+    const auto queue = dispatch.makeSerialQueue("test");
     for (int i = 0; i < 3; ++i) {
       queue->post([&done, i] {
         std::this_thread::sleep_for(20ms);
@@ -92,7 +92,7 @@ TEST(LinuxDispatchEnd, AbandoningDropsWhatHasNotBegunAndReturnsWhetherAnythingIs
   std::promise<void> mayEnd;
   {
     LinuxDispatch dispatch;
-    auto queue = dispatch.makeSerialQueue("test", QualityOfService::Utility);
+    auto queue = dispatch.makeSerialQueue("test");
     queue->post([&done] { done.emplace_back("dropped while idle"); });
     EXPECT_TRUE(dispatch.abandonSerialQueues());
     queue->post([&] {
@@ -124,7 +124,7 @@ TEST(LinuxDispatchEnd, AbandoningEndsTheChildProcessesOfWorkAndNoOthers) {
   std::promise<int> ended;
   {
     LinuxDispatch dispatch;
-    dispatch.makeSerialQueue("test", QualityOfService::Utility)->post([&] {
+    dispatch.makeSerialQueue("test")->post([&] {
       const pid_t child = spawnSleep();
       begun.set_value();
       int status = 0;
@@ -147,7 +147,7 @@ TEST(SerialQueueThread, BeginsItsFirstWorkWhenTheEventLoopHasHadItsTurn) {
   char* arguments[] = {name, nullptr};
   const QCoreApplication application(count, arguments);
   LinuxDispatch dispatch;
-  const auto queue = dispatch.makeSerialQueue("test", QualityOfService::Utility);
+  const auto queue = dispatch.makeSerialQueue("test");
   std::vector<std::string> order;
   std::promise<void> ended;
   queue->post([&order, &ended] {
@@ -165,8 +165,9 @@ TEST(SerialQueueThread, CarriesTheEndOfTheLabel) {
   std::string name(16, '\0');
   {
     LinuxDispatch dispatch;
-    dispatch.makeSerialQueue("com.quorvenel.zephlin.engine", QualityOfService::Utility)
-        ->post([&name] { ::pthread_getname_np(::pthread_self(), name.data(), name.size()); });
+    dispatch.makeSerialQueue("com.quorvenel.zephlin.engine")->post([&name] {
+      ::pthread_getname_np(::pthread_self(), name.data(), name.size());
+    });
   }
   EXPECT_STREQ(name.c_str(), ".zephlin.engine");
 }

@@ -59,7 +59,7 @@ TEST(RoundedView, WithoutALayerAnUpdateDoesNothing) {
 
 TEST(RoundedView, EmbedsItsChildWithTheInsetsOfEachSide) {
   RoundedView box(green, std::nullopt, 8);
-  const auto child = std::make_shared<View>();
+  const auto child = std::make_shared<Box>();
   const EdgeInsets insets{.top = 1, .left = 2, .bottom = 3, .right = 4};
   box.embed(child, insets);
   ASSERT_EQ(box.subviews().size(), 1U);
@@ -69,7 +69,7 @@ TEST(RoundedView, EmbedsItsChildWithTheInsetsOfEachSide) {
 
 TEST(RoundedView, TakesItsSizeFromItsChild) {
   RoundedView box(green, std::nullopt, 8);
-  box.embed(std::make_shared<View>(), {1, 2, 3, 4});
+  box.embed(std::make_shared<Box>(), {1, 2, 3, 4});
   EXPECT_EQ(box.fixedWidth, std::nullopt);
   EXPECT_EQ(box.subviews()[0].view->fixedWidth, std::nullopt);
 }
@@ -78,7 +78,7 @@ TEST(RoundedView, TakesItsSizeFromItsChild) {
 class RoundedViewInAWindow : public testing::Test {
  protected:
   RoundedViewInAWindow() {
-    const auto content = std::make_shared<View>();
+    const auto content = std::make_shared<Box>();
     content->addSubview(box_, {});
     content->addSubview(neighbour_, {});
     window_ = desktop_.windows().makeWindow({}, content);
@@ -104,12 +104,15 @@ TEST_F(RoundedViewInAWindow, ANewFillAloneIsNotShown) {
   box_->fill = red;
   EXPECT_EQ(shownColor(), green);
   neighbour_->setText("changed");
+  window_->displayIfNeeded();
   EXPECT_EQ(shownColor(), green);
 }
 
 TEST_F(RoundedViewInAWindow, ANewFillIsShownOnceTheBoxNeedsDisplay) {
   box_->fill = red;
-  box_->setNeedsDisplay();
+  box_->needsDisplay = true;
+  EXPECT_EQ(shownColor(), green) << "the window has not been asked";
+  window_->displayIfNeeded();
   EXPECT_EQ(shownColor(), red);
 }
 

@@ -16,7 +16,7 @@ namespace zephlin {
 /// and the views of its window.
 class TapTestFixture : public testing::Test {
  protected:
-  TapTestFixture() { desktop_.setWallTime({0}); }
+  TapTestFixture() { desktop_.setWallTime(WallTime(Seconds(0))); }
 
   void show() { controller_->show(); }
   /// Shows the window; then a modifier tells the event tap the state that Caps Lock is in.
@@ -45,20 +45,21 @@ class TapTestFixture : public testing::Test {
 
   SimulatedWindow& window() { return *desktop_.windows().window(); }
   /// The stack that holds the window's eight views.
-  StackView& stack() { return viewAs<StackView>(*window().contentView->subviews().at(0).view); }
+  Box& container() { return viewAs<Box>(*window().contentView); }
+  StackView& stack() { return viewAs<StackView>(*container().subviews().at(0).view); }
   template <typename Kind>
   Kind& row(std::size_t index) {
-    return viewAs<Kind>(*stack().arrangedSubviews().at(index));
+    return viewAs<Kind>(*stack().arrangedSubviews().at(index).view);
   }
   RoundedView& card(std::size_t index) {
-    return viewAs<RoundedView>(*row<StackView>(2).arrangedSubviews().at(index));
+    return viewAs<RoundedView>(*row<StackView>(2).arrangedSubviews().at(index).view);
   }
   StackView& cardStack(std::size_t index) {
     return viewAs<StackView>(*card(index).subviews().at(0).view);
   }
   /// The count (0) or the caption (1) of a card.
   Label& cardLabel(std::size_t index, std::size_t line) {
-    return viewAs<Label>(*cardStack(index).arrangedSubviews().at(line));
+    return viewAs<Label>(*cardStack(index).arrangedSubviews().at(line).view);
   }
   RoundedView& pill() { return row<RoundedView>(3); }
   Label& verdict() { return viewAs<Label>(*pill().subviews().at(0).view); }

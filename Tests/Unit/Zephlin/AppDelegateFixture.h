@@ -45,7 +45,7 @@ class AppDelegateTest : public testing::Test {
   std::vector<std::string> menuTitles() {
     std::vector<std::string> titles;
     for (const auto& item : desktop_.systemStatusBar().menuItems()) {
-      titles.push_back(item->isSeparator ? "-" : item->title());
+      titles.push_back(item->isSeparator ? "-" : item->title);
     }
     return titles;
   }
@@ -60,7 +60,7 @@ class AppDelegateTest : public testing::Test {
   }
 
   const std::string& toolTip() { return desktop_.systemStatusBar().item().toolTip; }
-  const std::vector<std::string>& logged() { return desktop_.systemLog().entries(); }
+  const std::vector<std::string>& logged() { return desktop_.log().entries(); }
 
   /// When hidutil was told to set this value.
   std::vector<double> timesOfSets(std::int64_t value) {

@@ -46,12 +46,11 @@ class NotedDispatch final : public Dispatch {
  public:
   NotedDispatch(Dispatch& dispatch, Steps& steps) : dispatch_(dispatch), steps_(steps) {}
 
-  MainQueue& mainQueue() override { return dispatch_.mainQueue(); }
-  std::unique_ptr<SerialQueue> makeSerialQueue(const std::string& label,
-                                               QualityOfService quality) override {
-    return std::make_unique<NotedQueue>(dispatch_.makeSerialQueue(label, quality), steps_);
+  std::shared_ptr<MainQueue> mainQueue() override { return dispatch_.mainQueue(); }
+  std::unique_ptr<SerialQueue> makeSerialQueue(const std::string& label) override {
+    return std::make_unique<NotedQueue>(dispatch_.makeSerialQueue(label), steps_);
   }
-  std::unique_ptr<Timer> scheduleTimer(Interval interval, Tolerance tolerance,
+  std::unique_ptr<Timer> scheduleTimer(Seconds interval, Seconds tolerance,
                                        std::function<void()> tick) override {
     return dispatch_.scheduleTimer(interval, tolerance, std::move(tick));
   }
@@ -68,7 +67,7 @@ class NotedApplication final : public Application {
   void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override {
     steps_.note(delegate.expired() ? "no delegate" : "delegate");
   }
-  void setActivationPolicy(ActivationPolicy) override { steps_.note("policy"); }
+  void becomeAccessory() override { steps_.note("policy"); }
   void setMainMenu(std::shared_ptr<Menu>) override { steps_.note("main menu"); }
   bool handOverToRunningInstance() override { return false; }
   void activateIgnoringOtherApps() override {}

@@ -28,7 +28,7 @@ class RecordingApplication final : public Application {
   void setDelegate(std::weak_ptr<ApplicationDelegate> /*delegate*/) override {
     calls.emplace_back("delegate");
   }
-  void setActivationPolicy(ActivationPolicy /*policy*/) override { calls.emplace_back("policy"); }
+  void becomeAccessory() override { calls.emplace_back("policy"); }
   void setMainMenu(std::shared_ptr<Menu> /*menu*/) override { calls.emplace_back("main menu"); }
   bool handOverToRunningInstance() override { return false; }
   void activateIgnoringOtherApps() override { calls.emplace_back("activation"); }
@@ -65,7 +65,7 @@ TEST_F(Launch, ConstructionStartsTheUpdaterAndNothingElse) {
 TEST_F(Launch, RunningTheApplicationSetsItUpAsAnAccessoryWithItsMenu) {
   desktop_.after(1, [this] { desktop_.pressKeyEquivalent("q"); });
   EXPECT_EQ(runApplication(desktop_), 0);
-  EXPECT_EQ(desktop_.application().activationPolicy(), ActivationPolicy::Accessory);
+  EXPECT_TRUE(desktop_.application().isAccessory());
   EXPECT_NE(desktop_.application().mainMenu(), nullptr);
   EXPECT_TRUE(desktop_.application().hasTerminated());
   EXPECT_EQ(applies(), 1U);

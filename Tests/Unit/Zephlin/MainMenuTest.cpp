@@ -18,7 +18,7 @@ std::vector<Entry> entriesOf(const Menu& menu) {
   std::vector<Entry> entries;
   for (const auto& item : menu.items()) {
     entries.push_back(item->isSeparator ? Entry{"-", "", 0}
-                                        : Entry{item->title(), item->keyEquivalent,
+                                        : Entry{item->title, item->keyEquivalent,
                                                 item->keyEquivalentModifierMask});
   }
   return entries;

@@ -4,28 +4,15 @@
 #import <CoreGraphics/CoreGraphics.h>
 #import <ServiceManagement/ServiceManagement.h>
 
-#include <cstdint>
-
-#include "Platform/Application.h"
-#include "Platform/EventTap.h"
-#include "Platform/LoginService.h"
-#include "Platform/Menu.h"
-#include "Platform/StatusBar.h"
-#include "Platform/Views.h"
+#include "Platform/Keyboard.h"
+#include "Platform/Services.h"
 
 namespace zephlin {
-
-static_assert(NSInteger{static_cast<int>(ActivationPolicy::Accessory)} ==
-              NSApplicationActivationPolicyAccessory);
-static_assert(NSInteger{static_cast<int>(WindowLevel::Floating)} == NSFloatingWindowLevel);
 
 static_assert(modifierCapsLock == NSEventModifierFlagCapsLock);
 static_assert(modifierShift == NSEventModifierFlagShift);
 static_assert(modifierCommand == NSEventModifierFlagCommand);
 static_assert(modifierCapsLock == kCGEventFlagMaskAlphaShift);
-
-static_assert(std::uint32_t(EventType::FlagsChanged) == kCGEventFlagsChanged);
-static_assert(std::uint32_t(EventType::TapDisabledByTimeout) == kCGEventTapDisabledByTimeout);
 
 static_assert(NSInteger{static_cast<int>(LoginServiceStatus::NotRegistered)} ==
               SMAppServiceStatusNotRegistered);
@@ -35,7 +22,5 @@ static_assert(NSInteger{static_cast<int>(LoginServiceStatus::RequiresApproval)} 
               SMAppServiceStatusRequiresApproval);
 static_assert(NSInteger{static_cast<int>(LoginServiceStatus::NotFound)} ==
               SMAppServiceStatusNotFound);
-
-static_assert(squareStatusItemLength == NSSquareStatusItemLength);
 
 }  // namespace zephlin

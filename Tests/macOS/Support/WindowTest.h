@@ -9,9 +9,9 @@
 
 namespace zephlin::test {
 /// A box whose colour is read when its layer is updated.
-class Box : public View {
+class CountingBox : public Box {
  public:
-  Box() { layer = Layer(); }
+  CountingBox() : Box(100) { layer = Layer(); }
   void updateLayer() override {
     ++updates;
     *layer = {.cornerRadius = 8,
@@ -46,16 +46,9 @@ class WindowTest : public MacTest {
  protected:
   WindowTest() {
     box_->addSubview(label_, {.top = 9, .left = 14, .bottom = 7, .right = 10});
-    box_->fixedWidth = 100;
-    stack_->spacing = 12;
-    stack_->edgeInsets = {.top = 22, .left = 24, .bottom = 16, .right = 24};
-    stack_->addArrangedSubview(box_);
-    stack_->setCustomSpacing(4, *box_);
+    stack_->addArrangedSubview(box_, 4);
     stack_->addArrangedSubview(std::make_shared<Button>("Reset", [this] { ++presses_; }));
     content_->addSubview(stack_, {});
-    content_->fixedWidth = 148;
-    label_->font = {.pointSize = 11, .weight = FontWeight::Bold, .monospacedDigits = true};
-    label_->alignment = TextAlignment::Center;
   }
 
   Window& makeWindow() {
@@ -67,10 +60,14 @@ class WindowTest : public MacTest {
   static NSWindow* nativeWindow() { return windowTitled("Tap Test"); }
   static NSView* nativeContent() { return [nativeWindow() contentView]; }
 
-  std::shared_ptr<Label> label_ = std::make_shared<Label>("0");
-  std::shared_ptr<Box> box_ = std::make_shared<Box>();
-  std::shared_ptr<StackView> stack_ = std::make_shared<StackView>(StackView::Orientation::Vertical);
-  std::shared_ptr<View> content_ = std::make_shared<View>();
+  std::shared_ptr<Label> label_ = std::make_shared<Label>(
+      "0",
+      Label::Style{.font = {.pointSize = 11, .weight = FontWeight::Bold, .monospacedDigits = true},
+                   .alignment = TextAlignment::Center});
+  std::shared_ptr<CountingBox> box_ = std::make_shared<CountingBox>();
+  std::shared_ptr<StackView> stack_ = std::make_shared<StackView>(StackView::Layout{
+      .spacing = 12, .edgeInsets = {.top = 22, .left = 24, .bottom = 16, .right = 24}});
+  std::shared_ptr<Box> content_ = std::make_shared<Box>(148);
   int presses_ = 0;
   std::unique_ptr<Window> window_;
 };

@@ -105,23 +105,18 @@ TEST_F(QtMenuTranslationTest, ItemsThatComeAndGoLeaveTheOthersInOrder) {
   EXPECT_EQ(entry(quit).text().toStdString(), "Quit");
 }
 
-TEST_F(QtMenuTranslationTest, ATitleThatChangesIsShownAtOnce) {
-  sample_->statusLine.lock()->setTitle("On & on");
+TEST_F(QtMenuTranslationTest, ATitleThatChangesIsShownWhenAsked) {
+  sample_->statusLine.lock()->title = "On & on";
+  translation_->showTitles();
   EXPECT_EQ(entry(statusLine).text().toStdString(), "On && on");
 }
 
 TEST_F(QtMenuTranslationTest, AnItemOfAnEarlierBuildChangesNothing) {
   const auto former = sample_->statusLine.lock();
   translation_->update();
-  former->setTitle("Outdated");
+  former->title = "Outdated";
+  translation_->showTitles();
   EXPECT_EQ(entry(statusLine).text().toStdString(), "Checking…");
-}
-
-TEST_F(QtMenuTranslationTest, AnItemMayOutliveTheTranslation) {
-  const auto item = sample_->statusLine.lock();
-  translation_.reset();
-  item->setTitle("Nobody shows this");
-  EXPECT_FALSE(item->titleDidChange);
 }
 
 TEST_F(QtMenuTranslationTest, OpeningTheMenuAsksForFreshItems) {

@@ -38,7 +38,7 @@ class InstalledIcons {
 class StatusNotifierItemTest : public ::testing::Test {
  protected:
   void makeItem() {
-    item_ = bar_.makeStatusItem(squareStatusItemLength);
+    item_ = bar_.makeStatusItem();
     item_->setButtonImage(bar_.systemSymbol("capslock", "Zephlin"));
     item_->setButtonToolTip("Zephlin: disabled");
   }

@@ -16,7 +16,7 @@ namespace {
 class StatusNotifierMenuTest : public ::testing::Test {
  protected:
   StatusNotifierMenuTest() {
-    item_ = bar_.makeStatusItem(squareStatusItemLength);
+    item_ = bar_.makeStatusItem();
     item_->setButtonImage(bar_.systemSymbol("capslock", "Zephlin"));
     item_->setMenu(sample_->menu);
     waitUntil([this] { return panel_.registrations() == 1; });
@@ -41,7 +41,7 @@ class StatusNotifierMenuTest : public ::testing::Test {
 
 TEST_F(StatusNotifierMenuTest, IsNotAskedForWithoutATray) {
   const auto later = SampleMenu::make();
-  const auto item = bar_.makeStatusItem(squareStatusItemLength);
+  const auto item = bar_.makeStatusItem();
   item->setMenu(later->menu);
   EXPECT_EQ(later->rebuilds, 0);
 }
@@ -75,7 +75,8 @@ TEST_F(StatusNotifierMenuTest, IsFreshWhenThePanelOpensItAndSendsOnlyWhatChanged
 TEST_F(StatusNotifierMenuTest, TheStatusLineChangesWhileItIsOpen) {
   const auto before = entries();
   shown_->tellAboutToShow();
-  sample_->statusLine.lock()->setTitle("On");
+  sample_->statusLine.lock()->title = "On";
+  item_->menuTitlesDidChange();
   ASSERT_TRUE(waitUntil([this] { return shown_->signalsSent("ItemsPropertiesUpdated") == 1; }));
   EXPECT_EQ(shown_->signalsSent("LayoutUpdated"), 0);
   const auto updated = shown_->sent().back().arguments().at(0).value<QDBusArgument>();

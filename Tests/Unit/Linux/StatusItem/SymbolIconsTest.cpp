@@ -105,7 +105,7 @@ TEST(QtStatusBarTest, KnowsExactlyTheSymbolsThatHaveAnIcon) {
 
 TEST(QtStatusBarTest, AnItemHasNoButtonWithoutADisplay) {
   QtStatusBar bar([] { return false; });
-  const auto item = bar.makeStatusItem(squareStatusItemLength);
+  const auto item = bar.makeStatusItem();
   EXPECT_FALSE(item->hasButton());
   item->setButtonImage(bar.systemSymbol("capslock", "Zephlin"));
   item->setButtonToolTip("text");

@@ -18,7 +18,7 @@ const auto* const environment =
 class XEmbedItemTest : public ::testing::Test {
  protected:
   void makeItem() {
-    item_ = bar_.makeStatusItem(squareStatusItemLength);
+    item_ = bar_.makeStatusItem();
     item_->setButtonImage(bar_.systemSymbol("capslock.fill", "Zephlin"));
     item_->setMenu(sample_->menu);
   }

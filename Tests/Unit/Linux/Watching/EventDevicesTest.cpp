@@ -24,8 +24,6 @@ using test::MockedDevices;
 using Values = std::vector<std::int64_t>;
 using Flags = std::vector<ModifierFlags>;
 
-constexpr HidInputMatching matching{
-    .deviceUsagePage = 1, .deviceUsage = 6, .usagePage = 7, .usage = 57};
 constexpr EventKind capsLockKey{EV_KEY, KEY_CAPSLOCK};
 constexpr EventKind capsLockLed{EV_LED, LED_CAPSL};
 constexpr EventKind keyA{EV_KEY, KEY_A};
@@ -49,8 +47,7 @@ class OrdinaryUser {
 class EventDevicesTest : public testing::Test {
  protected:
   std::int32_t open() {
-    auto opened =
-        devices_.openInput(matching, [this](std::int64_t value) { values_.push_back(value); });
+    auto opened = devices_.openCapsLockKey([this](bool isDown) { values_.push_back(isDown); });
     if (const auto* code = std::get_if<std::int32_t>(&opened)) {
       return *code;
     }
@@ -58,8 +55,7 @@ class EventDevicesTest : public testing::Test {
     return 0;
   }
   std::unique_ptr<Observation> listen() {
-    return taps_.listen(eventMask(EventType::FlagsChanged),
-                        [this](EventType, ModifierFlags flags) { flags_.push_back(flags); });
+    return taps_.listenToFlagsChanged([this](ModifierFlags flags) { flags_.push_back(flags); });
   }
   bool valuesBecome(const Values& expected) {
     test::eventually([&] { return values_.size() >= expected.size(); });
@@ -196,7 +192,7 @@ TEST_F(EventDevicesTest, ReportTheStateBeforeTheFirstToggle) {
 TEST_F(EventDevicesTest, ReportNoToggleAfterACallHasEndedThem) {
   machine_.addKeyboard(1);
   std::unique_ptr<Observation> tap;
-  tap = taps_.listen(eventMask(EventType::FlagsChanged), [&](EventType, ModifierFlags flags) {
+  tap = taps_.listenToFlagsChanged([&](ModifierFlags flags) {
     tap.reset();
     flags_.push_back(flags);
   });

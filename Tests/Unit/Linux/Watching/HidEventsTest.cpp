@@ -60,7 +60,7 @@ TEST_F(HidEvents, EndWithinACall) {
       WindowSystem::X11, [] { return false; }, path_);
   int calls = 0;
   std::unique_ptr<Observation> observation;
-  observation = devices.observeAppeared("IOHIDDevice", [&] {
+  observation = devices.observeDeviceAppeared([&] {
     observation.reset();
     ++calls;
   });

@@ -77,11 +77,6 @@ TEST_F(ServiceSubscriptionTest, EndsWithinACall) {
   EXPECT_EQ(calls, 1);
 }
 
-TEST(HidDeviceClasses, AreOnlyOne) {
-  LinuxHidDevices devices(WindowSystem::X11, [] { return false; });
-  EXPECT_EQ(devices.observeAppeared("IOUSBDevice", [] {}), nullptr);
-}
-
 /// What a service may answer that is none of ours.
 class ServiceRefusal : public test::ObservedService,
                        public testing::WithParamInterface<const char*> {};

@@ -17,14 +17,10 @@ namespace {
 using test::PrivateXServer;
 using Values = std::vector<std::int64_t>;
 
-constexpr HidInputMatching capsLockKey{
-    .deviceUsagePage = 1, .deviceUsage = 6, .usagePage = 7, .usage = 57};
-
 class X11CapsLockKeyTest : public testing::Test {
  protected:
   void open() {
-    auto opened =
-        devices_.openInput(capsLockKey, [this](std::int64_t value) { values_.push_back(value); });
+    auto opened = devices_.openCapsLockKey([this](bool isDown) { values_.push_back(isDown); });
     key_ = std::move(std::get<std::unique_ptr<Observation>>(opened));
   }
   bool valuesBecome(const Values& expected) {
@@ -111,16 +107,6 @@ TEST_F(X11CapsLockKeyTest, EndsWithinACall) {
   ASSERT_TRUE(test::eventually([&] { return !values.empty(); }));
   test::runLoopFor(std::chrono::milliseconds(50));
   EXPECT_EQ(values, Values{1});
-}
-
-TEST_F(X11CapsLockKeyTest, KnowsNoOtherInput) {
-  const auto failureOf = [this](const HidInputMatching& matching) {
-    return std::get<std::int32_t>(devices_.openInput(matching, [](std::int64_t) {}));
-  };
-  EXPECT_EQ(failureOf({1, 6, 7, 58}), ENOTSUP);
-  EXPECT_EQ(failureOf({1, 6, 8, 57}), ENOTSUP);
-  EXPECT_EQ(failureOf({1, 2, 7, 57}), ENOTSUP);
-  EXPECT_EQ(failureOf({2, 6, 7, 57}), ENOTSUP);
 }
 
 TEST_F(X11CapsLockKeyTest, FallsSilentWithTheServer) {

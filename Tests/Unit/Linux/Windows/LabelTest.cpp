@@ -55,27 +55,25 @@ constexpr const char* longText =
 class LabelTest : public TreeFixture {
  protected:
   std::shared_ptr<Label> realiseLabel(const char* text, Label::Kind kind, double maxWidth = 0) {
-    auto made = std::make_shared<Label>(text, kind);
-    made->alignment = TextAlignment::Center;
+    Label::Style style{.kind = kind, .alignment = TextAlignment::Center};
     if (maxWidth > 0) {
-      made->preferredMaxLayoutWidth = maxWidth;
+      style.preferredMaxLayoutWidth = maxWidth;
     }
+    auto made = std::make_shared<Label>(text, style);
     realise(made);
     return made;
   }
   std::shared_ptr<Label> realiseGreenBlock() {
-    auto made = std::make_shared<Label>("█");
-    made->font.pointSize = 40;
-    made->setTextColor({ColorRole::SystemGreen});
+    auto made = std::make_shared<Label>("█", Label::Style{.font = {.pointSize = 40}},
+                                        Color{ColorRole::SystemGreen});
     realise(made);
     return made;
   }
-  /// A label in a box of that width, with that much free at both sides.
-  void realiseBoxed(std::shared_ptr<Label> line, double width, double inset) {
-    line->alignment = TextAlignment::Center;
-    auto box = std::make_shared<View>();
-    box->fixedWidth = width;
-    box->addSubview(std::move(line), {.left = inset, .right = inset});
+  /// A centred line in a box of that width, with that much free at both sides.
+  void realiseBoxed(const std::string& text, const Font& font, double width, double inset) {
+    const Label::Style style{.font = font, .alignment = TextAlignment::Center};
+    auto box = std::make_shared<Box>(width);
+    box->addSubview(std::make_shared<Label>(text, style), {.left = inset, .right = inset});
     realise(box);
   }
   QImage image() { return imageOf(window_->contentAsPng()); }
@@ -104,6 +102,7 @@ TEST_F(LabelTest, AnEmptyLabelKeepsItsLine) {
     const auto emptied = realiseLabel("Text", kind, 80);
     const int before = label().sizeHint().height();
     emptied->setText("");
+    window_->displayIfNeeded();
     EXPECT_EQ(label().sizeHint().height(), before);
     EXPECT_GE(before, label().fontMetrics().height());
   }
@@ -113,6 +112,7 @@ TEST_F(LabelTest, FollowsItsTextWhileShown) {
   const auto shown = realiseLabel("Before", Label::Kind::Wrapping, 80);
   showAndActivate();
   shown->setText(longText);
+  window_->displayIfNeeded();
   QApplication::sendPostedEvents();
   EXPECT_EQ(label().text(), longText);
   EXPECT_GE(widget().height(), 4 * label().fontMetrics().height());
@@ -143,6 +143,7 @@ TEST_F(LabelTest, FollowsItsColourByRole) {
   const QColor red = resolve({ColorRole::SystemRed}, appearance);
   EXPECT_TRUE(contains(image(), green));
   shown->setTextColor({ColorRole::SystemRed});
+  window_->displayIfNeeded();
   EXPECT_TRUE(contains(image(), red));
   EXPECT_FALSE(contains(image(), green));
 }
@@ -171,8 +172,7 @@ std::pair<int, int> inkedColumns(const QImage& image) {
 }
 
 TEST_F(LabelTest, ALineThatIsTooLongForItsBoxShrinksInsteadOfBeingCutOff) {
-  auto line = std::make_shared<Label>("█" + std::string(60, ' ') + "█");
-  realiseBoxed(line, 120, 10);
+  realiseBoxed("█" + std::string(60, ' ') + "█", {}, 120, 10);
   const auto [first, last] = inkedColumns(image());
   EXPECT_NEAR(first, 10, 3);
   EXPECT_NEAR(last, 110, 3);
@@ -211,9 +211,7 @@ class PaintedTexts final : public QPaintDevice, private QPaintEngine {
 };
 
 TEST_F(LabelTest, DigitsOfFixedWidthArePaintedEachInItsPlace) {
-  auto line = std::make_shared<Label>("Took 128 ms");
-  line->font.monospacedDigits = true;
-  realise(line);
+  realise(std::make_shared<Label>("Took 128 ms", Label::Style{.font = {.monospacedDigits = true}}));
   showAndActivate();
   PaintedTexts painted;
   label().render(&painted);
@@ -229,9 +227,7 @@ TEST_F(LabelTest, DigitsOfFixedWidthArePaintedEachInItsPlace) {
 }
 
 TEST_F(LabelTest, DigitsOfFixedWidthAreCentredToo) {
-  auto line = std::make_shared<Label>("Took 12 ms");
-  line->font.monospacedDigits = true;
-  realiseBoxed(line, 200, 0);
+  realiseBoxed("Took 12 ms", {.monospacedDigits = true}, 200, 0);
   const auto [first, last] = inkedColumns(image());
   EXPECT_GT(last - first, label().fontMetrics().horizontalAdvance("Took 12 ms") / 2);
   EXPECT_NEAR(first, image().width() - 1 - last, 4);

@@ -5,11 +5,10 @@
 namespace zephlin {
 namespace {
 
-class Box final : public View {
+class CountingBox final : public Box {
  public:
-  Box() {
+  CountingBox() : Box(60) {
     layer = Layer();
-    fixedWidth = 60;
     auto text = std::make_shared<Label>(" ");
     addSubview(text, {.top = 20, .left = 8, .bottom = 20, .right = 8});
   }
@@ -22,16 +21,15 @@ class Box final : public View {
 };
 
 std::shared_ptr<RoundedView> roundedBox(std::optional<Color> border, double radius) {
-  auto box = std::make_shared<RoundedView>(Color{ColorRole::SystemRed}, border, radius);
-  box->fixedWidth = 60;
+  auto box = std::make_shared<RoundedView>(Color{ColorRole::SystemRed}, border, radius, 60);
   box->embed(std::make_shared<Label>(" "), {20, 8, 20, 8});
   return box;
 }
 
 class LayerTest : public TreeFixture {
  protected:
-  std::shared_ptr<Box> realiseBox() {
-    auto box = std::make_shared<Box>();
+  std::shared_ptr<CountingBox> realiseBox() {
+    auto box = std::make_shared<CountingBox>();
     realise(box);
     return box;
   }
@@ -59,8 +57,9 @@ TEST_F(LayerTest, ReplacingTheFillAndAskingForDisplayRedraws) {
   showAndActivate();
   ASSERT_TRUE(QTest::qWaitFor([&] { return box->updates == 1; }, timeoutInMilliseconds));
   box->fill = {ColorRole::SystemRed};
-  box->setNeedsDisplay();
-  EXPECT_EQ(box->updates, 1) << "not from within setNeedsDisplay";
+  box->needsDisplay = true;
+  window_->displayIfNeeded();
+  EXPECT_EQ(box->updates, 1) << "not from within displayIfNeeded";
   EXPECT_TRUE(QTest::qWaitFor([&] { return box->updates == 2; }, timeoutInMilliseconds));
   EXPECT_EQ(colorAt(30, 5), shown(ColorRole::SystemRed));
   EXPECT_EQ(box->updates, 2);
@@ -96,7 +95,7 @@ TEST_F(LayerTest, ABorderIsOneSharpPixelInsideTheBox) {
 
 /// At that scale the box begins and ends between two of the screen's pixels.
 TEST_F(LayerTest, EdgesAreSharpAtFractionalScales) {
-  auto around = std::make_shared<View>();
+  auto around = std::make_shared<Box>();
   around->addSubview(roundedBox(Color{ColorRole::SystemGreen}, 0), {7, 7, 7, 7});
   realise(around);
   showAndActivate();

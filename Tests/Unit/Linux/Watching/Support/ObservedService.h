@@ -19,7 +19,7 @@ class ObservedService : public testing::Test {
   static constexpr const char* keyboardAppeared = "{\"appeared\":\"100000001\"}\n";
 
   void observe() {
-    observation_ = devices_.observeAppeared("IOHIDDevice", [this] { ++calls_; });
+    observation_ = devices_.observeDeviceAppeared([this] { ++calls_; });
     ASSERT_NE(observation_, nullptr);
   }
   void stopObserving() { observation_.reset(); }
