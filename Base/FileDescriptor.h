@@ -4,7 +4,7 @@
 
 namespace zephlin {
 
-/// Owns an open file descriptor, or none (-1), and closes it.
+/// Owns and closes an open file descriptor, or holds -1.
 class FileDescriptor {
  public:
   explicit FileDescriptor(int descriptor = -1) noexcept : descriptor_(descriptor) {}
@@ -22,8 +22,8 @@ class FileDescriptor {
   int descriptor_;
 };
 
-/// A pipe whose ends are close-on-exec and never one of the descriptors 0 to 2, even where those
-/// are closed: what is written to standard output cannot end up in it.
+/// A pipe whose ends are close-on-exec and never one of the descriptors 0 to 2, even if those are
+/// closed: nothing that is written to standard output can end up in it.
 struct Pipe {
   FileDescriptor readEnd;
   FileDescriptor writeEnd;

@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <string_view>
 
-#include "Base/ErrnoText.h"
 #include "Base/FileDescriptor.h"
 #include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Protocol/Transport.h"
@@ -76,9 +75,9 @@ RequestError Exchange::misbehaving(const std::string& how) const {
 void Exchange::connect(const SocketAddress& address) {
   socket_ = FileDescriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
   if (!socket_.isOpen()) {
-    throw RequestError("cannot make a socket" + errnoText(errno) + "; close some programs");
+    throw RequestError("cannot create a socket" + errnoText(errno) + "; close some programs");
   }
-  // A connection is put off while the service's queue is full; this bounds the wait.
+  // connect() waits while the service's queue is full; this bounds the wait.
   const auto limit = remaining();
   timeval wait{};
   wait.tv_sec = limit.count() / 1000;
@@ -104,7 +103,7 @@ void Exchange::send(std::string_view bytes) {
     if (sent >= 0) {
       bytes.remove_prefix(static_cast<std::size_t>(sent));
     } else if (errno != EAGAIN && errno != EINTR) {
-      // The service may have said why before it closed the connection; reading tells.
+      // The service may have sent the reason before it closed the connection; reading shows it.
       return;
     }
   }
@@ -120,7 +119,7 @@ std::string Exchange::receiveLine() {
       continue;
     }
     if (received <= 0) {
-      throw misbehaving("closed the connection without an answer");
+      throw misbehaving("closed the connection without a response");
     }
     const std::string_view bytes(chunk.data(), static_cast<std::size_t>(received));
     const auto end = bytes.find('\n');
@@ -129,7 +128,7 @@ std::string Exchange::receiveLine() {
       return line;
     }
   }
-  throw misbehaving("answers without end");
+  throw misbehaving("sent an endless response");
 }
 
 }  // namespace
@@ -147,7 +146,7 @@ std::string askService(const std::string& socketPath, const std::string& request
 
 std::string misunderstoodService(const std::string& socketPath) {
   return "the keyboard service at " + printable(socketPath) +
-         " gave an answer that is not understood; check that hidutil and zephlin-hidd are of the "
+         " sent a response that cannot be understood; check that hidutil and zephlin-hidd are the "
          "same version";
 }
 

@@ -13,10 +13,10 @@ constexpr std::chrono::seconds serviceTimeout{5};
 
 /// Sends one request line to the service and returns its response line, both without line feed.
 /// Blocks the calling thread for at most `serviceTimeout`. Throws RequestError if the request is
-/// too long, or the service is absent, out of reach, silent, or answers no line of bearable length.
+/// too long, if the service cannot be reached or is silent, or if its response is too long.
 std::string askService(const std::string& socketPath, const std::string& requestLine);
 
-/// What to say of a service whose response line is not understood.
+/// The message for a response line that cannot be understood.
 std::string misunderstoodService(const std::string& socketPath);
 
 }  // namespace zephlin

@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "Base/ErrnoText.h"
 #include "Base/FileDescriptor.h"
 #include "KeyboardService/Client/CommandLine.h"
 #include "KeyboardService/Client/ServiceClient.h"

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <system_error>
 
 namespace zephlin {
 namespace {
@@ -70,6 +71,10 @@ void appendEscaped(std::string& result, std::string_view bytes) {
 }
 
 }  // namespace
+
+std::string errnoText(int errorNumber) {
+  return " (" + std::generic_category().message(errorNumber) + ")";
+}
 
 std::string printable(std::string_view text, std::size_t maximumBytes) {
   std::string result;

@@ -40,7 +40,7 @@ struct Keyboard {
   bool operator==(const Keyboard&) const = default;
 };
 
-/// Chooses keyboards. What is absent is not asked for, so a default one matches every keyboard.
+/// Chooses keyboards. An absent member matches anything, so a default one matches every keyboard.
 struct Matching {
   std::optional<std::int64_t> primaryUsagePage;
   std::optional<std::int64_t> primaryUsage;

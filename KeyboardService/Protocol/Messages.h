@@ -41,8 +41,8 @@ struct PullRequest {
   bool operator==(const PullRequest&) const = default;
 };
 
-/// Has the service say on this connection which keyboards appear from now on, and nothing else.
-/// Whoever subscribes first and lists then, on another connection, misses none.
+/// Subscribes the connection to the keyboards that appear from now on; it takes no other request. A
+/// client that subscribes first and then lists, on another connection, misses none.
 struct SubscribeRequest {
   bool operator==(const SubscribeRequest&) const = default;
 };
@@ -61,7 +61,7 @@ struct ListResponse {
   bool operator==(const ListResponse&) const = default;
 };
 
-/// A keyboard and its value of the property that was asked for; none if it is not set.
+/// A keyboard and its value of the requested property, if that is set.
 struct KeyboardValue {
   RegistryID registryID{};
   std::optional<std::int64_t> value;
@@ -73,7 +73,7 @@ struct GetResponse {
   bool operator==(const GetResponse&) const = default;
 };
 
-/// The keyboards that now carry the properties of the request.
+/// The keyboards on which the properties of the request are now set.
 struct SetResponse {
   std::vector<RegistryID> keyboards;
   bool operator==(const SetResponse&) const = default;
@@ -88,18 +88,19 @@ struct PullResponse {
   bool operator==(const PullResponse&) const = default;
 };
 
-/// The connection is now told of each keyboard that appears. Looks like {"subscribed":true}.
+/// An AppearedNotice follows for each keyboard that appears. Looks like {"subscribed":true}.
 struct SubscribeResponse {
   bool operator==(const SubscribeResponse&) const = default;
 };
 
-/// Not an answer: what a subscribed connection is told. Looks like {"appeared":"100000001"}.
+/// Sent on a subscribed connection, not in response to a request. Looks like
+/// {"appeared":"100000001"}.
 struct AppearedNotice {
   RegistryID registryID{};
   bool operator==(const AppearedNotice&) const = default;
 };
 
-/// The request was not carried out and nothing has changed.
+/// The request failed and nothing has changed, unless the text says so.
 struct ErrorResponse {
   std::string text;
   bool operator==(const ErrorResponse&) const = default;
@@ -108,7 +109,7 @@ struct ErrorResponse {
 using Response = std::variant<ListResponse, GetResponse, SetResponse, PlugResponse, PullResponse,
                               SubscribeResponse, AppearedNotice, ErrorResponse>;
 
-/// A line that is no response.
+/// A line that is not a valid response.
 class ResponseError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

@@ -12,14 +12,13 @@
 
 namespace zephlin {
 
-/// Properties of one keyboard, or to be set on several. What a number means is between whoever
-/// sets it and the bus.
+/// Properties of one keyboard, or to be set on several. The bus decides what a value does.
 using PropertySet = std::map<std::string, std::int64_t, std::less<>>;
 
-/// The delay of Caps Lock, in milliseconds. There is always room for it.
+/// The delay of Caps Lock, in milliseconds.
 constexpr std::string_view capsLockDelayKey = "CapsLockDelayOverride";
 
-/// Besides that one.
+/// Not counting `capsLockDelayKey`.
 constexpr std::size_t maximumPropertiesOfAKeyboard = 64;
 constexpr std::size_t maximumPropertyKeyBytes = 128;
 

@@ -17,8 +17,8 @@ constexpr std::size_t maximumRequestBytes = std::size_t{64} * 1024;
 constexpr std::size_t maximumResponseBytes = std::size_t{4} * 1024 * 1024;
 constexpr std::size_t maximumNoticeBytes = std::size_t{4} * 1024;
 
-/// The address of a Unix socket by its path. Throws RequestError if the path is empty, too long
-/// for a socket or has a NUL in it.
+/// The address of a Unix socket. Throws RequestError if the path is empty, too long for a socket or
+/// contains a NUL.
 class SocketAddress {
  public:
   explicit SocketAddress(const std::string& path);
@@ -30,14 +30,14 @@ class SocketAddress {
   sockaddr_un address_{};
 };
 
-/// Splits a stream of bytes into lines at line feeds. What it yields depends on the bytes alone,
-/// not on the pieces in which they come. The first line beyond the limit ends the stream: nothing
-/// can be taken after it.
+/// Splits a stream of bytes into lines at line feeds. The lines depend on the bytes alone, not
+/// on the pieces in which they arrive. The first line beyond the limit ends the stream: nothing can
+/// be taken after it.
 class LineSplitter {
  public:
   enum class State {
     NeedsBytes,  ///< There is no whole line yet.
-    HasLine,     ///< `takeLine` yields one.
+    HasLine,     ///< `takeLine` returns one.
     LineTooLong,
   };
 

@@ -11,15 +11,15 @@ namespace zephlin {
 const std::string_view serviceHelp =
     R"(Usage: zephlin-hidd [--socket PATH] [--virtual-keyboards N] [--tap-gap MS]
 
-Keeps the properties of the keyboards for hidutil, until it ends, and makes Caps Lock instant where
+Keeps the properties of the keyboards for hidutil until it exits, and makes Caps Lock instant where
 its delay is 0.
 
 Options:
-  --socket PATH           where to listen; /run/zephlin/hidd.sock without this option; not used
-                          when systemd hands over the socket
-  --virtual-keyboards N   start with N virtual keyboards, 0 to 256, in place of the machine's own
-  --tap-gap MS            how many milliseconds Caps Lock is down for programs when its release is
-                          brought forward, 0 to 50; 5 without this option
+  --socket PATH           where to listen unless systemd passes a socket; /run/zephlin/hidd.sock by
+                          default
+  --virtual-keyboards N   start with N virtual keyboards, 0 to 256, instead of the machine's own
+  --tap-gap MS            how many milliseconds Caps Lock stays down for programs when its release
+                          is sent early, 0 to 50; 5 by default
   -h, --help              print this help
   --version               print the version
 )";

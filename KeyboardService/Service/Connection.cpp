@@ -15,8 +15,8 @@ namespace {
 
 constexpr std::size_t bytesPerTurn = std::size_t{16} * 1024;
 
-/// What a subscriber may leave untaken besides what its socket holds.
-constexpr std::size_t maximumUntakenBytes = std::size_t{16} * 1024;
+/// What a subscriber may leave unread besides what its socket holds.
+constexpr std::size_t maximumUnreadBytes = std::size_t{16} * 1024;
 
 std::string requestTooLong() {
   return encode(ErrorResponse{"the request is longer than " + std::to_string(maximumRequestBytes) +
@@ -25,7 +25,7 @@ std::string requestTooLong() {
 
 std::string alreadySubscribed() {
   return encode(
-      ErrorResponse{"a subscribed connection takes no more requests; make another connection"});
+      ErrorResponse{"a subscribed connection takes no more requests; open another connection"});
 }
 
 bool meansLater(int errorNumber) {
@@ -62,7 +62,7 @@ void Connection::onSocket(std::uint32_t events) {
 void Connection::tell(std::string_view line) {
   output_ += std::string(line) + '\n';
   send();
-  if (output_.size() > maximumUntakenBytes) {
+  if (output_.size() > maximumUnreadBytes) {
     broken_ = true;
   }
   proceed();
@@ -132,7 +132,7 @@ void Connection::takeRequest() {
   proceed();
 }
 
-/// `midway` means that the client has to do its part within the connection's timeout.
+/// `midway` means that the timeout runs.
 void Connection::waitForClient(std::uint32_t events, bool midway) {
   watch_.setEvents(events);
   if (!midway) {

@@ -16,15 +16,13 @@ namespace zephlin {
 
 class Server;
 
-/// One client. It answers one request line per turn of the loop, so that no client keeps the
-/// others waiting, and reads no further while a response is not sent, so that it holds at most one
-/// request and one response in memory. It ends when the client has closed its side, after a line
-/// that is too long, and when the client has neither sent the rest of a request nor taken more of
-/// a response for `timeout`.
+/// One client. It answers one request line per turn of the loop, so that no client keeps the others
+/// waiting, and reads nothing while a response is unsent, so that it holds at most one request and
+/// one response in memory. It ends when the client has closed its side, after a line that is too
+/// long, and when the client has made no progress with a request or a response for `timeout`.
 ///
-/// Once subscribed, it may be silent for ever, and its client may leave lines untaken up to a bound
-/// in bytes; beyond it the connection ends. Another request is refused, and ends the subscription
-/// and the connection.
+/// A subscribed connection has no timeout. It ends when the client leaves too many bytes unread, or
+/// sends another request, which is refused.
 class Connection {
  public:
   /// `socket` is a connected stream socket that does not block. `server` owns the connection.
@@ -34,7 +32,7 @@ class Connection {
   [[nodiscard]] uid_t user() const { return user_; }
   [[nodiscard]] bool isSubscribed() const { return subscribed_; }
 
-  /// Only while the server is asked for a response, which is the last one.
+  /// Only while the server is asked for a response, which is then the last one.
   void subscribe() { subscribed_ = true; }
 
   /// Sends a line, given without line feed, to a subscribed connection. May end it.

@@ -10,8 +10,8 @@
 
 namespace zephlin {
 
-/// Something that an EventLoop calls back for. Dropping it, even within its own callback, ends the
-/// calls. It must not outlive the loop.
+/// Something that an EventLoop calls back for, until it is destroyed, which is allowed within its
+/// own callback. It must not outlive the loop.
 class EventSource {
  public:
   EventSource() = default;
@@ -21,17 +21,16 @@ class EventSource {
   void disable();
   [[nodiscard]] bool isEnabled() const;
 
-  /// Has it called back before all others when several are due.
+  /// Its callback runs first when several are due.
   void putFirst();
 
-  /// Only for a descriptor: which of EPOLLIN, EPOLLOUT to call back for. EPOLLHUP and EPOLLERR are
-  /// always among them.
+  /// Only for a descriptor: EPOLLIN, EPOLLOUT or both. EPOLLHUP and EPOLLERR always call back.
   void setEvents(std::uint32_t events);
 
   /// Only for a timer: calls back once, after `delay` from now.
   void setDelay(std::chrono::microseconds delay);
 
-  /// Only for a timer: calls back once, when the monotonic clock (clock_gettime(2)) says `time`.
+  /// Only for a timer: calls back once, at `time` on the monotonic clock (clock_gettime(2)).
   void setTime(std::chrono::microseconds time);
 
  private:
@@ -41,13 +40,13 @@ class EventSource {
   std::unique_ptr<sd_event_source, Release> source_;
 };
 
-/// The one loop of the service's one thread. Operations throw std::system_error if the system
+/// The loop of the service's only thread. Operations throw std::system_error if the system
 /// refuses. An exception that leaves a callback ends `run`, which throws it.
 class EventLoop {
  public:
   EventLoop();
 
-  /// For what else lives in this loop; owned by it.
+  /// Owned by this loop.
   [[nodiscard]] sd_event* native() const { return event_.get(); }
 
   /// Calls back while any of `events` holds for the descriptor, which outlives the source.

@@ -13,7 +13,7 @@ class KeyboardBus;
 /// A bus's own name for one of its keyboards, unique among those that are present.
 enum class BusHandle : std::uint64_t {};
 
-/// Told by a bus which keyboards there are.
+/// Receives a bus's reports about its keyboards.
 class KeyboardBusObserver {
  public:
   KeyboardBusObserver() = default;
@@ -26,12 +26,11 @@ class KeyboardBusObserver {
                                 const KeyboardDescription& description) = 0;
   virtual void keyboardDisappeared(KeyboardBus& bus, BusHandle handle) = 0;
 
-  /// The keyboard, which stays, carries none of its properties any more.
+  /// The keyboard stays, but has lost all its properties.
   virtual void propertiesDropped(KeyboardBus& bus, BusHandle handle) = 0;
 };
 
-/// Supplies keyboards. Everything happens on the thread of the service's event loop; a bus that
-/// discovers keyboards by descriptors or timers is given that loop when it is made.
+/// Supplies keyboards. Everything happens on the thread of the service's event loop.
 class KeyboardBus {
  public:
   KeyboardBus() = default;
@@ -39,14 +38,13 @@ class KeyboardBus {
   KeyboardBus& operator=(const KeyboardBus&) = delete;
   virtual ~KeyboardBus() = default;
 
-  /// Called once. From then on the bus reports to `observer`, which outlives it: keyboards that it
-  /// already has within this call, all else at any time from the event loop.
+  /// Called once. From then on the bus reports to `observer`, which outlives it: keyboards that are
+  /// present within this call, everything else from the event loop.
   virtual void start(KeyboardBusObserver& observer) = 0;
 
-  /// Gives a keyboard all properties that it is to carry from now on, in place of the former ones.
-  /// Throws RequestError if the keyboard cannot carry them; the former ones are then still in
-  /// force. A keyboard that is gone but not yet reported so is no error, as its properties go with
-  /// it. Does not call the observer.
+  /// Replaces all properties of a keyboard. Throws RequestError if it cannot carry them; the former
+  /// ones then stay in force. A keyboard that has gone, but is not yet reported gone, is not an
+  /// error. Does not call the observer.
   virtual void applyProperties(BusHandle handle, const PropertySet& properties) = 0;
 };
 

@@ -19,8 +19,8 @@ namespace zephlin {
 /// "1 keyboard", "2 keyboards".
 std::string countedKeyboards(std::size_t count);
 
-/// The keyboards of all buses, in the order in which they appeared, and their properties, which go
-/// with them. Single-threaded: used on the thread of the event loop.
+/// The keyboards of all buses, in the order in which they appeared, and their properties, which
+/// disappear with them. Used on the thread of the event loop only.
 class KeyboardRegistry final : public KeyboardBusObserver {
  public:
   /// Where a keyboard comes from.
@@ -45,8 +45,8 @@ class KeyboardRegistry final : public KeyboardBusObserver {
   [[nodiscard]] std::vector<KeyboardValue> get(const Matching& matching,
                                                std::string_view key) const;
 
-  /// Sets all properties on all matching keyboards and returns these, or throws RequestError and
-  /// has changed nothing; its text names the keyboards on which that cannot be undone.
+  /// Sets all properties on all matching keyboards and returns these keyboards. Throws RequestError
+  /// and changes nothing if one refuses; the text names those on which that could not be undone.
   std::vector<RegistryID> set(const Matching& matching, const PropertySet& properties);
 
   [[nodiscard]] std::optional<Origin> origin(RegistryID registryID) const;

@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <cstring>
 
-#include "Base/ErrnoText.h"
 #include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Protocol/Transport.h"
 
@@ -20,7 +19,7 @@ namespace {
 constexpr mode_t directoryMode = 0755;
 constexpr mode_t everyoneMayConnect = 0666;
 
-/// Sets the mode of files that are made, which the caller's umask must not narrow.
+/// Sets the umask, so that the caller's does not narrow the mode of what is created.
 class FileCreationMask {
  public:
   explicit FileCreationMask(mode_t mask) : former_(::umask(mask)) {}
@@ -69,12 +68,12 @@ void lock(const FileDescriptor& file, const std::string& socketPath) {
 FileDescriptor streamSocket() {
   FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
   if (!socket.isOpen()) {
-    throw RequestError("cannot make a socket" + errnoText(errno) + "; close some programs");
+    throw RequestError("cannot create a socket" + errnoText(errno) + "; close some programs");
   }
   return socket;
 }
 
-/// Whether somebody who does not hold our lock, such as systemd, listens at the address.
+/// Whether a process that does not hold our lock, such as systemd, listens at the address.
 bool isListenedAt(const SocketAddress& address) {
   const FileDescriptor probe = streamSocket();
   return ::connect(probe.get(), address.get(), address.size()) == 0 || errno == EAGAIN;
@@ -112,7 +111,7 @@ SocketDirectory::SocketDirectory(const std::string& socketPath) : path_(director
   const FileCreationMask mask(static_cast<mode_t>(~directoryMode) & 0777U);
   made_ = ::mkdir(path_.c_str(), directoryMode) == 0;
   if (!made_ && errno != EEXIST) {
-    throw RequestError("cannot make the directory " + printable(path_) + errnoText(errno) +
+    throw RequestError("cannot create the directory " + printable(path_) + errnoText(errno) +
                        "; run zephlin-hidd as root, or choose another place with --socket");
   }
 }
@@ -169,8 +168,7 @@ std::optional<FileDescriptor> takeActivationSocket() {
   }
   if (count != 1 || sd_is_socket_unix(SD_LISTEN_FDS_START, SOCK_STREAM, 1, nullptr, 0) <= 0) {
     throw RequestError(
-        "socket activation needs exactly one listening Unix stream socket; correct the socket "
-        "unit");
+        "socket activation needs exactly one listening Unix stream socket; fix the socket unit");
   }
   FileDescriptor socket(SD_LISTEN_FDS_START);
   ::fcntl(socket.get(), F_SETFL, ::fcntl(socket.get(), F_GETFL) | O_NONBLOCK);

@@ -11,11 +11,11 @@
 
 namespace zephlin {
 
-/// A directory that is made for the socket if it is absent, and then removed again at the end
-/// unless something else has moved in.
+/// The socket's directory. It is created if absent, and then removed again at the end unless
+/// something else is in it.
 class SocketDirectory {
  public:
-  /// Makes the last level of the directory of `socketPath` only. Throws RequestError.
+  /// Creates at most the last level. Throws RequestError.
   explicit SocketDirectory(const std::string& socketPath);
   SocketDirectory(const SocketDirectory&) = delete;
   SocketDirectory& operator=(const SocketDirectory&) = delete;
@@ -26,11 +26,11 @@ class SocketDirectory {
   bool made_ = false;
 };
 
-/// A lock file beside a socket, which one process at a time holds: whoever holds it may bind the
-/// socket's path. It is removed when the holder is done.
+/// A lock file beside a socket, held by one process at a time, which may bind the socket's path. It
+/// is removed at the end.
 class InstanceLock {
  public:
-  /// Throws RequestError if another process holds the lock, or if the file cannot be made.
+  /// Throws RequestError if another process holds the lock, or if the file cannot be created.
   explicit InstanceLock(const std::string& socketPath);
   InstanceLock(const InstanceLock&) = delete;
   InstanceLock& operator=(const InstanceLock&) = delete;
@@ -44,10 +44,10 @@ class InstanceLock {
 };
 
 /// A Unix stream socket that this process has bound to a path, where everyone may connect. It is
-/// removed at the end, with all that was made for it.
+/// removed at the end, with everything that was created for it.
 class BoundSocket {
  public:
-  /// Takes the place of a socket that nobody listens at, but of nothing else. Throws RequestError.
+  /// Replaces a socket that nobody listens at, but nothing else. Throws RequestError.
   explicit BoundSocket(const std::string& path);
   BoundSocket(const BoundSocket&) = delete;
   BoundSocket& operator=(const BoundSocket&) = delete;
@@ -66,8 +66,8 @@ class BoundSocket {
   ino_t inode_ = 0;
 };
 
-/// The listening socket that systemd has handed to this process, set not to block; none if the
-/// process was started by other means. Throws RequestError if it is not one Unix stream socket.
+/// The listening socket that systemd has passed to this process, made non-blocking; nothing if the
+/// process was started by other means. Throws RequestError unless it is one Unix stream socket.
 std::optional<FileDescriptor> takeActivationSocket();
 
 /// The path that a Unix socket is bound to, for the log.

@@ -6,18 +6,18 @@
 
 namespace zephlin {
 
-/// Says whether a user has an active login session at this machine itself, not a remote one.
+/// Whether a user has an active login session at the machine itself, not a remote one.
 using HasActiveLocalSession = std::function<bool(uid_t user)>;
 
-/// Who may change keyboards: root, the user that the service runs as, and whoever sits at the
-/// machine. Everyone may look.
+/// Who may change keyboards: root, the user that the service runs as, and users who sit at the
+/// machine. Everyone may read.
 class Permissions {
  public:
   Permissions(uid_t serviceUser, HasActiveLocalSession hasActiveLocalSession);
 
   [[nodiscard]] bool mayChangeKeyboards(uid_t user) const;
 
-  /// Throws RequestError, which says who may, unless the user may change keyboards.
+  /// Throws RequestError unless the user may change keyboards.
   void requireChangeBy(uid_t user) const;
 
  private:
@@ -25,8 +25,8 @@ class Permissions {
   HasActiveLocalSession hasActiveLocalSession_;
 };
 
-/// Asks systemd-logind's records for a session of the user that is active, has a seat and is not
-/// remote. A user of whom nothing can be learnt has none.
+/// Whether systemd-logind has a session of the user that is active, has a seat and is not remote.
+/// False if that cannot be found out.
 bool hasActiveLocalLoginSession(uid_t user);
 
 }  // namespace zephlin

@@ -58,12 +58,11 @@ Response RequestHandler::perform(const PullRequest& request, uid_t user) {
   permissions_.requireChangeBy(user);
   const auto origin = registry_.origin(request.registryID);
   if (!origin) {
-    throw RequestError("there is no keyboard " + toText(request.registryID) +
-                       "; hidutil list prints those that there are");
+    throw RequestError("no keyboard " + toText(request.registryID) + "; see hidutil list");
   }
   if (origin->bus != &virtualKeyboards_) {
     throw RequestError("keyboard " + toText(request.registryID) +
-                       " is not one that hidutil plug has made; unplug it by hand");
+                       " was not plugged in by hidutil; unplug it by hand");
   }
   virtualKeyboards_.pull(origin->handle);
   return PullResponse{};

@@ -12,15 +12,15 @@
 
 namespace zephlin {
 
-/// Carries out request lines, which come without line feed. It knows no descriptors. What it is
-/// made with outlives it.
+/// Carries out request lines, which come without line feed. Knows nothing of connections. The
+/// constructor's arguments outlive it.
 class RequestHandler {
  public:
   RequestHandler(KeyboardRegistry& registry, VirtualKeyboardBus& virtualKeyboards,
                  const Permissions& permissions, Log log);
 
-  /// `user` is who asks, as the system vouches for it. A request that fails has changed nothing, or
-  /// says what. A SubscribeResponse is a promise that the caller keeps, as connections are its own.
+  /// `user` is the client's, as reported by the kernel. A request that fails has changed nothing,
+  /// or the response says what. The caller, which owns the connections, carries out a subscription.
   Response respond(std::string_view line, uid_t user);
 
  private:

@@ -14,7 +14,7 @@
 namespace zephlin {
 namespace {
 
-/// After which the system may have descriptors again.
+/// By then there may be descriptors again.
 constexpr std::chrono::seconds timeBetweenTries{1};
 
 std::chrono::nanoseconds timeOn(clockid_t clock) {
@@ -32,17 +32,16 @@ std::optional<uid_t> peerOf(const FileDescriptor& socket) {
   return credentials.uid;
 }
 
-/// Says why there is no connection, if the client's socket takes it at once.
+/// Sends the reason, if the client's socket takes it at once.
 void turnAway(const FileDescriptor& socket, std::size_t limit) {
   const std::string line =
-      encode(ErrorResponse{
-          "you have " + std::to_string(limit) +
-          " connections to the keyboard service, which is the most; close some of them"}) +
+      encode(ErrorResponse{"connection limit reached (" + std::to_string(limit) +
+                           " per user); close some connections"}) +
       '\n';
   ::send(socket.get(), line.data(), line.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
-/// Whether a failed accept says nothing about the next one.
+/// Whether the next accept may succeed all the same.
 bool concernsOneClient(int errorNumber) {
   return errorNumber == EAGAIN || errorNumber == EINTR || errorNumber == ECONNABORTED;
 }
@@ -87,9 +86,9 @@ Response Server::subscribe(Connection& connection) {
         return each.second->user() == user && each.second->isSubscribed();
       });
   if (user != 0 && static_cast<std::size_t>(subscriptions) >= limits_.subscriptionsOfAUser) {
-    return ErrorResponse{"you have " + std::to_string(limits_.subscriptionsOfAUser) +
-                         " subscriptions to the keyboard service, which is the most; end some "
-                         "of them"};
+    return ErrorResponse{"subscription limit reached (" +
+                         std::to_string(limits_.subscriptionsOfAUser) +
+                         " per user); end some subscriptions"};
   }
   connection.subscribe();
   return SubscribeResponse{};

@@ -18,19 +18,19 @@
 namespace zephlin {
 
 struct ServerLimits {
-  /// How long a client may leave a request unfinished or a response untaken.
+  /// How long a client may leave a request unfinished or a response unread.
   std::chrono::microseconds timeout = std::chrono::seconds(30);
 
   /// How many connections each user other than root may have.
   std::size_t connectionsOfAUser = 512;
 
-  /// How many of these may be subscriptions, which last: whatever subscribes and forgets to leave,
-  /// its user can still make requests.
+  /// How many of these may be subscriptions. Subscriptions that are never ended must not keep their
+  /// user from making requests.
   std::size_t subscriptionsOfAUser = 64;
 };
 
-/// Keeps clients from occupying the service's thread without a pause. It is a real-time thread:
-/// nobody else would get its processor, and the system would kill it in the end (RLIMIT_RTTIME,
+/// Keeps clients from occupying the service's thread without a pause. It is a real-time thread: no
+/// other process would get its processor, and the kernel would end up killing it (RLIMIT_RTTIME,
 /// setrlimit(2)). A burst of work is followed by as much rest.
 class WorkBudget {
  public:
@@ -38,8 +38,8 @@ class WorkBudget {
 
   static constexpr Time burst = std::chrono::milliseconds(20);
 
-  /// For how long to rest, when it is `now`, on any clock, and the thread has worked for `worked`
-  /// altogether. To be asked again and again.
+  /// How long to rest, given the time `now` on any clock and the total time that the thread has
+  /// `worked`. To be called before each piece of work.
   Time rest(Time now, Time worked) {
     evenAt_ = std::max(evenAt_, asked_) + 2 * (worked - worked_);
     asked_ = now;
@@ -57,9 +57,9 @@ class WorkBudget {
   Time worked_{};
 };
 
-/// Accepts clients and has their requests handled, on the thread of the loop. When the system has
-/// no descriptor for one more client, it accepts no more until one leaves or a second has passed.
-/// However many requests there are, it works for half of the time at most.
+/// Accepts clients and has their requests handled, on the thread of the loop. When descriptors have
+/// run out, it accepts no more clients until one leaves or a second has passed. It works for at
+/// most half of the time, whatever the number of requests.
 class Server {
  public:
   /// `listening` does not block. The loop and the handler outlive the server.

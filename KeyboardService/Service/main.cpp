@@ -11,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "Base/ErrnoText.h"
 #include "Base/FileDescriptor.h"
 #include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Service/CommandLine.h"
@@ -34,7 +33,7 @@ enum ExitStatus : int { Done = 0, Failed = 1, WrongUsage = 64 };
 /// works without it too, where the system does not allow it.
 void takeRealTimePriority() {
   sched_param parameters{};
-  parameters.sched_priority = 1;  // Ahead of all that is not real time, behind all else that is.
+  parameters.sched_priority = 1;  // Before ordinary processes, after other real-time ones.
   ::sched_setscheduler(0, SCHED_RR | SCHED_RESET_ON_FORK, &parameters);
 }
 

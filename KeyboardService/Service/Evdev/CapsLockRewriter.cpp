@@ -56,7 +56,7 @@ const Events& CapsLockRewriter::releaseAll() {
   return output_;
 }
 
-/// Does what is due by `time`; it is `now`.
+/// Does what is due by `time`, read at `now`.
 void CapsLockRewriter::passDeadlines(Time time, Time now) {
   while (deadline_ && time >= *deadline_) {
     if (capsLock_ == CapsLock::Withheld) {
@@ -94,7 +94,7 @@ void CapsLockRewriter::takeFrame(View frame, Time time, Time now) {
   endFrame(*end);
 }
 
-/// Whether an event, which stands behind its scan code if it has one, passes at once.
+/// Whether an event, preceded by its scan code if it has one, passes at once.
 bool CapsLockRewriter::passes(View event, Time time) {
   const InputEvent& last = event.back();
   if (isKey(last) && last.value == KeyRepeated) {

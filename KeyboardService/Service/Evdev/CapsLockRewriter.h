@@ -14,18 +14,18 @@ namespace zephlin {
 /// How presses of Caps Lock count.
 struct CapsLockRule {
   /// How long the key must be held before its press counts. With zero it counts at once, and the
-  /// release that XKB waits for is brought forward.
+  /// release that XKB waits for is sent early.
   std::chrono::milliseconds hold{0};
 
-  /// The time between a press and the release that was brought forward. Some compositors miss a
-  /// key that is down for no time at all.
+  /// The time between a press and its early release. Some compositors miss a key that is down for
+  /// no time at all.
   std::chrono::microseconds gap{0};
 
   bool operator==(const CapsLockRule&) const = default;
 };
 
-/// Turns the events of one keyboard into those that programs are to see. It reads no clock: times
-/// come with the events, as durations since any one moment.
+/// Turns the events of one keyboard into those that programs see. It reads no clock: times come
+/// with the events, as durations since some fixed moment.
 ///
 /// XKB locks at the press of Caps Lock and unlocks at its release. So with a hold of zero, and only
 /// while the lock's LED is lit, a press becomes press and release, and the real release is
@@ -43,7 +43,7 @@ class CapsLockRewriter {
 
   explicit CapsLockRewriter(CapsLockRule rule) : rule_(rule) {}
 
-  /// Counts for the presses that come afterwards.
+  /// Applies to later presses.
   void setRule(CapsLockRule rule) { rule_ = rule; }
 
   /// Whether the LED of Caps Lock is lit, which shows whether the lock is on.
@@ -54,12 +54,12 @@ class CapsLockRewriter {
   /// Here and below, the result is good until the next call.
   const Events& take(const InputEvent& event, Time time, Time now);
 
-  /// To be called when the deadline has come; does nothing before.
+  /// To be called at the deadline; does nothing before it.
   const Events& expire(Time now);
 
   [[nodiscard]] std::optional<Time> deadline() const { return deadline_; }
 
-  /// Brings out what waits, releases every key and forgets the rest.
+  /// Returns what is waiting, releases every key and forgets the rest.
   const Events& releaseAll();
 
  private:
@@ -67,7 +67,7 @@ class CapsLockRewriter {
     Up,
     Passed,
     Withheld,  ///< Pressed, and not held long enough yet.
-    Tapping,   ///< Pressed, and the release that was brought forward is still to come out.
+    Tapping,   ///< Pressed, and the early release is still to come out.
     Tapped,    ///< Held, but released for the programs.
   };
 
@@ -93,10 +93,10 @@ class CapsLockRewriter {
   CapsLockRule rule_;
   bool lit_ = false;
   CapsLock capsLock_ = CapsLock::Up;
-  std::optional<Time> deadline_;  ///< Just while Caps Lock is withheld or being tapped.
+  std::optional<Time> deadline_;  ///< Only while Caps Lock is withheld or being tapped.
   Events withheld_;
   Events unfinished_;
-  std::deque<Frame> waiting_;  ///< Empty but while Caps Lock is being tapped.
+  std::deque<Frame> waiting_;  ///< Empty except while Caps Lock is being tapped.
   std::bitset<KEY_CNT> down_;
   Events output_;
 };

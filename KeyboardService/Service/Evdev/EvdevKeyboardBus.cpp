@@ -3,7 +3,6 @@
 #include <system_error>
 #include <utility>
 
-#include "Base/ErrnoText.h"
 #include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Protocol/Properties.h"
 
@@ -25,7 +24,7 @@ void EvdevKeyboardBus::start(KeyboardBusObserver& observer) {
   try {
     UinputKeyboard::requireSupport();
   } catch (const RequestError& error) {
-    log_(std::string("Caps Lock cannot be changed yet: ") + error.what());
+    log_(std::string("cannot change Caps Lock yet: ") + error.what());
   }
   nodes_.start([this](const KeyboardNode& node) { appeared(node); },
                [this](dev_t number) { disappeared(number); });
@@ -77,8 +76,8 @@ void EvdevKeyboardBus::rewrite(BusHandle handle, Entry& entry, CapsLockRule rule
 
 void EvdevKeyboardBus::letGoOfAll() {
   log_(
-      "Backspace, Enter and Escape were held together: all keyboards are let go, and their "
-      "properties are unset");
+      "Backspace, Enter and Escape were held together: all keyboards are released and their "
+      "properties cleared");
   for (auto& [handle, entry] : entries_) {
     entry.rewritten.reset();
     observer_->propertiesDropped(*this, handle);

@@ -12,11 +12,11 @@
 
 namespace zephlin {
 
-/// The machine's keyboards. A keyboard is left alone, and not even opened, unless its
-/// `CapsLockDelayOverride` asks for something else than the system's own behaviour.
+/// The machine's keyboards. A keyboard is not even opened unless its `CapsLockDelayOverride` asks
+/// for something else than the system's own behaviour.
 class EvdevKeyboardBus final : public KeyboardBus {
  public:
-  /// `tapGap` is how long Caps Lock stays down when its release is brought forward. The loop
+  /// `tapGap` is how long Caps Lock stays down when its release is sent early. The loop
   /// outlives the bus. Throws std::system_error if udev cannot be used.
   EvdevKeyboardBus(EventLoop& loop, std::chrono::milliseconds tapGap, Log log);
 

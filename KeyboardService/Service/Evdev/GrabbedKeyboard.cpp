@@ -12,8 +12,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// What a desktop takes to open a new keyboard, several times over: what is typed before that on a
-/// clone reaches nobody.
+/// Several times what a desktop needs to open a new keyboard: what is typed on a clone before that
+/// is lost.
 constexpr std::chrono::milliseconds timeToFindTheClone = 500ms;
 
 constexpr std::chrono::seconds timeBetweenTries = 5s;
@@ -121,8 +121,8 @@ void GrabbedKeyboard::tryToGrab() {
       nextTry_.setDelay(timeBetweenTries);
       if (!std::exchange(hasReportedTrouble_, true)) {
         log_(path_ +
-             " is held by another program (fuser -v lists who has it open); it is taken when that "
-             "lets go");
+             " is held by another program (find it with fuser -v); will take over when it is "
+             "released");
       }
   }
 }
@@ -137,7 +137,7 @@ void GrabbedKeyboard::startRewriting() {
   clone_.write(leds);
 }
 
-/// Returns false after the emergency chord, with which the keyboard has ended.
+/// Returns false after the emergency chord, which has destroyed this object.
 bool GrabbedKeyboard::rewriteTyped() {
   const auto now = monotonicTime();
   while (const auto typed = keyboard_.takeEvent()) {

@@ -12,8 +12,7 @@
 
 namespace zephlin {
 
-/// Backspace, Enter and Escape held together on one keyboard: whoever cannot type any more gets the
-/// keyboard back by them.
+/// Backspace, Enter and Escape held together on one keyboard: the way out if it stops working.
 class EmergencyChord {
  public:
   /// Whether this event completes the chord.
@@ -25,9 +24,9 @@ class EmergencyChord {
   bool escape_ = false;
 };
 
-/// A keyboard that is taken away from programs, which see a clone of it with Caps Lock rewritten.
-/// It is taken once programs have had the time to find the clone and no key is held; until then it
-/// works as ever. Its end gives it back, with no key held. What is typed is never logged.
+/// A keyboard that is grabbed, while programs see a clone of it with Caps Lock rewritten. It is
+/// grabbed once programs have had time to find the clone and no key is held; until then it works as
+/// usual. The destructor releases it, with no key held. What is typed is never logged.
 class GrabbedKeyboard {
  public:
   enum class End { DeviceGone, EmergencyChord };

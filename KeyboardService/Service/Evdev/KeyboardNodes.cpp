@@ -56,7 +56,7 @@ unsigned identity(udev_device* device, const char* name) {
   return static_cast<unsigned>(std::strtoul(attribute(device, name).c_str(), nullptr, 16));
 }
 
-/// None unless the device is an event device of a keyboard that is not one of our clones.
+/// Nothing unless the device is the event device of a keyboard and not one of our clones.
 std::optional<KeyboardNode> keyboardNode(udev_device* device) {
   const char* const path = udev_device_get_devnode(device);
   udev_device* const input =

@@ -14,26 +14,26 @@
 
 namespace zephlin {
 
-/// An event device of the kernel that is a keyboard, as udev knows it. It is not opened for that.
+/// An event device of the kernel that is a keyboard, as udev describes it. It is not opened.
 struct KeyboardNode {
   dev_t number = 0;
-  std::string systemPath;  ///< In /sys; another device with the same number has another one.
+  std::string systemPath;  ///< In /sys; differs from that of a later device with the same number.
   std::string path;        ///< In /dev.
   KeyboardDescription description;
 };
 
-/// The physical path of all clones begins like this, so that none is taken for a keyboard.
+/// Marks our clones, by the start of their physical path, so that none is taken for a keyboard.
 constexpr std::string_view clonePhysicalPath = "zephlin-hidd/";
 
 /// Whether the bitmap of key codes, as sysfs prints it (words in hexadecimal, the highest first),
-/// has Caps Lock and all letters. Buttons and remote controls are keyboards for the kernel too.
+/// has Caps Lock and all letters. For the kernel, buttons and remote controls are keyboards too.
 bool hasCapsLockAndLetters(std::string_view keyBitmap);
 
 /// The name of a bus of linux/input.h, or "Other".
 std::string busName(unsigned bus);
 
-/// Knows the keyboards among the kernel's event devices and reports those that come and go, through
-/// libudev: once udev's rules have given them their permissions. Without udev only the keyboards
+/// Finds the keyboards among the kernel's event devices and reports those that come and go, through
+/// libudev, after udev's rules have set their permissions. Without udev only the keyboards
 /// that are present at the start are known.
 class KeyboardNodes {
  public:

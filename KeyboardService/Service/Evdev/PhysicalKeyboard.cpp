@@ -10,7 +10,6 @@
 #include <ctime>
 #include <system_error>
 
-#include "Base/ErrnoText.h"
 #include "KeyboardService/Protocol/Errors.h"
 
 namespace zephlin {
@@ -78,7 +77,7 @@ PhysicalKeyboard::Grab PhysicalKeyboard::grab() {
     }
     return Grab::TakenByAnother;
   }
-  while (takeEvent()) {  // Everyone has seen these.
+  while (takeEvent()) {  // Programs have seen these.
   }
   if (isAnyKeyHeld()) {
     libevdev_grab(device_.get(), LIBEVDEV_UNGRAB);

@@ -14,7 +14,7 @@
 
 namespace zephlin {
 
-/// A keyboard's event device, open. Nothing blocks. When it is closed it belongs to everyone again.
+/// A keyboard's event device, open and non-blocking. The destructor releases the grab.
 class PhysicalKeyboard {
  public:
   struct TimedEvent {
@@ -33,12 +33,12 @@ class PhysicalKeyboard {
   /// whether the lock is on.
   [[nodiscard]] const libevdev* capabilities() const { return device_.get(); }
 
-  /// Takes the keyboard away from everyone else, unless a key is held: its release would be missed
-  /// by those who have seen its press. Throws std::system_error if the device has gone.
+  /// Grabs the keyboard unless a key is held: programs that have seen the press would miss the
+  /// release. Throws std::system_error if the device has gone.
   Grab grab();
 
-  /// The next of what was typed, if there is more. When the kernel's queue has overflowed,
-  /// SYN_DROPPED is followed by the differences. Throws std::system_error if the device has gone.
+  /// The next event, if there is one. After an overflow of the kernel's queue, SYN_DROPPED is
+  /// followed by the differences. Throws std::system_error if the device has gone.
   std::optional<TimedEvent> takeEvent();
 
   /// The state of each LED that the keyboard really has.

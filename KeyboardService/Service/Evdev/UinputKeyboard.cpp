@@ -11,7 +11,6 @@
 #include <span>
 #include <string>
 
-#include "Base/ErrnoText.h"
 #include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Service/Evdev/KeyboardNodes.h"
 
@@ -69,7 +68,7 @@ void UinputKeyboard::write(const std::vector<InputEvent>& events) {
   std::transform(events.begin(), events.end(), written_.begin(), [](const InputEvent& each) {
     return input_event{{}, each.type, each.code, each.value};
   });
-  // At once, so that no key waits for three calls. The kernel takes all while there is a clone.
+  // In one call, so that keys wait for one only. The kernel takes all while the clone exists.
   [[maybe_unused]] const ssize_t count =
       ::write(descriptor_.get(), written_.data(), written_.size() * sizeof(input_event));
 }

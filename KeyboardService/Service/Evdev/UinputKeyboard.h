@@ -10,12 +10,12 @@
 
 namespace zephlin {
 
-/// A keyboard made through uinput that looks like another one to programs: the same bus, vendor,
-/// product, name and abilities, so that what is configured for the one holds for the other. When it
-/// goes the kernel releases its keys.
+/// A keyboard created through uinput that looks like another one to programs: same bus, vendor,
+/// product, name and capabilities, so that it gets the same configuration. When it is destroyed the
+/// kernel releases its keys.
 class UinputKeyboard {
  public:
-  /// Throws RequestError if uinput is absent or out of reach.
+  /// Throws RequestError if uinput is absent or not accessible.
   explicit UinputKeyboard(const PhysicalKeyboard& original);
 
   [[nodiscard]] int descriptor() const { return descriptor_.get(); }
@@ -26,7 +26,7 @@ class UinputKeyboard {
   /// The LEDs that programs have set since the last call.
   std::vector<InputEvent> takeLedEvents();
 
-  /// Throws RequestError if a clone could not be made.
+  /// Throws RequestError if a clone could not be created.
   static void requireSupport();
 
  private:

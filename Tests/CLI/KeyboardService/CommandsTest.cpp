@@ -93,13 +93,13 @@ TEST(Commands, APluggedKeyboardIsThereUntilItIsPulled) {
                                                                  "100000002    A     (null)\n"
                                                                  "100000003    A     (null)\n"));
   EXPECT_EQ(service.hidutil({"pull", "100000001"}),
-            failure("there is no keyboard 100000001; hidutil list prints those that there are"));
+            failure("no keyboard 100000001; see hidutil list"));
 }
 
 TEST(Commands, NoMoreVirtualKeyboardsThanThereCanBeArePlugged) {
   const RunningService service(256);
   EXPECT_EQ(service.hidutil({"plug"}),
-            failure("there are 256 virtual keyboards, which is the most; pull one first"));
+            failure("virtual keyboard limit reached (256); pull one first"));
 }
 
 TEST(Commands, TheServiceLogsWhatChangesAndByWhom) {

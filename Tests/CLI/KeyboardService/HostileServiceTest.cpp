@@ -54,8 +54,8 @@ class FakeService {
 
 test::Outcome misunderstood(const FakeService& service) {
   return failure("the keyboard service at " + service.socketPath() +
-                 " gave an answer that is not understood; check that hidutil and zephlin-hidd are "
-                 "of the same version");
+                 " sent a response that cannot be understood; check that hidutil and zephlin-hidd "
+                 "are the same version");
 }
 
 test::Outcome misbehaving(const FakeService& service, const std::string& how) {
@@ -85,12 +85,12 @@ TEST(HostileService, AnEndlessLineIsGivenUp) {
     while (::send(client, bytes.data(), bytes.size(), MSG_NOSIGNAL) > 0) {
     }
   });
-  EXPECT_EQ(service.hidutil(), misbehaving(service, "answers without end"));
+  EXPECT_EQ(service.hidutil(), misbehaving(service, "sent an endless response"));
 }
 
 TEST(HostileService, ClosingAtOnceIsSaid) {
   const FakeService service([](int) {});
-  EXPECT_EQ(service.hidutil(), misbehaving(service, "closed the connection without an answer"));
+  EXPECT_EQ(service.hidutil(), misbehaving(service, "closed the connection without a response"));
 }
 
 TEST(HostileService, ClosingInTheMiddleOfAnAnswerIsSaid) {
@@ -98,7 +98,7 @@ TEST(HostileService, ClosingInTheMiddleOfAnAnswerIsSaid) {
     readRequest(client);
     write(client, R"({"response":"get","values":[)");
   });
-  EXPECT_EQ(service.hidutil(), misbehaving(service, "closed the connection without an answer"));
+  EXPECT_EQ(service.hidutil(), misbehaving(service, "closed the connection without a response"));
 }
 
 TEST(HostileService, GarbageIsNotUnderstood) {

@@ -112,7 +112,7 @@ TEST(ServiceStart, ADirectoryThatSomethingElseHasMovedIntoStays) {
 TEST(ServiceStart, MoreThanTheLastLevelIsNotMade) {
   const test::TemporaryDirectory directory;
   EXPECT_EQ(test::run({serviceProgram, "--socket", directory.file("a/b/s")}),
-            serviceFailure("cannot make the directory " + directory.file("a/b") +
+            serviceFailure("cannot create the directory " + directory.file("a/b") +
                            " (No such file or directory); run zephlin-hidd as root, or choose "
                            "another place with --socket"));
 }
@@ -183,7 +183,7 @@ TEST(ServiceStart, AnythingButOneListeningStreamSocketFromSystemdIsRefused) {
     test::TestProcess service({serviceProgram}, handOver(sockets));
     EXPECT_EQ(service.wait(),
               serviceFailure("socket activation needs exactly one listening Unix stream socket; "
-                             "correct the socket unit"));
+                             "fix the socket unit"));
   }
 }
 

@@ -76,12 +76,12 @@ TEST_F(RequestHandlerTest, PlugsAndPulls) {
   EXPECT_EQ(respond(R"({"request":"pull","registryID":"100000004"})", root),
             R"({"response":"pull"})");
   EXPECT_EQ(respond(R"({"request":"pull","registryID":"100000004"})", root),
-            error("there is no keyboard 100000004; hidutil list prints those that there are"));
+            error("no keyboard 100000004; see hidutil list"));
 }
 
 TEST_F(RequestHandlerTest, PullsOnlyVirtualKeyboards) {
   EXPECT_EQ(respond(R"({"request":"pull","registryID":"100000003"})", root),
-            error("keyboard 100000003 is not one that hidutil plug has made; unplug it by hand"));
+            error("keyboard 100000003 was not plugged in by hidutil; unplug it by hand"));
   EXPECT_EQ(registry.size(), 3U);
 }
 
@@ -90,7 +90,7 @@ TEST_F(RequestHandlerTest, RefusesToPlugMoreThanThereCanBe) {
     respond(R"({"request":"plug"})", root);
   }
   EXPECT_EQ(respond(R"({"request":"plug"})", root),
-            error("there are 256 virtual keyboards, which is the most; pull one first"));
+            error("virtual keyboard limit reached (256); pull one first"));
 }
 
 TEST_F(RequestHandlerTest, ReportsTheRefusalOfABus) {

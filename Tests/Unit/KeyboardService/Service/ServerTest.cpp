@@ -113,8 +113,7 @@ TEST_F(ServerTest, AUserHasOnlySoManyConnections) {
   RawClient oneMore = connect();
   EXPECT_EQ(
       receive(oneMore),
-      R"({"response":"error","text":"you have 3 connections to the keyboard service, which is )"
-      R"(the most; close some of them"})");
+      R"({"response":"error","text":"connection limit reached (3 per user); close some connections"})");
   turnUntil([&] { return oneMore.isClosed(); });
 
   clients.pop_back();

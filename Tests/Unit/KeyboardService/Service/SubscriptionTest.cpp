@@ -140,7 +140,7 @@ TEST_F(SubscriptionTest, AnotherRequestIsRefusedBehindTheLinesAndEndsTheConnecti
     EXPECT_EQ(receive(client).find(R"({"appeared":")"), 0U);
   }
   EXPECT_EQ(receive(client),
-            R"({"response":"error","text":"a subscribed connection takes no more requests; make )"
+            R"({"response":"error","text":"a subscribed connection takes no more requests; open )"
             R"(another connection"})");
   turnUntil([&] { return client.isClosed(); });
 }
@@ -153,7 +153,7 @@ TEST_F(SubscriptionTest, ARequestBehindTheSubscriptionIsRefusedToo) {
   turnUntil([&] { return client.isClosed(); });
 }
 
-TEST_F(SubscriptionTest, SubscriptionsOfAUserLeaveRoomForHisRequests) {
+TEST_F(SubscriptionTest, SubscriptionsOfAUserLeaveRoomForRequests) {
   std::vector<RawClient> ofRoot;
   while (::geteuid() == 0 && ofRoot.size() < 3) {
     ofRoot.push_back(subscriber());
@@ -164,9 +164,10 @@ TEST_F(SubscriptionTest, SubscriptionsOfAUserLeaveRoomForHisRequests) {
   clients.push_back(subscriber());
   RawClient third = connect();
   third.send(subscribeRequest + "\n" + listRequest + "\n");
-  EXPECT_EQ(receive(third),
-            R"({"response":"error","text":"you have 2 subscriptions to the keyboard service, )"
-            R"(which is the most; end some of them"})");
+  EXPECT_EQ(
+      receive(third),
+      R"({"response":"error","text":"subscription limit reached (2 per user); end some )"
+      R"(subscriptions"})");
   EXPECT_EQ(receive(third).find(R"({"keyboards":[)"), 0U);
 
   clients.pop_back();
