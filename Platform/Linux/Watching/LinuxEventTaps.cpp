@@ -11,7 +11,7 @@
 
 #include "Platform/Linux/Watching/EndableCallback.h"
 #include "Platform/Linux/Watching/EventDevices.h"
-#include "Platform/Linux/Watching/X11KeyboardState.h"
+#include "Platform/Linux/Watching/X11Keyboard.h"
 
 namespace zephlin {
 

@@ -8,7 +8,7 @@
 #include "Platform/Linux/Watching/EventDevices.h"
 #include "Platform/Linux/Watching/ServiceSubscription.h"
 #include "Platform/Linux/Watching/UdevMonitor.h"
-#include "Platform/Linux/Watching/X11CapsLockKey.h"
+#include "Platform/Linux/Watching/X11Keyboard.h"
 
 namespace zephlin {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "Platform/Linux/Watching/LinuxHidDevices.h"
-#include "Platform/Linux/Watching/X11CapsLockKey.h"
+#include "Platform/Linux/Watching/X11Keyboard.h"
 #include "Tests/Unit/Linux/Watching/Support/PrivateXServer.h"
 #include "Tests/Unit/Linux/Watching/Support/QtLoop.h"
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "Platform/Linux/Watching/LinuxEventTaps.h"
-#include "Platform/Linux/Watching/X11KeyboardState.h"
+#include "Platform/Linux/Watching/X11Keyboard.h"
 #include "Tests/Unit/Linux/Watching/Support/PrivateXServer.h"
 #include "Tests/Unit/Linux/Watching/Support/QtLoop.h"
 
