@@ -28,7 +28,9 @@ class CommandLineTest : public testing::Test {
   }
 
   void replyToSet(const std::string& text, int status = 0) { write("set", text, status, "stdout"); }
-  void replyToGet(const std::string& text, int status = 0) { write("get", text, status, "stdout"); }
+  void replyToGet(const std::string& text, int status = 0, const char* stream = "stdout") {
+    write("get", text, status, stream);
+  }
   /// Replies with a listing of one keyboard for each value.
   void listKeyboards(const std::vector<std::string>& values) {
     std::string text = "RegistryID   Key                     Value\n";
@@ -36,9 +38,6 @@ class CommandLineTest : public testing::Test {
       text += "10000046a    CapsLockDelayOverride   " + value + "\n";
     }
     replyToGet(text);
-  }
-  void replyToGetOnStandardError(const std::string& text, int status) {
-    write("get", text, status, "stderr");
   }
 
   /// What hidutil does instead of replying.

@@ -116,7 +116,7 @@ TEST_F(CommandLineTest, AFailureKeepsTheLineFeedOfTheTool) {
 }
 
 TEST_F(CommandLineTest, ApplyFailsWhenTheReadBackFails) {
-  replyToGetOnStandardError("no service\n", 2);
+  replyToGet("no service\n", 2, "stderr");
   expect({"apply"}, 1, "", "apply failed: hidutil exited with status 2: no service\n\n");
 }
 

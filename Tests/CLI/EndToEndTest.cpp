@@ -73,7 +73,7 @@ TEST(EndToEnd, AKeyboardPluggedLaterIsInstantAfterTheNextApply) {
   EXPECT_EQ(lastLineOf(zephlin("status").output), "Zephlin override is ACTIVE on all keyboards.\n");
 }
 
-TEST(EndToEnd, AnotherDelayIsToldApart) {
+TEST(EndToEnd, AnotherDelayIsCountedSeparately) {
   const KeyboardService service;
   zephlin("apply");
   EXPECT_EQ(hidutil({"property", "--matching", R"({"Product":"Virtual Keyboard 2"})", "--set",

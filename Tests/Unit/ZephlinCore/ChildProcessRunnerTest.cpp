@@ -13,6 +13,8 @@
 #include <functional>
 #include <system_error>
 #include <thread>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "Base/FileDescriptor.h"
@@ -95,11 +97,6 @@ class NothingIsLeft {
   std::string before_;
 };
 
-/// The process that a "leave-grandchild" run printed the identifier of.
-pid_t grandchildOf(const ChildProcessResult& result) {
-  return std::stoi(result.output.value());
-}
-
 TEST(ChildProcessRunner, ExitStatusAndTextAreReturned) {
   EXPECT_EQ(describe(run({"exit", "0"})), "ended 0 ");
   EXPECT_EQ(describe(run({"exit", "3", "one line\n"})), "ended 3 one line\n");
@@ -135,28 +132,23 @@ TEST(ChildProcessRunner, AChildThatDoesNotEndIsKilledAtTheLimit) {
   }
 }
 
-TEST(ChildProcessRunner, OfOutputThatIsTooLongAllIsReadAndNothingIsKept) {
+TEST(ChildProcessRunner, OutputIsKeptWholeOrNotAtAll) {
+  EXPECT_EQ(run({"flood", std::to_string(maximumChildOutputBytes)}).output.value().size(),
+            maximumChildOutputBytes);
   for (const std::size_t size : {maximumChildOutputBytes + 1, 4 * maximumChildOutputBytes}) {
     EXPECT_EQ(describe(run({"flood", std::to_string(size)})), "ended 0 (too long)");
   }
 }
 
-TEST(ChildProcessRunner, OutputThatJustFitsIsKeptWhole) {
-  EXPECT_EQ(run({"flood", std::to_string(maximumChildOutputBytes)}).output.value().size(),
-            maximumChildOutputBytes);
-}
-
-TEST(ChildProcessRunner, AChildThatExitedIsReportedThoughItsOwnChildHoldsThePipe) {
-  const ChildProcessResult result = runPastItsTime({"leave-grandchild", "7"});
-  EXPECT_FALSE(result.timedOut);
-  EXPECT_EQ(result.terminationStatus, 7);
-  EXPECT_EQ(::kill(grandchildOf(result), SIGKILL), 0);
-}
-
-TEST(ChildProcessRunner, AKilledChildIsTimedOutThoughItsOwnChildHoldsThePipe) {
-  const ChildProcessResult result = runPastItsTime({"leave-grandchild", "hang"});
-  EXPECT_TRUE(result.timedOut);
-  EXPECT_EQ(::kill(grandchildOf(result), SIGKILL), 0);
+TEST(ChildProcessRunner, AChildsOwnChildThatHoldsThePipeChangesNothing) {
+  for (const auto& [ending, timedOut, status] :
+       {std::tuple("7", false, 7), std::tuple("hang", true, SIGKILL)}) {
+    const ChildProcessResult result = runPastItsTime({"leave-grandchild", ending});
+    EXPECT_EQ(result.timedOut, timedOut);
+    EXPECT_EQ(result.terminationStatus, status);
+    const pid_t grandchild = std::stoi(result.output.value());
+    EXPECT_EQ(::kill(grandchild, SIGKILL), 0);
+  }
 }
 
 TEST(ChildProcessRunner, ACallerThatStandsStillPastTheLimitGetsWhatAFinishedChildPrinted) {
@@ -181,20 +173,20 @@ TEST(ChildProcessRunner, AChildThatExitsAtTheDeadlineEitherEndedOrTimedOut) {
 }
 
 TEST(ChildProcessRunner, AnExecutableThatCannotBeLaunchedIsThePlatformsError) {
-  const auto codeOf = [](const std::string& path) {
+  const NothingIsLeft nothingIsLeft;
+  for (const auto& [path, error] : {
+           std::pair("/nonexistent/hidutil", "No such file or directory"),
+           std::pair("true", "No such file or directory"),  // PATH is not searched.
+           std::pair("/", "Permission denied"),
+           std::pair(__FILE__, "Permission denied"),
+       }) {
     try {
       static_cast<void>(runChildProcess(path, {}, ample));
-    } catch (const std::system_error& error) {
-      EXPECT_TRUE(std::string(error.what()).starts_with(path + ": ")) << error.what();
-      return error.code();
+      ADD_FAILURE() << path;
+    } catch (const std::system_error& thrown) {
+      EXPECT_EQ(thrown.what(), std::string(path) + ": " + error);
     }
-    return std::error_code();
-  };
-  const NothingIsLeft nothingIsLeft;
-  EXPECT_EQ(codeOf("/nonexistent/hidutil"), std::errc::no_such_file_or_directory);
-  EXPECT_EQ(codeOf("true"), std::errc::no_such_file_or_directory) << "PATH is not searched";
-  EXPECT_EQ(codeOf("/"), std::errc::permission_denied);
-  EXPECT_EQ(codeOf(__FILE__), std::errc::permission_denied);
+  }
 }
 
 TEST(ChildProcessRunner, WithoutDescriptorsToSpareItFailsAndLeavesNothing) {
@@ -324,13 +316,15 @@ TEST(ChildProcessRunner, TheChildInheritsNoMoreThanItShould) {
 }
 
 TEST(ChildProcessRunner, TheCallersOwnSignalMaskStays) {
-  sigset_t before;
-  ::pthread_sigmask(SIG_SETMASK, nullptr, &before);
-  static_cast<void>(run({"exit", "0"}));
-  sigset_t after;
-  ::pthread_sigmask(SIG_SETMASK, nullptr, &after);
+  const auto isBlocked = [](int signal) {
+    sigset_t mask;
+    ::pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+    return sigismember(&mask, signal);
+  };
   for (int signal = 1; signal < NSIG; ++signal) {
-    EXPECT_EQ(sigismember(&before, signal), sigismember(&after, signal));
+    const int before = isBlocked(signal);
+    static_cast<void>(run({"exit", "0"}));
+    EXPECT_EQ(isBlocked(signal), before);
   }
 }
 
