@@ -121,13 +121,14 @@ class Names(unittest.TestCase):
                 self.assertTrue(any(name.search(text) for text in SOURCES.values()))
 
     def test_names_are_in_the_files_that_are_named_with_them(self):
-        page = document("docs/architecture.md").prose()
-        pairs = re.findall(r"((?:`[\w:]+(?:\(\))?`(?:, )?)+)\s+in\s+`([^`]+)`", page)
-        self.assertTrue(pairs)
-        for names, path in pairs:
-            for name in code_in(names):
-                with self.subTest(name=name, path=path):
-                    self.assertRegex(read(path), rf"\b{name.removesuffix('()')}\b")
+        for page in ["docs/architecture.md", "CONTRIBUTING.md"]:
+            pairs = re.findall(r"((?:`[\w:]+(?:\(\))?`(?:, )?)+)\s+in\s+`([^`]+/[^`]+)`",
+                               document(page).prose())
+            self.assertTrue(pairs)
+            for names, path in pairs:
+                for name in code_in(names):
+                    with self.subTest(page=page, name=name, path=path):
+                        self.assertRegex(read(path), rf"\b{name.removesuffix('()')}\b")
 
     def test_messages_are_in_the_code(self):
         texts = [text for path, text in SOURCES.items() if ROOT / "Tests" not in path.parents]
