@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "Tests/Unit/Linux/Watching/Support/QtLoop.h"
+#include "Tests/Support/QtLoop.h"
 
 namespace zephlin::contract {
 

@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCloseEvent>
@@ -9,19 +11,27 @@
 
 #include "Tests/Contract/ContractDesktop.h"
 #include "Tests/Contract/KeyboardService.h"
-#include "Tests/Contract/LinuxEnvironment.h"
 #include "Tests/Contract/LinuxShownWindow.h"
 #include "Tests/Contract/PanelItem.h"
 #include "Tests/Contract/ShownWindows.h"
 #include "Tests/Contract/UserFolders.h"
-#include "Tests/Unit/Linux/StatusItem/FakePanel.h"
-#include "Tests/Unit/Linux/StatusItem/ShownItem.h"
-#include "Tests/Unit/Linux/Watching/Support/QtLoop.h"
+#include "Tests/Support/FakeLogind.h"
+#include "Tests/Support/FakePanel.h"
+#include "Tests/Support/Files.h"
+#include "Tests/Support/PrivateDesktop.h"
+#include "Tests/Support/QtLoop.h"
+#include "Tests/Support/TrayItem.h"
 
 namespace zephlin::contract {
 namespace {
 
+using test::PrivateDesktop;
 using test::PrivateXServer;
+
+/// GoogleTest owns it.
+PrivateDesktop* const privateDesktop =
+    new PrivateDesktop(PrivateDesktop::SessionBus::Present, PrivateDesktop::Application::Absent);
+[[maybe_unused]] const auto* const environment = testing::AddGlobalTestEnvironment(privateDesktop);
 
 std::unique_ptr<Platform> makePlatformWithoutArguments() {
   static int count = 1;
@@ -64,10 +74,8 @@ class LinuxContractDesktop final : public ContractDesktop {
     logind_->prepareForSleep(true);
     logind_->prepareForSleep(false);
   }
-  void pressCapsLock() override { linuxEnvironment().xServer().press(PrivateXServer::capsLock); }
-  void releaseCapsLock() override {
-    linuxEnvironment().xServer().release(PrivateXServer::capsLock);
-  }
+  void pressCapsLock() override { privateDesktop->xServer().press(PrivateXServer::capsLock); }
+  void releaseCapsLock() override { privateDesktop->xServer().release(PrivateXServer::capsLock); }
 
   bool openMenu() override;
   std::vector<ShownMenuItem> menuItems() override { return panelMenuItems(shownItem()); }
@@ -105,27 +113,27 @@ class LinuxContractDesktop final : public ContractDesktop {
   }
 
   void storeTextInDefaults(const std::string& key, const std::string& text) override {
-    writeTo(folders_.defaults(), "{\"" + key + "\": \"" + text + "\"}");
+    test::writeTo(folders_.defaults(), "{\"" + key + "\": \"" + text + "\"}");
   }
-  void spoilDefaults() override { writeTo(folders_.defaults(), "{\"key\": tru"); }
+  void spoilDefaults() override { test::writeTo(folders_.defaults(), "{\"key\": tru"); }
   void switchLoginItemOff() override {
     std::ofstream(folders_.autostart() + "/com.quorvenel.zephlin.desktop", std::ios::app)
         << "Hidden=true\n";
   }
-  void makeLoginItemsFail() override { writeTo(folders_.autostart(), "no folder"); }
+  void makeLoginItemsFail() override { test::writeTo(folders_.autostart(), "no folder"); }
 
  private:
   void startPlatform();
   void stopPlatform();
   void releaseLock();
-  test::ShownItem& shownItem();
+  test::TrayItem& shownItem();
 
   UserFolders folders_;
   std::optional<KeyboardService> service_;
   std::unique_ptr<Platform> platform_;
   std::optional<test::FakeLogind> logind_;
   std::optional<test::FakePanel> panel_;
-  std::optional<test::ShownItem> shownItem_;
+  std::optional<test::TrayItem> shownItem_;
 };
 
 void LinuxContractDesktop::startPlatform() {
@@ -146,12 +154,12 @@ void LinuxContractDesktop::stopPlatform() {
 /// Leaves the lock of the X server's keyboard as it was found.
 void LinuxContractDesktop::releaseLock() {
   if ((platform_->eventTaps().currentModifierFlags() & modifierCapsLock) != 0) {
-    linuxEnvironment().xServer().tap(PrivateXServer::capsLock);
+    privateDesktop->xServer().tap(PrivateXServer::capsLock);
   }
   stopPlatform();
 }
 
-test::ShownItem& LinuxContractDesktop::shownItem() {
+test::TrayItem& LinuxContractDesktop::shownItem() {
   if (!shownItem_) {
     test::eventually([this] { return panel_->registrations() > 0; });
     shownItem_.emplace(panel_->item());
@@ -160,7 +168,7 @@ test::ShownItem& LinuxContractDesktop::shownItem() {
 }
 
 bool LinuxContractDesktop::openMenu() {
-  shownItem().tellAboutToShow();
+  shownItem().aboutToShow();
   return true;
 }
 

@@ -1,6 +1,5 @@
 #include "Tests/Contract/PanelItem.h"
 
-#include <QDBusArgument>
 #include <algorithm>
 
 namespace zephlin::contract {
@@ -20,15 +19,13 @@ std::string withoutMnemonic(const std::string& label) {
   return shown;
 }
 
-/// A list of key equivalents, each a list of keys.
-std::string keyEquivalentOf(const test::ShownEntry& entry) {
-  const auto shortcuts = qdbus_cast<QList<QStringList>>(entry.properties.value("shortcut"));
-  QStringList keys = shortcuts.value(0);
-  return keys.replaceInStrings("Control", "Command").join('-').toStdString();
+std::string keyEquivalentOf(const test::MenuEntry& entry) {
+  QString keys = QString::fromStdString(entry.shortcut());
+  return keys.replace("Control", "Command").replace('+', '-').toStdString();
 }
 
 /// Whether any pixel is not transparent.
-bool isVisible(const test::ShownPicture& picture) {
+bool isVisible(const test::TrayPicture& picture) {
   constexpr qsizetype bytesPerPixel = 4;
   for (qsizetype alpha = 0; alpha < picture.pixels.size(); alpha += bytesPerPixel) {
     if (picture.pixels[alpha] != 0) {
@@ -40,29 +37,29 @@ bool isVisible(const test::ShownPicture& picture) {
 
 }  // namespace
 
-std::vector<ShownMenuItem> panelMenuItems(test::ShownItem& item) {
+std::vector<ShownMenuItem> panelMenuItems(test::TrayItem& item) {
   std::vector<ShownMenuItem> items;
-  for (const test::ShownEntry& entry : item.layout()) {
+  for (const test::MenuEntry& entry : item.entries()) {
     items.push_back({.title = withoutMnemonic(entry.label()),
-                     .isSeparator = entry.properties.value("type") == "separator",
-                     .isEnabled = entry.properties.value("enabled", true).toBool(),
-                     .isChecked = entry.properties.value("toggle-state").toInt() == 1,
+                     .isSeparator = entry.isSeparator(),
+                     .isEnabled = entry.isEnabled(),
+                     .isChecked = entry.isChecked(),
                      .keyEquivalent = keyEquivalentOf(entry)});
   }
   return items;
 }
 
-bool choosePanelMenuItem(test::ShownItem& item, const std::string& title) {
-  for (const test::ShownEntry& entry : item.layout()) {
+bool choosePanelMenuItem(test::TrayItem& item, const std::string& title) {
+  for (const test::MenuEntry& entry : item.entries()) {
     if (withoutMnemonic(entry.label()) == title) {
-      item.choose(entry);
+      item.click(entry.id);
       return true;
     }
   }
   return false;
 }
 
-bool hasPanelImage(test::ShownItem& item) {
+bool hasPanelImage(test::TrayItem& item) {
   const auto pictures = item.pictures();
   return !item.text("IconName").empty() || std::any_of(pictures.begin(), pictures.end(), isVisible);
 }

@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "Tests/Support/TemporaryDirectory.h"
@@ -28,10 +27,5 @@ class UserFolders {
  private:
   test::TemporaryDirectory folder_;
 };
-
-inline void writeTo(const std::filesystem::path& path, const std::string& content) {
-  std::filesystem::create_directories(path.parent_path());
-  std::ofstream(path) << content;
-}
 
 }  // namespace zephlin::contract

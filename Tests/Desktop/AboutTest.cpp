@@ -11,7 +11,7 @@ namespace {
 class AboutAlert : public DesktopTest {
  protected:
   void open() {
-    app_.menu().choose("About Zephlin");
+    app_.item().choose("About Zephlin");
     desktop().screen().waitForWindow("Zephlin");
     waitUntil("the alert to be in front",
               [&] { return desktop().screen().titleOfActiveWindow() == "Zephlin"; });
@@ -66,7 +66,7 @@ TEST_F(AboutAlert, IsShownOnceHoweverOftenItIsChosen) {
 TEST_F(AboutAlert, KeepsOtherWindowsFromBeingUsedUntilItIsClosed) {
   const Accessibility reader(desktop().sessionBus());
   const Screen& screen = desktop().screen();
-  app_.menu().choose("Tap Test…");
+  app_.item().choose("Tap Test…");
   const xcb_window_t window = screen.waitForWindow("Tap Test");
   open();
   screen.close(window);

@@ -3,13 +3,14 @@
 #include <QCoreApplication>
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <limits>
 #include <vector>
 
 #include "Tests/Desktop/Harness/App.h"
-#include "Tests/Desktop/Harness/PrivateMachine.h"
-#include "Tests/Desktop/Harness/ProcessFigures.h"
-#include "Tests/Desktop/Harness/Registrations.h"
 #include "Tests/Desktop/Harness/Waiting.h"
+#include "Tests/Support/PrivateMachine.h"
 
 namespace zephlin::test {
 namespace {
@@ -21,6 +22,67 @@ void pass(double seconds) {
   const double until = monotonicSeconds() + seconds;
   waitUntil("time to pass", [&] { return monotonicSeconds() > until; });
 }
+
+/// The number behind a name in a file of lines with a name and a number.
+long numberIn(const std::filesystem::path& file, const std::string& name) {
+  std::ifstream stream(file);
+  for (std::string word; stream >> word;) {
+    long number = 0;
+    if (word == name && stream >> number) {
+      return number;
+    }
+    stream.clear();
+    stream.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+  }
+  return 0;
+}
+
+std::filesystem::path folderOf(pid_t process) {
+  return "/proc/" + std::to_string(process);
+}
+
+/// What a process has in memory, in KiB (proc(5), smaps_rollup).
+struct MemoryFigures {
+  long residentSet = 0;
+  long proportionalSet = 0;  ///< With its share of the pages that others have too.
+};
+
+MemoryFigures memoryOf(pid_t process) {
+  const auto file = folderOf(process) / "smaps_rollup";
+  return {numberIn(file, "Rss:"), numberIn(file, "Pss:")};
+}
+
+/// How often its threads have waited, and so been woken, since they began (proc(5), status).
+long wakeUpsOf(pid_t process) {
+  long sum = 0;
+  for (const auto& thread : std::filesystem::directory_iterator(folderOf(process) / "task")) {
+    sum += numberIn(thread.path() / "status", "voluntary_ctxt_switches:");
+  }
+  return sum;
+}
+
+/// Notes when a tray takes status notifier items.
+class Registrations final : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit Registrations(BusConnection& sessionBus) {
+    sessionBus.get().connect(trayWatcher, "/StatusNotifierWatcher", trayWatcher,
+                             "StatusNotifierItemRegistered", this, SLOT(itemRegistered(QString)));
+  }
+
+  /// Waits for the next item; monotonic seconds. Throws std::runtime_error after a minute.
+  double waitForNext() {
+    lastAt_ = 0;
+    waitUntil("a tray item", [this] { return lastAt_ != 0; });
+    return lastAt_;
+  }
+
+ private:
+  Q_SLOT void itemRegistered(const QString& /*item*/) { lastAt_ = monotonicSeconds(); }
+
+  double lastAt_ = 0;
+};
 
 /// What was measured in turn of the application and of the empty one.
 class Pairs {
@@ -125,13 +187,13 @@ void measureGrowth(Desktop& desktop) {
   App app(desktop);
   app.waitForStatusLine("On. Every tap registers instantly");
   measureGrowth(app, "1000 menu openings", 1000, [&] {
-    app.menu().aboutToShow();
-    app.menu().opened();
-    app.menu().entries();
-    app.menu().closed();
+    app.item().aboutToShow();
+    app.item().opened();
+    app.item().entries();
+    app.item().closed();
   });
   measureGrowth(app, "200 tap tests", 200, [&] {
-    app.menu().choose("Tap Test…");
+    app.item().choose("Tap Test…");
     desktop.screen().close(desktop.screen().waitForWindow("Tap Test"));
     desktop.screen().waitUntilNoWindow("Tap Test");
   });
@@ -150,10 +212,13 @@ void measure() {
 }  // namespace zephlin::test
 
 int main(int argc, char* argv[]) {
-  zephlin::test::enterPrivateMachine({{"Zephlin", ZEPHLIN_PROGRAM},
-                                      {"hidutil", OBSERVED_HIDUTIL_PROGRAM},
-                                      {"zephlin-hidd", SERVICE_PROGRAM}});
+  zephlin::test::enterPrivateMachine(zephlin::test::Identity::Root);
+  zephlin::test::addPrograms({{"Zephlin", ZEPHLIN_PROGRAM},
+                              {"hidutil", OBSERVED_HIDUTIL_PROGRAM},
+                              {"zephlin-hidd", SERVICE_PROGRAM}});
   const QCoreApplication application(argc, argv);
   zephlin::test::measure();
   return 0;
 }
+
+#include "Benchmark.moc"

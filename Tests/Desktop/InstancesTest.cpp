@@ -17,7 +17,7 @@ TEST_F(Instances, ASecondStartShowsTheTapTestOfTheFirstAndEnds) {
   App second(desktop(), {.home = first.home()});
   EXPECT_EQ(second.program().waitForEnd(), 0);
   const xcb_window_t window = desktop().screen().waitForWindow("Tap Test");
-  EXPECT_EQ(registeredItems(desktop().sessionBus()).size(), 1);
+  EXPECT_EQ(desktop().registeredItems().size(), 1);
   EXPECT_FALSE(first.program().hasEnded());
 
   // Also when it is hidden again.
@@ -37,7 +37,7 @@ TEST_F(Instances, APreviewIsShownByTheInstanceThatRunsAlready) {
                .environment = {{"ZEPHLIN_PREVIEW", "taptest"}, {"ZEPHLIN_PREVIEW_OUT", file}}});
   EXPECT_EQ(preview.program().waitForEnd(), 0);
   desktop().screen().waitForWindow("Tap Test");
-  EXPECT_EQ(registeredItems(desktop().sessionBus()).size(), 1);
+  EXPECT_EQ(desktop().registeredItems().size(), 1);
   EXPECT_FALSE(std::filesystem::exists(file));
   EXPECT_FALSE(first.program().hasEnded());
 }
@@ -94,7 +94,7 @@ TEST_F(Instances, SettingsAreWholeAfterItWasKilledAtAnyMoment) {
     app.item();
     const double until = monotonicSeconds() + lifetime(random);
     while (monotonicSeconds() < until) {
-      app.menu().click(app.menu().entry("Instant Caps Lock").id);
+      app.item().click(app.item().entry("Instant Caps Lock").id);
     }
     app.program().send(SIGKILL);
     EXPECT_EQ(app.program().waitForEnd(), -SIGKILL);
@@ -102,8 +102,8 @@ TEST_F(Instances, SettingsAreWholeAfterItWasKilledAtAnyMoment) {
   }
   App last(desktop(), {.home = home});
   // One that is off leaves the keyboards as they are.
-  if (!last.menu().entry("Instant Caps Lock").isChecked) {
-    last.menu().choose("Instant Caps Lock");
+  if (!last.item().entry("Instant Caps Lock").isChecked()) {
+    last.item().choose("Instant Caps Lock");
   }
   last.waitForStatusLine("On. Every tap registers instantly");
   EXPECT_TRUE(desktop().keyboards().allAre("0"));

@@ -2,11 +2,28 @@
 
 #include <filesystem>
 
-#include "Tests/Desktop/Harness/Bundle.h"
 #include "Tests/Desktop/Harness/DesktopTest.h"
 
 namespace zephlin::test {
 namespace {
+
+/// The built application in a folder Zephlin.app of its own.
+class Bundle {
+ public:
+  Bundle() {
+    namespace files = std::filesystem;
+    const files::path bundle = folder_.file("Zephlin.app");
+    files::create_directory(bundle);
+    for (const char* file : {ZEPHLIN_PROGRAM, ZEPHLIN_MODULE}) {
+      files::copy(file, bundle / files::path(file).filename());
+    }
+  }
+
+  [[nodiscard]] std::string program() const { return folder_.file("Zephlin.app/Zephlin"); }
+
+ private:
+  TemporaryDirectory folder_;
+};
 
 std::string entryFile(const std::string& home) {
   return home + "/.config/autostart/com.quorvenel.zephlin.desktop";
@@ -15,8 +32,8 @@ std::string entryFile(const std::string& home) {
 class LoginItem : public DesktopTest {
  protected:
   [[nodiscard]] bool isChecked(App& app) const {
-    app.menu().aboutToShow();
-    return app.menu().entry("Start at Login").isChecked;
+    app.item().aboutToShow();
+    return app.item().entry("Start at Login").isChecked();
   }
 
   const Bundle bundle_;
@@ -28,7 +45,7 @@ TEST_F(LoginItem, IsRegisteredAtTheFirstLaunch) {
   waitUntil("the entry", [&] { return std::filesystem::exists(file); });
   EXPECT_NE(contentOf(file).find("Exec=\"" + bundle_.program() + "\""), std::string::npos)
       << contentOf(file);
-  EXPECT_TRUE(app.menu().entry("Start at Login").isEnabled);
+  EXPECT_TRUE(app.item().entry("Start at Login").isEnabled());
   EXPECT_TRUE(isChecked(app));
 }
 
@@ -38,7 +55,7 @@ TEST_F(LoginItem, StaysOffOnceItWasTurnedOff) {
     App app(desktop(), {.command = {bundle_.program()}});
     home = app.home();
     waitUntil("a checked entry", [&] { return isChecked(app); });
-    app.menu().choose("Start at Login");
+    app.item().choose("Start at Login");
     waitUntil("an entry without check mark", [&] { return !isChecked(app); });
     EXPECT_FALSE(std::filesystem::exists(entryFile(home)));
   }
@@ -47,7 +64,7 @@ TEST_F(LoginItem, StaysOffOnceItWasTurnedOff) {
   EXPECT_FALSE(isChecked(next));
   EXPECT_FALSE(std::filesystem::exists(entryFile(home)));
 
-  next.menu().choose("Start at Login");
+  next.item().choose("Start at Login");
   waitUntil("a checked entry", [&] { return isChecked(next); });
   EXPECT_TRUE(std::filesystem::exists(entryFile(home)));
 }

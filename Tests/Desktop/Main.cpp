@@ -3,14 +3,15 @@
 #include <QCoreApplication>
 #include <cstdio>
 
-#include "Tests/Desktop/Harness/PrivateMachine.h"
+#include "Tests/Support/PrivateMachine.h"
 
 int main(int argc, char* argv[]) {
   testing::InitGoogleTest(&argc, argv);
   if (!GTEST_FLAG_GET(list_tests)) {
-    zephlin::test::enterPrivateMachine({{"Zephlin", ZEPHLIN_PROGRAM},
-                                        {"hidutil", OBSERVED_HIDUTIL_PROGRAM},
-                                        {"zephlin-hidd", SERVICE_PROGRAM}});
+    zephlin::test::enterPrivateMachine(zephlin::test::Identity::Root);
+    zephlin::test::addPrograms({{"Zephlin", ZEPHLIN_PROGRAM},
+                                {"hidutil", OBSERVED_HIDUTIL_PROGRAM},
+                                {"zephlin-hidd", SERVICE_PROGRAM}});
   }
   const QCoreApplication application(argc, argv);
   const int status = RUN_ALL_TESTS();

@@ -31,10 +31,10 @@ class MenuActions : public DesktopTest {};
 TEST_F(MenuActions, InstantCapsLockTurnsTheOverrideOffAndOnAgain) {
   App app(desktop());
   desktop().keyboards().waitUntilAllAre("0");
-  app.menu().choose("Instant Caps Lock");
+  app.item().choose("Instant Caps Lock");
   desktop().keyboards().waitUntilAllAre("-1");
   app.waitForStatusLine("Off, using your Mac's normal delay");
-  app.menu().choose("Instant Caps Lock");
+  app.item().choose("Instant Caps Lock");
   desktop().keyboards().waitUntilAllAre("0");
   app.waitForStatusLine("On. Every tap registers instantly");
 }
@@ -45,7 +45,7 @@ TEST_F(MenuActions, TheChoiceOutlivesTheApplication) {
     App app(desktop());
     home = app.home();
     desktop().keyboards().waitUntilAllAre("0");
-    app.menu().choose("Instant Caps Lock");
+    app.item().choose("Instant Caps Lock");
     desktop().keyboards().waitUntilAllAre("-1");
   }
   App next(desktop(), {.home = home});
@@ -58,7 +58,7 @@ TEST_F(MenuActions, ReapplyNowAppliesOnce) {
   app.waitForStatusLine("On. Every tap registers instantly");
   desktop().keyboards().setAll(75);
   const double chosenAt = monotonicSeconds();
-  app.menu().choose("Re-apply Now");
+  app.item().choose("Re-apply Now");
   desktop().keyboards().waitUntilAllAre("0");
   app.waitForStatusLine("On. Every tap registers instantly");
   EXPECT_EQ(desktop().hidutil().settingSince(chosenAt).size(), 1U);
@@ -66,7 +66,7 @@ TEST_F(MenuActions, ReapplyNowAppliesOnce) {
 
 TEST_F(MenuActions, TapTestOpensItsWindowInFront) {
   App app(desktop());
-  app.menu().choose("Tap Test…");
+  app.item().choose("Tap Test…");
   desktop().screen().waitForWindow("Tap Test");
   waitUntil("the window to be in front",
             [&] { return desktop().screen().titleOfActiveWindow() == "Tap Test"; });
@@ -74,7 +74,7 @@ TEST_F(MenuActions, TapTestOpensItsWindowInFront) {
 
 TEST_F(MenuActions, CheckForUpdatesShowsAnAlert) {
   App app(desktop());
-  app.menu().choose("Check for Updates…");
+  app.item().choose("Check for Updates…");
   const xcb_window_t window = desktop().screen().waitForWindow("Zephlin");
   waitUntil("the window to be in front",
             [&] { return desktop().screen().titleOfActiveWindow() == "Zephlin"; });
@@ -103,7 +103,7 @@ TEST_F(MenuActions, QuitRunsHidutilNoMore) {
   App app(desktop());
   app.waitForStatusLine("On. Every tap registers instantly");
   const double chosenAt = monotonicSeconds();
-  app.menu().choose("Re-apply Now");
+  app.item().choose("Re-apply Now");
   // It reads the status twice, for itself and for the menu, and that is the last of what is queued.
   std::size_t runs = 0;
   waitUntil("the status to be read", [&] {
@@ -111,7 +111,7 @@ TEST_F(MenuActions, QuitRunsHidutilNoMore) {
     runs = all.size();
     return runs >= 3 && all[runs - 3].sets && all[runs - 3].startedAt >= chosenAt;
   });
-  app.menu().clickAtOnce(app.menu().entry("Quit Zephlin").id);
+  app.item().clickAtOnce(app.item().entry("Quit Zephlin").id);
   EXPECT_EQ(app.program().waitForEnd(), 0);
   EXPECT_EQ(desktop().hidutil().all().size(), runs);
 }
@@ -121,11 +121,11 @@ TEST_F(MenuActions, QuitWaitsForNoRunOfHidutilAndEndsTheOneThatHangs) {
   app.waitForStatusLine("On. Every tap registers instantly");
   desktop().hidutil().hold();
   const std::size_t runsBefore = desktop().hidutil().all().size();
-  app.menu().choose("Re-apply Now");
+  app.item().choose("Re-apply Now");
   waitUntil("a run that hangs", [&] { return desktop().hidutil().all().size() > runsBefore; });
   const std::vector<pid_t> children = childrenOf(app.program().id());
   ASSERT_EQ(children.size(), 1U);
-  app.menu().clickAtOnce(app.menu().entry("Quit Zephlin").id);
+  app.item().clickAtOnce(app.item().entry("Quit Zephlin").id);
   EXPECT_EQ(app.program().waitForEnd(), 0);
   waitUntil("the end of the run", [&] { return hasEnded(children.front()); });
   EXPECT_EQ(desktop().hidutil().all().size(), runsBefore + 1);
@@ -134,24 +134,23 @@ TEST_F(MenuActions, QuitWaitsForNoRunOfHidutilAndEndsTheOneThatHangs) {
 TEST_F(MenuActions, AThousandQuickClicksSettleOnTheLast) {
   App app(desktop());
   app.waitForStatusLine("On. Every tap registers instantly");
-  const int id = app.menu().entry("Instant Caps Lock").id;
+  const int id = app.item().entry("Instant Caps Lock").id;
   const double firstAt = monotonicSeconds();
-  constexpr std::size_t clicks = 1001;
-  for (std::size_t click = 0; click < clicks; ++click) {
-    app.menu().clickAtOnce(id);
-  }
-  constexpr std::size_t stage = 143;
-  for (std::size_t done = stage; done <= clicks; done += stage) {
-    waitUntil(std::to_string(done) + " results",
-              [&] { return desktop().hidutil().settingSince(firstAt).size() >= done; });
+  constexpr int clicks = 1001;
+  app.item().clickAtOnce(id, clicks);
+  constexpr int stage = 143;
+  for (int done = stage; done <= clicks; done += stage) {
+    waitUntil(std::to_string(done) + " results", [&] {
+      return desktop().hidutil().settingSince(firstAt).size() >= static_cast<std::size_t>(done);
+    });
   }
   desktop().keyboards().waitUntilAllAre("-1");
   app.waitForStatusLine("Off, using your Mac's normal delay");
   app.waitForToolTip("Zephlin: disabled (Apple default delay)");
-  const MenuEntry entry = app.menu().entry("Instant Caps Lock");
+  const MenuEntry entry = app.item().entry("Instant Caps Lock");
   EXPECT_EQ(entry.id, id);
-  EXPECT_FALSE(entry.isChecked);
-  EXPECT_EQ(desktop().hidutil().settingSince(firstAt).size(), clicks);
+  EXPECT_FALSE(entry.isChecked());
+  EXPECT_EQ(desktop().hidutil().settingSince(firstAt).size(), static_cast<std::size_t>(clicks));
 }
 
 }  // namespace

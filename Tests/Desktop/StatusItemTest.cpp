@@ -79,13 +79,13 @@ TEST_F(StatusItem, HasAnIconAndAToolTipOfItsOwnInEachState) {
   app.waitForToolTip(instantToolTip);
   const QImage instant = waitForOtherThan(empty);
 
-  app.menu().choose("Instant Caps Lock");
+  app.item().choose("Instant Caps Lock");
   app.waitForToolTip(disabledToolTip);
   const QImage disabled = waitForOtherThan(instant);
   desktop().photograph("icon-disabled");
 
   desktop().hidutil().fail("the keyboards are gone");
-  app.menu().choose("Instant Caps Lock");
+  app.item().choose("Instant Caps Lock");
   app.waitForToolTip(failedToolTip);
   waitUntil("the warning symbol", [&] {
     return picture() != disabled && picture() != instant && picture() != empty &&
@@ -103,7 +103,7 @@ TEST_F(StatusItem, WarnsWhileHidutilFailsAndNoMoreAfterReapplyNow) {
       "Zephlin: failed to apply override: hidutil exited with status 1: the keyboards are gone"));
 
   desktop().hidutil().recover();
-  app.menu().choose("Re-apply Now");
+  app.item().choose("Re-apply Now");
   app.waitForToolTip(instantToolTip);
   app.waitForStatusLine("On. Every tap registers instantly");
   EXPECT_TRUE(desktop().keyboards().allAre("0"));

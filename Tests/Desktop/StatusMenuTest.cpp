@@ -26,13 +26,13 @@ void PrintTo(const Shown& entry, std::ostream* stream) {
 
 const Shown separator{"(separator)"};
 
-std::vector<Shown> shownBy(const TrayMenu& menu) {
+std::vector<Shown> shownBy(const TrayItem& item) {
   std::vector<Shown> result;
-  for (const MenuEntry& entry : menu.entries()) {
-    EXPECT_TRUE(entry.isVisible) << entry.label;
-    result.push_back(entry.isSeparator
-                         ? separator
-                         : Shown{entry.label, entry.isEnabled, entry.isChecked, entry.shortcut});
+  for (const MenuEntry& entry : item.entries()) {
+    EXPECT_TRUE(entry.isVisible()) << entry.label();
+    result.push_back(entry.isSeparator() ? separator
+                                         : Shown{entry.label(), entry.isEnabled(),
+                                                 entry.isChecked(), entry.shortcut()});
   }
   return result;
 }
@@ -49,6 +49,11 @@ std::vector<Shown> expectedMenu(const std::string& statusLine, bool isOn) {
           {"Check for Updates…"},
           {"About Zephlin"},
           {"Quit Zephlin", true, false, "Control+Q"}};
+}
+
+/// How often the menu has said that something of it has changed.
+int announcedChanges(const TrayItem& item) {
+  return item.signalsSent("LayoutUpdated") + item.signalsSent("ItemsPropertiesUpdated");
 }
 
 class StatusMenu : public DesktopTest {
@@ -82,22 +87,22 @@ TEST_F(StatusMenu, HasElevenEntriesTwiceInARow) {
   App app(desktop());
   app.waitForStatusLine(onLine);
   for (int opening = 0; opening < 2; ++opening) {
-    app.menu().aboutToShow();
-    app.menu().opened();
-    EXPECT_EQ(shownBy(app.menu()), expectedMenu(onLine, true));
-    app.menu().closed();
+    app.item().aboutToShow();
+    app.item().opened();
+    EXPECT_EQ(shownBy(app.item()), expectedMenu(onLine, true));
+    app.item().closed();
   }
 }
 
 TEST_F(StatusMenu, IsUpToDateForAHostThatDoesNotAnnounceItself) {
   App app(desktop());
-  waitUntil("the first result", [&] { return app.menu().statusLine() == onLine; });
-  app.menu().click(app.menu().entry("Instant Caps Lock").id);
+  waitUntil("the first result", [&] { return app.item().statusLine() == onLine; });
+  app.item().click(app.item().entry("Instant Caps Lock").id);
   waitUntil("the menu when it is off",
-            [&] { return shownBy(app.menu()) == expectedMenu(offLine, false); });
-  app.menu().click(app.menu().entry("Instant Caps Lock").id);
+            [&] { return shownBy(app.item()) == expectedMenu(offLine, false); });
+  app.item().click(app.item().entry("Instant Caps Lock").id);
   waitUntil("the menu when it is on",
-            [&] { return shownBy(app.menu()) == expectedMenu(onLine, true); });
+            [&] { return shownBy(app.item()) == expectedMenu(onLine, true); });
 }
 
 TEST_F(StatusMenu, ChangesItsStatusLineWhileItIsOpen) {
@@ -105,19 +110,19 @@ TEST_F(StatusMenu, ChangesItsStatusLineWhileItIsOpen) {
   app.waitForStatusLine(onLine);
   desktop().hidutil().hold();
   const double heldAt = monotonicSeconds();
-  app.menu().aboutToShow();
-  app.menu().opened();
+  app.item().aboutToShow();
+  app.item().opened();
   // One run at a time: nothing else is read while this one is held.
   waitUntil("a run of hidutil",
             [&] { return desktop().hidutil().all().back().startedAt > heldAt; });
   desktop().keyboards().setAll(75);
-  EXPECT_EQ(app.menu().statusLine(), onLine);
+  EXPECT_EQ(app.item().statusLine(), onLine);
 
-  const int changes = app.menu().announcedChanges();
+  const int changes = announcedChanges(app.item());
   desktop().hidutil().release();
-  waitUntil("an announcement", [&] { return app.menu().announcedChanges() > changes; });
+  waitUntil("an announcement", [&] { return announcedChanges(app.item()) > changes; });
   waitUntil("the new line",
-            [&] { return app.menu().statusLine() == "Couldn't confirm. Try Re-apply Now"; });
+            [&] { return app.item().statusLine() == "Couldn't confirm. Try Re-apply Now"; });
 }
 
 TEST_F(StatusMenu, ShowsInThePanelAndTakesAChoice) {
@@ -136,7 +141,7 @@ TEST_F(StatusMenu, ShowsInThePanelAndTakesAChoice) {
   desktop().keyboards().waitUntilAllAre("-1");
 
   openInPanel(rightButton);
-  waitUntil("the status line", [&] { return app.menu().statusLine() == offLine; });
+  waitUntil("the status line", [&] { return app.item().statusLine() == offLine; });
   desktop().photograph("menu-in-panel-off");
   desktop().fingers().tap(Key::Escape);
   waitUntilNoMenu();

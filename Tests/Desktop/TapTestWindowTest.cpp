@@ -42,7 +42,7 @@ class TapTestWindow : public DesktopTest {
   }
 
   void open() {
-    app_.menu().choose("Tap Test…");
+    app_.item().choose("Tap Test…");
     window_ = desktop().screen().waitForWindow("Tap Test");
     waitForText("Waiting for taps…");
   }

@@ -13,8 +13,7 @@ TEST_F(TrayHosts, TheIconIsBackWhenThePanelIsRestarted) {
   for (int restart = 0; restart < 2; ++restart) {
     desktop().stopPanel();
     desktop().panel().waitForIcon();
-    waitUntil("the item's registration",
-              [&] { return registeredItems(desktop().sessionBus()).size() == 1; });
+    waitUntil("the item's registration", [&] { return desktop().registeredItems().size() == 1; });
   }
   EXPECT_EQ(app.quit(), 0);
 }

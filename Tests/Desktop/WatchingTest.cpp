@@ -49,9 +49,9 @@ TEST_F(Watching, KeyboardsPluggedTogetherAreOneApply) {
 }
 
 TEST_F(Watching, AWakeAppliesAfterTwoSecondsAndAgainAfterTen) {
-  desktop().loginManager().prepareForSleep(true);
+  desktop().logind().prepareForSleep(true);
   const double wokenAt = monotonicSeconds();
-  desktop().loginManager().prepareForSleep(false);
+  desktop().logind().prepareForSleep(false);
   const std::vector<double> applies = waitForApplies(wokenAt, 2);
   ASSERT_EQ(applies.size(), 2U);
   EXPECT_GE(applies.front(), 2.0);
@@ -66,13 +66,13 @@ TEST_F(Watching, ARestartedServiceGetsTheOverrideAgain) {
 }
 
 TEST_F(Watching, NothingIsAppliedWhileItIsOff) {
-  app_.menu().choose("Instant Caps Lock");
+  app_.item().choose("Instant Caps Lock");
   desktop().keyboards().waitUntilAllAre("-1");
   app_.waitForStatusLine("Off, using your Mac's normal delay");
   const double pluggedAt = monotonicSeconds();
   const std::string plugged = desktop().keyboards().plug();
-  desktop().loginManager().prepareForSleep(true);
-  desktop().loginManager().prepareForSleep(false);
+  desktop().logind().prepareForSleep(true);
+  desktop().logind().prepareForSleep(false);
   // Later than any debounced apply would come.
   waitUntil("three seconds to pass", [&] { return monotonicSeconds() > pluggedAt + 3; });
   EXPECT_EQ(desktop().keyboards().delays(), (std::vector<std::string>{"-1", "-1", "(null)"}));

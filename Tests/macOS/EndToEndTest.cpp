@@ -4,22 +4,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
+#include "Tests/Support/Files.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 extern char** environ;  // macOS declares it nowhere.
 
 namespace zephlin::test {
 namespace {
-
-std::string contents(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
@@ -60,7 +54,7 @@ TEST(EndToEndTest, ThePreviewOfTheWholeProgramWritesItsPictureAndExits) {
                  {"ZEPHLIN_PREVIEW=taptest", "ZEPHLIN_PREVIEW_OUT=" + folder.file("preview.png")},
                  folder.file("output")),
       0);
-  EXPECT_EQ(contents(folder.file("preview.png")).substr(0, 8), "\x89PNG\r\n\x1a\n");
+  EXPECT_EQ(contentOf(folder.file("preview.png")).substr(0, 8), "\x89PNG\r\n\x1a\n");
 }
 
 TEST(EndToEndTest, ThePreviewToAPlaceThatCannotBeWrittenExitsAllTheSame) {
@@ -76,7 +70,7 @@ TEST(EndToEndTest, ACommandRunsWithoutTheApplication) {
   const TemporaryDirectory folder;
   // An application would find no display.
   EXPECT_EQ(runZephlin({"apply"}, {"DISPLAY="}, folder.file("output")), 0);
-  EXPECT_EQ(contents(folder.file("output")),
+  EXPECT_EQ(contentOf(folder.file("output")),
             "Caps Lock delay override applied and verified (0 ms on 1 keyboard service).\n");
 }
 

@@ -1,10 +1,9 @@
-#include <cstdlib>
-
 #include "StandIns/Actions.h"
 #include "StandIns/CallLog.h"
 #include "StandIns/Knobs.h"
 #import "Support/ApplicationTest.h"
 #import "Support/StandInMac.h"
+#include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/FakeHidutil.h"
 
 namespace zephlin::test {
@@ -43,8 +42,8 @@ TEST_F(LaunchOnStandInsTest, TheApplicationIsSetUpInOrderAndTakenDownInOrder) {
 
 TEST_F(LaunchOnStandInsTest, TheStepsOfLaunchingComeInOrder) {
   standins::knobs().mainBundlePath = "/Applications/Zephlin.app";
-  ::setenv("ZEPHLIN_PREVIEW", "taptest", 1);
-  ::setenv("ZEPHLIN_PREVIEW_OUT", "/nowhere/preview.png", 1);
+  const EnvironmentVariable preview("ZEPHLIN_PREVIEW", "taptest");
+  const EnvironmentVariable picture("ZEPHLIN_PREVIEW_OUT", "/nowhere/preview.png");
   launch([] {
     EXPECT_EQ(
         standins::calls({"IOHIDManagerOpen", "IOService", "NSRunLoop", "NSStatus",
@@ -59,8 +58,6 @@ TEST_F(LaunchOnStandInsTest, TheStepsOfLaunchingComeInOrder) {
                "dispatch_async(serial)", "IOHIDManagerOpen(0)", "NSWindow makeKeyAndOrderFront:",
                "dispatch_after(1.000 s, main)", "SMAppService register"}));
   });
-  ::unsetenv("ZEPHLIN_PREVIEW");
-  ::unsetenv("ZEPHLIN_PREVIEW_OUT");
 }
 
 TEST_F(LaunchOnStandInsTest, NothingIsLeftWhenTheApplicationHasEnded) {

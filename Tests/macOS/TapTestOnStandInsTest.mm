@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 
 #include "StandIns/Actions.h"
@@ -7,6 +6,7 @@
 #include "StandIns/Knobs.h"
 #import "Support/ApplicationTest.h"
 #import "Support/StandInMac.h"
+#include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 namespace zephlin::test {
@@ -86,8 +86,8 @@ TEST_F(TapTestOnStandInsTest, WithoutPermissionsTheFailuresAreLoggedAndThePollin
 
 TEST_F(TapTestOnStandInsTest, ThePreviewWritesItsPictureAfterASecondAndQuits) {
   const TemporaryDirectory folder;
-  ::setenv("ZEPHLIN_PREVIEW", "taptest", 1);
-  ::setenv("ZEPHLIN_PREVIEW_OUT", folder.file("preview.png").c_str(), 1);
+  const EnvironmentVariable preview("ZEPHLIN_PREVIEW", "taptest");
+  const EnvironmentVariable out("ZEPHLIN_PREVIEW_OUT", folder.file("preview.png"));
   launch([&folder] {
     standins::advance(0.999);
     EXPECT_FALSE(std::filesystem::exists(folder.file("preview.png")));
@@ -96,8 +96,6 @@ TEST_F(TapTestOnStandInsTest, ThePreviewWritesItsPictureAfterASecondAndQuits) {
     EXPECT_TRUE(std::filesystem::exists(folder.file("preview.png")));
     EXPECT_EQ(standins::calls({"NSApplication"}), Calls{"NSApplication terminate:nil"});
   });
-  ::unsetenv("ZEPHLIN_PREVIEW");
-  ::unsetenv("ZEPHLIN_PREVIEW_OUT");
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 #include <algorithm>
-#include <cstdlib>
 
 #import "Support/ApplicationTest.h"
 #import "Support/Mac.h"
+#include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Zephlin/RunApplication.h"
 
@@ -36,12 +36,10 @@ TEST_F(TapTestTest, ItWaitsForTaps) {
 
 TEST_F(TapTestTest, ThePreviewWritesAPictureOfTheWindowAndQuits) {
   const TemporaryDirectory folder;
-  ::setenv("ZEPHLIN_PREVIEW", "taptest", 1);
-  ::setenv("ZEPHLIN_PREVIEW_OUT", folder.file("preview.png").c_str(), 1);
+  const EnvironmentVariable preview("ZEPHLIN_PREVIEW", "taptest");
+  const EnvironmentVariable out("ZEPHLIN_PREVIEW_OUT", folder.file("preview.png"));
   mac::resumeTime();
   EXPECT_EQ(runApplication(platform()), 0);
-  ::unsetenv("ZEPHLIN_PREVIEW");
-  ::unsetenv("ZEPHLIN_PREVIEW_OUT");
   const std::string path = folder.file("preview.png");
   NSBitmapImageRep* const picture = [NSBitmapImageRep
       imageRepWithData:[NSData

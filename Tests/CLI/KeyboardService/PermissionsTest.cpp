@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "Tests/CLI/KeyboardService/RunningService.h"
-#include "Tests/Unit/KeyboardService/Support/PrivateRunDirectory.h"
+#include "Tests/Support/PrivateMachine.h"
 
 namespace zephlin {
 namespace {
@@ -28,8 +28,11 @@ void becomeAsker() {
 /// A service on a machine with these logins, and a hidutil that the asker runs.
 class Machine {
  public:
-  explicit Machine(const std::vector<RecordedLogin>& logins)
-      : service_(1, [logins] { enterPrivateRunDirectory(logins); }) {}
+  explicit Machine(const std::vector<test::RecordedLogin>& logins)
+      : service_(1, [logins] {
+          test::enterPrivateMachine();
+          test::recordLogins(logins);
+        }) {}
 
   [[nodiscard]] test::Outcome hidutil(const std::vector<std::string>& arguments) const {
     return test::TestProcess(service_.command(arguments), becomeAsker).wait();

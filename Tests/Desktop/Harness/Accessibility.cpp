@@ -1,7 +1,6 @@
 #include "Tests/Desktop/Harness/Accessibility.h"
 
 #include <QDBusArgument>
-#include <QDBusConnectionInterface>
 #include <QDBusObjectPath>
 #include <algorithm>
 #include <stdexcept>
@@ -11,12 +10,10 @@
 namespace zephlin::test {
 namespace {
 
-const QString connectionName = "accessibility";
-
-QDBusConnection connect(PrivateBus& sessionBus) {
-  const QVariantList address = test::call(
-      sessionBus.connection(), {"org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress"});
-  return QDBusConnection::connectToBus(address.at(0).toString(), connectionName);
+QString busAddress(const BusConnection& sessionBus) {
+  return sessionBus.call({"org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress"})
+      .at(0)
+      .toString();
 }
 
 }  // namespace
@@ -25,11 +22,7 @@ Environment accessible() {
   return {{"QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1"}};
 }
 
-Accessibility::Accessibility(PrivateBus& sessionBus) : bus_(connect(sessionBus)) {}
-
-Accessibility::~Accessibility() {
-  QDBusConnection::disconnectFromBus(connectionName);
-}
+Accessibility::Accessibility(const BusConnection& sessionBus) : bus_(busAddress(sessionBus)) {}
 
 std::vector<std::string> Accessibility::namesIn(pid_t process) const {
   std::vector<std::string> names;
@@ -75,7 +68,7 @@ std::vector<Accessibility::Object> Accessibility::childrenOf(const Object& paren
     list >> child.service >> path;
     list.endStructure();
     child.path = path.path();
-    child.name = property(bus_, {child.service, child.path, "org.a11y.atspi.Accessible", "Name"})
+    child.name = bus_.property({child.service, child.path, "org.a11y.atspi.Accessible", "Name"})
                      .toString()
                      .toStdString();
     children.push_back(child);
@@ -89,7 +82,7 @@ std::vector<Accessibility::Object> Accessibility::objectsIn(pid_t process) const
   try {
     for (const Object& program :
          childrenOf({"org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root", ""})) {
-      if (bus_.interface()->servicePid(program.service) == static_cast<uint>(process)) {
+      if (bus_.ownerOf(program.service) == process) {
         addDescendants(program, found);
       }
     }
@@ -102,9 +95,8 @@ std::vector<Accessibility::Object> Accessibility::objectsIn(pid_t process) const
 
 QVariantList Accessibility::call(const Object& object, const char* interface, const char* method,
                                  const QVariantList& arguments) const {
-  return test::call(bus_,
-                    {object.service, object.path, QString("org.a11y.atspi.") + interface, method},
-                    arguments);
+  return bus_.call({object.service, object.path, QString("org.a11y.atspi.") + interface, method},
+                   arguments);
 }
 
 }  // namespace zephlin::test

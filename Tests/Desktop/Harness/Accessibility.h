@@ -2,25 +2,21 @@
 
 #include <sys/types.h>
 
-#include <QDBusConnection>
-#include <QString>
 #include <string>
 #include <vector>
 
-#include "Tests/Desktop/Harness/PrivateBus.h"
+#include "Tests/Desktop/Harness/Program.h"
+#include "Tests/Support/BusConnection.h"
 
 namespace zephlin::test {
 
-/// What a program must have in its environment to tell what its windows hold.
+/// What a program must have in its environment to show screen readers its windows.
 Environment accessible();
 
 /// The windows of programs as a screen reader finds them (AT-SPI).
 class Accessibility {
  public:
-  explicit Accessibility(PrivateBus& sessionBus);
-  Accessibility(const Accessibility&) = delete;
-  Accessibility& operator=(const Accessibility&) = delete;
-  ~Accessibility();
+  explicit Accessibility(const BusConnection& sessionBus);
 
   /// The names of all that the process shows: windows, texts, buttons.
   [[nodiscard]] std::vector<std::string> namesIn(pid_t process) const;
@@ -41,7 +37,7 @@ class Accessibility {
   QVariantList call(const Object& object, const char* interface, const char* method,
                     const QVariantList& arguments = {}) const;
 
-  QDBusConnection bus_;
+  BusConnection bus_;
 };
 
 }  // namespace zephlin::test

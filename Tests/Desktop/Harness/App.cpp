@@ -7,6 +7,33 @@
 namespace zephlin::test {
 namespace {
 
+/// What a watcher's entry names: a bus name and, from its first slash on, an object.
+struct Address {
+  QString service;
+  QString path;
+};
+
+Address addressIn(const QString& item) {
+  const auto slash = item.indexOf('/');
+  return slash < 0 ? Address{item, "/StatusNotifierItem"}
+                   : Address{item.left(slash), item.mid(slash)};
+}
+
+std::unique_ptr<TrayItem> waitForItem(Desktop& desktop, pid_t process) {
+  Address found;
+  waitUntil("a tray item of the process " + std::to_string(process), [&] {
+    for (const QString& item : desktop.registeredItems()) {
+      const Address address = addressIn(item);
+      if (desktop.sessionBus().ownerOf(address.service) == process) {
+        found = address;
+      }
+    }
+    return !found.service.isEmpty();
+  });
+  return std::make_unique<TrayItem>(found.service, found.path,
+                                    QString::fromStdString(desktop.sessionBusAddress()));
+}
+
 Environment merged(Environment under, const Environment& over) {
   for (const auto& [name, value] : over) {
     under[name] = value;
@@ -24,34 +51,27 @@ App::App(Desktop& desktop, Launch launch)
 
 TrayItem& App::item() {
   if (!item_) {
-    item_ = std::make_unique<TrayItem>(desktop_.sessionBus(), program_.id());
+    item_ = waitForItem(desktop_, program_.id());
   }
   return *item_;
 }
 
-TrayMenu& App::menu() {
-  if (!menu_) {
-    menu_ = item().menu();
-  }
-  return *menu_;
-}
-
 void App::waitForStatusLine(const std::string& text) {
-  menu().aboutToShow();
+  item().aboutToShow();
   std::string line;
   waitUntil([&] { return "the status line " + text + " instead of " + line; },
             [&] {
-              line = menu().statusLine();
+              line = item().statusLine();
               return line == text;
             });
 }
 
 int App::quit() {
-  menu().aboutToShow();
-  menu().opened();
-  const int id = menu().entry("Quit Zephlin").id;
-  menu().closed();
-  menu().clickAtOnce(id);
+  item().aboutToShow();
+  item().opened();
+  const int id = item().entry("Quit Zephlin").id;
+  item().closed();
+  item().clickAtOnce(id);
   return program_.waitForEnd();
 }
 

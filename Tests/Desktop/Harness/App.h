@@ -5,7 +5,7 @@
 #include <string>
 
 #include "Tests/Desktop/Harness/Desktop.h"
-#include "Tests/Desktop/Harness/TrayItem.h"
+#include "Tests/Support/TrayItem.h"
 
 namespace zephlin::test {
 
@@ -30,10 +30,8 @@ class App {
   /// The session's environment with this instance's home, for programs of the same user.
   [[nodiscard]] const Environment& environment() const { return environment_; }
 
-  /// Waits until a host knows its item.
+  /// Its item and menu; waits until a host knows the item.
   TrayItem& item();
-  /// The menu of that item.
-  TrayMenu& menu();
   /// Opens the menu and waits until its status line is this text.
   void waitForStatusLine(const std::string& text);
   void waitForToolTip(const std::string& text);
@@ -47,7 +45,6 @@ class App {
   Environment environment_;
   Program program_;
   std::unique_ptr<TrayItem> item_;
-  std::unique_ptr<TrayMenu> menu_;
 };
 
 }  // namespace zephlin::test

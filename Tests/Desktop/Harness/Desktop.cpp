@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "Tests/Desktop/Harness/TrayItem.h"
 #include "Tests/Desktop/Harness/Waiting.h"
 
 namespace zephlin::test {
@@ -57,18 +56,18 @@ SessionFolder::SessionFolder() {
 }
 
 Desktop::Desktop()
-    : systemBus_(folder_.path(), "system-bus", bareEnvironment(folder_.path())),
-      screen_(folder_.path(), bareEnvironment(folder_.path())),
-      sessionBus_(folder_.path(), "session-bus",
+    : systemBus_("unix:path=" + folder_.file("system-bus")),
+      sessionBus_("unix:path=" + folder_.file("session-bus"),
                   [this] {
                     Environment environment = bareEnvironment(folder_.path());
                     environment["DISPLAY"] = screen_.display();
                     environment["XDG_DATA_DIRS"] = folder_.dataFolders();
-                    return environment;
-                  }()),
+                    becomeEnvironment(environment);
+                  }),
+      sessionConnection_(QString::fromStdString(sessionBus_.address())),
       windowManager_({"/usr/bin/openbox", "--sm-disable"}, sessionEnvironment(),
                      logFile("window-manager")),
-      loginManager_(systemBus_, folder_.path(), sessionEnvironment()),
+      logind_(QString::fromStdString(systemBus_.address())),
       keyboards_(std::make_unique<Keyboards>(folder_.path(), sessionEnvironment())),
       fingers_(screen_) {
   waitUntil("a window manager", [this] {
@@ -103,7 +102,8 @@ void Desktop::restartKeyboards() {
 
 Panel& Desktop::panel() {
   if (!panel_) {
-    panel_ = std::make_unique<Panel>(sessionBus_, screen_, folder_.path(), sessionEnvironment());
+    panel_ =
+        std::make_unique<Panel>(sessionConnection_, screen_, folder_.path(), sessionEnvironment());
   }
   return *panel_;
 }
@@ -111,8 +111,18 @@ Panel& Desktop::panel() {
 void Desktop::stopPanel() {
   panel_.reset();
   waitUntil("the tray to go", [this] {
-    return !isTrayThere(sessionBus_) && !screen_.hasOwner("_NET_SYSTEM_TRAY_S0");
+    return !sessionConnection_.hasName(trayWatcher) && !screen_.hasOwner("_NET_SYSTEM_TRAY_S0");
   });
+}
+
+QStringList Desktop::registeredItems() const {
+  if (!sessionConnection_.hasName(trayWatcher)) {
+    return {};
+  }
+  return sessionConnection_
+      .property(
+          {trayWatcher, "/StatusNotifierWatcher", trayWatcher, "RegisteredStatusNotifierItems"})
+      .toStringList();
 }
 
 void Desktop::photograph(const std::string& name) const {

@@ -7,10 +7,11 @@
 #include "Tests/Desktop/Harness/Fingers.h"
 #include "Tests/Desktop/Harness/HidutilRuns.h"
 #include "Tests/Desktop/Harness/Keyboards.h"
-#include "Tests/Desktop/Harness/LoginManager.h"
 #include "Tests/Desktop/Harness/Panel.h"
-#include "Tests/Desktop/Harness/PrivateBus.h"
 #include "Tests/Desktop/Harness/Screen.h"
+#include "Tests/Support/BusConnection.h"
+#include "Tests/Support/Daemon.h"
+#include "Tests/Support/FakeLogind.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 namespace zephlin::test {
@@ -39,8 +40,9 @@ class Desktop {
 
   [[nodiscard]] const Screen& screen() const { return screen_; }
   [[nodiscard]] Fingers& fingers() { return fingers_; }
-  [[nodiscard]] PrivateBus& sessionBus() { return sessionBus_; }
-  [[nodiscard]] LoginManager& loginManager() { return loginManager_; }
+  [[nodiscard]] BusConnection& sessionBus() { return sessionConnection_; }
+  [[nodiscard]] const std::string& sessionBusAddress() const { return sessionBus_.address(); }
+  [[nodiscard]] FakeLogind& logind() { return logind_; }
   [[nodiscard]] Keyboards& keyboards() { return *keyboards_; }
   [[nodiscard]] HidutilRuns& hidutil() { return hidutil_; }
 
@@ -50,6 +52,8 @@ class Desktop {
   Panel& panel();
   /// Returns when nobody knows a tray any more.
   void stopPanel();
+  /// The tray items that a panel knows; empty without one.
+  [[nodiscard]] QStringList registeredItems() const;
 
   /// Waits until nothing moves and writes the screen to NAME.png among the build's screenshots.
   void photograph(const std::string& name) const;
@@ -61,11 +65,12 @@ class Desktop {
 
   SessionFolder folder_;
   int homes_ = 0;
-  PrivateBus systemBus_;
+  MessageBus systemBus_;
   Screen screen_;
-  PrivateBus sessionBus_;
+  MessageBus sessionBus_;
+  BusConnection sessionConnection_;
   Program windowManager_;
-  LoginManager loginManager_;
+  FakeLogind logind_;
   HidutilRuns hidutil_;
   std::unique_ptr<Keyboards> keyboards_;
   Fingers fingers_;

@@ -1,7 +1,5 @@
 #include "Tests/Desktop/Harness/Fingers.h"
 
-#include <xcb/xtest.h>
-
 #include <stdexcept>
 
 namespace zephlin::test {
@@ -15,11 +13,11 @@ constexpr std::uint8_t capsLockKeycode = 66;
 Fingers::Fingers(const Screen& screen) : connection_(screen.connection()) {}
 
 void Fingers::press(Key key) {
-  fake(XCB_KEY_PRESS, keycodeOf(key));
+  connection_.fakeInput(XCB_KEY_PRESS, keycodeOf(key));
 }
 
 void Fingers::release(Key key) {
-  fake(XCB_KEY_RELEASE, keycodeOf(key));
+  connection_.fakeInput(XCB_KEY_RELEASE, keycodeOf(key));
 }
 
 void Fingers::tap(Key key) {
@@ -29,12 +27,13 @@ void Fingers::tap(Key key) {
 
 void Fingers::click(const QPoint& place, int button) {
   moveTo(place);
-  fake(XCB_BUTTON_PRESS, static_cast<std::uint8_t>(button));
-  fake(XCB_BUTTON_RELEASE, static_cast<std::uint8_t>(button));
+  connection_.fakeInput(XCB_BUTTON_PRESS, static_cast<std::uint8_t>(button));
+  connection_.fakeInput(XCB_BUTTON_RELEASE, static_cast<std::uint8_t>(button));
 }
 
 void Fingers::moveTo(const QPoint& place) {
-  fake(XCB_MOTION_NOTIFY, 0, place);
+  connection_.fakeInput(XCB_MOTION_NOTIFY, 0, static_cast<std::int16_t>(place.x()),
+                        static_cast<std::int16_t>(place.y()));
 }
 
 bool Fingers::isCapsLockOn() const {
@@ -42,13 +41,6 @@ bool Fingers::isCapsLockOn() const {
   const Owned<xcb_query_pointer_reply_t> pointer(
       xcb_query_pointer_reply(server, xcb_query_pointer(server, connection_.root()), nullptr));
   return pointer && (pointer->mask & XCB_MOD_MASK_LOCK) != 0;
-}
-
-void Fingers::fake(std::uint8_t type, std::uint8_t detail, const QPoint& place) {
-  xcb_test_fake_input(connection_.get(), type, detail, XCB_CURRENT_TIME, connection_.root(),
-                      static_cast<std::int16_t>(place.x()), static_cast<std::int16_t>(place.y()),
-                      0);
-  connection_.synchronize();
 }
 
 std::uint8_t Fingers::keycodeOf(Key key) const {

@@ -21,8 +21,8 @@ enum class Key : xcb_keysym_t {
   LetterH = 0x68,
 };
 
-/// Presses keys and buttons as a person would, with the XTEST extension. The server has worked off
-/// what was done when a call returns.
+/// Presses keys and buttons as a person would, with the XTEST extension. The server has
+/// processed it when a call returns.
 class Fingers {
  public:
   explicit Fingers(const Screen& screen);
@@ -37,7 +37,6 @@ class Fingers {
   [[nodiscard]] bool isCapsLockOn() const;
 
  private:
-  void fake(std::uint8_t type, std::uint8_t detail, const QPoint& place = {});
   [[nodiscard]] std::uint8_t keycodeOf(Key key) const;
 
   const XConnection& connection_;

@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "Tests/Desktop/Harness/TrayItem.h"
 #include "Tests/Desktop/Harness/Waiting.h"
 
 namespace zephlin::test {
@@ -33,11 +32,10 @@ constexpr const char* settings = R"(<?xml version="1.0" encoding="UTF-8"?>
 </channel>
 )";
 
-bool hostIsReady(PrivateBus& bus) {
-  return bus.hasName(watcherName) &&
-         property(bus.connection(), {watcherName, "/StatusNotifierWatcher", watcherName,
-                                     "IsStatusNotifierHostRegistered"})
-             .toBool();
+bool hostIsReady(const BusConnection& bus) {
+  return bus.hasName(trayWatcher) && bus.property({trayWatcher, "/StatusNotifierWatcher",
+                                                   trayWatcher, "IsStatusNotifierHostRegistered"})
+                                         .toBool();
 }
 
 }  // namespace
@@ -48,7 +46,7 @@ void writePanelSettings(const std::string& configurationFolder) {
   std::ofstream(folder / "xfce4-panel.xml") << settings;
 }
 
-Panel::Panel(PrivateBus& sessionBus, const Screen& screen, const std::string& folder,
+Panel::Panel(const BusConnection& sessionBus, const Screen& screen, const std::string& folder,
              const Environment& environment)
     : screen_(screen),
       environment_(environment),

@@ -3,10 +3,14 @@
 #include <QRect>
 #include <string>
 
-#include "Tests/Desktop/Harness/PrivateBus.h"
+#include "Tests/Desktop/Harness/Program.h"
 #include "Tests/Desktop/Harness/Screen.h"
+#include "Tests/Support/BusConnection.h"
 
 namespace zephlin::test {
+
+/// The name on the session bus of whoever takes tray items.
+inline const QString trayWatcher = "org.kde.StatusNotifierWatcher";
 
 /// Writes the settings of a dark panel along the upper edge that holds nothing but a tray, so that
 /// nothing is asked at its first start.
@@ -17,7 +21,7 @@ enum class PanelStyle { Light, Dark };
 /// A running xfce4-panel whose tray takes status notifier items and icons of the older kind.
 class Panel {
  public:
-  Panel(PrivateBus& sessionBus, const Screen& screen, const std::string& folder,
+  Panel(const BusConnection& sessionBus, const Screen& screen, const std::string& folder,
         const Environment& environment);
 
   /// Changes it while it runs.

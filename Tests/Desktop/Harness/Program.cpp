@@ -7,8 +7,6 @@
 
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <utility>
 
 #include "Tests/Desktop/Harness/Waiting.h"
@@ -73,11 +71,6 @@ int Program::waitForEnd() {
 
 Outcome runIn(const Environment& environment, const std::vector<std::string>& command) {
   return TestProcess(command, [&] { becomeEnvironment(environment); }).wait();
-}
-
-std::string contentOf(const std::string& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 }  // namespace zephlin::test

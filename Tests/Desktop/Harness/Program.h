@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "Tests/Support/Files.h"
 #include "Tests/Support/TestProcess.h"
 
 namespace zephlin::test {
@@ -44,8 +45,5 @@ void becomeEnvironment(const Environment& environment);
 
 /// Runs a program to its end with exactly this environment.
 Outcome runIn(const Environment& environment, const std::vector<std::string>& command);
-
-/// The whole content; empty where there is no such file.
-std::string contentOf(const std::string& file);
 
 }  // namespace zephlin::test

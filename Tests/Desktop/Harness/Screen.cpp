@@ -1,40 +1,11 @@
 #include "Tests/Desktop/Harness/Screen.h"
 
-#include <algorithm>
-#include <cctype>
-#include <cstring>
-#include <sstream>
 #include <stdexcept>
 
 #include "Tests/Desktop/Harness/Waiting.h"
 
 namespace zephlin::test {
-namespace {
-
-/// The number of the display, which the server prints on a line of its own when it is ready.
-std::string waitForDisplay(const Program& server) {
-  std::string display;
-  waitUntil("an X server", [&] {
-    std::istringstream log(server.log());
-    for (std::string line; std::getline(log, line) && !log.eof();) {
-      if (!line.empty() && std::all_of(line.begin(), line.end(),
-                                       [](unsigned char c) { return std::isdigit(c) != 0; })) {
-        display = ":" + line;
-      }
-    }
-    return !display.empty();
-  });
-  return display;
-}
-
-}  // namespace
-
-Screen::Screen(const std::string& folder, const Environment& environment)
-    : server_({"/usr/bin/Xvfb", "-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten",
-               "tcp", "-noreset"},
-              environment, folder + "/xserver.log"),
-      display_(waitForDisplay(server_)),
-      connection_(display_) {
+Screen::Screen() : connection_(display()) {
   constexpr std::uint32_t wallpaper = 0x4A6B7C;
   xcb_change_window_attributes(connection_.get(), connection_.root(), XCB_CW_BACK_PIXEL,
                                &wallpaper);

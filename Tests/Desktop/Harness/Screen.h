@@ -6,17 +6,18 @@
 #include <string>
 #include <vector>
 
-#include "Tests/Desktop/Harness/Program.h"
-#include "Tests/Desktop/Harness/XConnection.h"
+#include "Tests/Support/Daemon.h"
+#include "Tests/Support/XConnection.h"
 
 namespace zephlin::test {
 
 /// An X server with one screen in memory, without a window manager, and what can be seen on it.
 class Screen {
  public:
-  Screen(const std::string& folder, const Environment& environment);
+  Screen();
 
-  [[nodiscard]] const std::string& display() const { return display_; }
+  /// As DISPLAY names it.
+  [[nodiscard]] std::string display() const { return ":" + server_.address(); }
   [[nodiscard]] const XConnection& connection() const { return connection_; }
 
   /// All of the screen, or what of it is inside the rectangle.
@@ -43,8 +44,7 @@ class Screen {
   [[nodiscard]] Owned<xcb_get_window_attributes_reply_t> attributesOf(xcb_window_t window) const;
   [[nodiscard]] bool isVisible(xcb_window_t window) const;
 
-  Program server_;
-  std::string display_;
+  XServer server_;
   XConnection connection_;
 };
 

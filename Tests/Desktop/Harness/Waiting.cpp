@@ -1,10 +1,10 @@
 #include "Tests/Desktop/Harness/Waiting.h"
 
-#include <QCoreApplication>
 #include <chrono>
 #include <stdexcept>
-#include <thread>
 #include <utility>
+
+#include "Tests/Support/QtLoop.h"
 
 namespace zephlin::test {
 namespace {
@@ -21,19 +21,13 @@ void waitUntil(const std::string& what, const std::function<bool()>& condition) 
 }
 
 void waitUntil(const std::function<std::string()>& what, const std::function<bool()>& condition) {
-  constexpr double timeoutSeconds = 60;
-  constexpr std::chrono::milliseconds pause(5);
-  const double deadline = monotonicSeconds() + timeoutSeconds;
-  while (!condition()) {
-    if (monotonicSeconds() > deadline) {
-      if (actionBeforeFailure()) {
-        actionBeforeFailure()();
-      }
-      throw std::runtime_error("waited in vain for " + what());
-    }
-    std::this_thread::sleep_for(pause);
-    QCoreApplication::processEvents();
+  if (eventually(condition)) {
+    return;
   }
+  if (actionBeforeFailure()) {
+    actionBeforeFailure()();
+  }
+  throw std::runtime_error("waited in vain for " + what());
 }
 
 void beforeWaitingFails(std::function<void()> action) {

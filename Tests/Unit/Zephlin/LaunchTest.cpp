@@ -3,10 +3,10 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
+#include "Tests/Support/Files.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Unit/KeyboardWatcher/DelegatingPlatform.h"
 #include "Tests/Unit/Zephlin/AppDelegateFixture.h"
@@ -16,11 +16,7 @@ namespace zephlin {
 namespace {
 
 using Launch = AppDelegateTest;
-
-std::string contentOf(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
+using test::contentOf;
 
 /// Records what it is asked to do.
 class RecordingApplication final : public Application {

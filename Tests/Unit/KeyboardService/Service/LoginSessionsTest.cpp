@@ -3,8 +3,8 @@
 #include <cstdio>
 
 #include "KeyboardService/Service/Permissions.h"
+#include "Tests/Support/PrivateMachine.h"
 #include "Tests/Support/TestProcess.h"
-#include "Tests/Unit/KeyboardService/Support/PrivateRunDirectory.h"
 
 namespace zephlin {
 namespace {
@@ -12,9 +12,10 @@ namespace {
 constexpr uid_t loginUser = 4242;
 
 /// What hasActiveLocalLoginSession says of the user on a machine with these logins.
-std::string answerWith(const std::vector<RecordedLogin>& logins) {
+std::string answerWith(const std::vector<test::RecordedLogin>& logins) {
   test::TestProcess child([&] {
-    enterPrivateRunDirectory(logins);
+    test::enterPrivateMachine();
+    test::recordLogins(logins);
     std::fputs(hasActiveLocalLoginSession(loginUser) ? "yes" : "no", stdout);
     std::fflush(stdout);
   });

@@ -6,8 +6,8 @@
 #include <stdexcept>
 
 #include "Platform/Linux/Session/AutostartLoginService.h"
+#include "Tests/Support/Files.h"
 #include "Tests/Support/TemporaryDirectory.h"
-#include "Tests/Unit/Linux/Session/Files.h"
 #include "Tests/Unit/Linux/Session/RecordingLog.h"
 
 namespace zephlin {

@@ -4,9 +4,9 @@
 #include <system_error>
 
 #include "Platform/Linux/Session/FileReplacement.h"
+#include "Tests/Support/Files.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TestProcess.h"
-#include "Tests/Unit/Linux/Session/Files.h"
 
 namespace zephlin {
 namespace {

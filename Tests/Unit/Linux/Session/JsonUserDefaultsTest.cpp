@@ -9,10 +9,10 @@
 #include <thread>
 
 #include "Platform/Linux/Session/JsonUserDefaults.h"
+#include "Tests/Support/Files.h"
 #include "Tests/Support/InNewProcess.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TestProcess.h"
-#include "Tests/Unit/Linux/Session/Files.h"
 #include "Tests/Unit/Linux/Session/RecordingLog.h"
 
 namespace zephlin {

@@ -8,16 +8,17 @@
 #include <optional>
 
 #include "Platform/Linux/StatusItem/QtStatusBar.h"
-#include "Tests/Unit/Linux/StatusItem/FakePanel.h"
-#include "Tests/Unit/Linux/StatusItem/FakeXEmbedTray.h"
-#include "Tests/Unit/Linux/StatusItem/PrivateDesktop.h"
-#include "Tests/Unit/Linux/StatusItem/ShownItem.h"
+#include "Tests/Support/FakePanel.h"
+#include "Tests/Support/FakeXEmbedTray.h"
+#include "Tests/Support/PrivateDesktop.h"
+#include "Tests/Support/QtLoop.h"
+#include "Tests/Support/TrayItem.h"
 
 namespace zephlin::test {
 namespace {
 
 const auto* const environment = ::testing::AddGlobalTestEnvironment(
-    new DesktopEnvironment(PrivateDesktop::SessionBus::Present));
+    new PrivateDesktop(PrivateDesktop::SessionBus::Present, PrivateDesktop::Application::Present));
 
 /// The desktop's icons, with or without the program's.
 class InstalledIcons {
@@ -44,7 +45,7 @@ class StatusNotifierItemTest : public ::testing::Test {
   }
   /// As the panel that has just come sees the item.
   [[nodiscard]] bool appearsIn(FakePanel& panel) {
-    if (!waitUntil([&panel] { return panel.registrations() == 1; })) {
+    if (!eventually([&panel] { return panel.registrations() == 1; })) {
       return false;
     }
     shown_.emplace(panel.item());
@@ -54,7 +55,7 @@ class StatusNotifierItemTest : public ::testing::Test {
   InstalledIcons icons_{true};
   QtStatusBar bar_{[] { return false; }};
   std::unique_ptr<StatusItem> item_;
-  std::optional<ShownItem> shown_;
+  std::optional<TrayItem> shown_;
 };
 
 TEST_F(StatusNotifierItemTest, AppearsWhenThePanelIsThereAlready) {
@@ -74,7 +75,7 @@ TEST_F(StatusNotifierItemTest, AppearsWhenThePanelStartsLater) {
 TEST_F(StatusNotifierItemTest, WaitsForAHostIfThereIsOnlyAWatcher) {
   FakePanel panel(FakePanel::Host::Absent);
   makeItem();
-  ASSERT_TRUE(waitUntil([&panel] { return panel.timesAskedForHost() > 0; }));
+  ASSERT_TRUE(eventually([&panel] { return panel.timesAskedForHost() > 0; }));
   QCoreApplication::processEvents();
   EXPECT_EQ(panel.registrations(), 0);
   panel.registerHost();
@@ -135,7 +136,7 @@ TEST_F(StatusNotifierItemTest, SendsPicturesIfItsIconIsNotInstalled) {
 
 TEST_F(ShownStatusNotifierItemTest, KeepsItsPlaceWithoutAnImage) {
   item_->setButtonImage(std::nullopt);
-  ASSERT_TRUE(waitUntil([this] { return shown_->signalsSent("NewIcon") == 1; }));
+  ASSERT_TRUE(eventually([this] { return shown_->signalsSent("NewIcon") == 1; }));
   EXPECT_EQ(shown_->text("IconName"), "");
   EXPECT_FALSE(shown_->pictureWidths().empty());
 }
@@ -143,7 +144,7 @@ TEST_F(ShownStatusNotifierItemTest, KeepsItsPlaceWithoutAnImage) {
 TEST_F(ShownStatusNotifierItemTest, ShowsItsToolTip) {
   EXPECT_EQ(shown_->toolTip(), "Zephlin: disabled");
   item_->setButtonToolTip("Zephlin: instant Caps Lock is ON");
-  ASSERT_TRUE(waitUntil([this] { return shown_->signalsSent("NewToolTip") == 1; }));
+  ASSERT_TRUE(eventually([this] { return shown_->signalsSent("NewToolTip") == 1; }));
   EXPECT_EQ(shown_->toolTip(), "Zephlin: instant Caps Lock is ON");
 }
 
@@ -153,14 +154,14 @@ TEST_F(ShownStatusNotifierItemTest, SettingWhatIsShownAlreadySendsNothing) {
   // What is sent later arrives later.
   item_->setButtonImage(bar_.systemSymbol("capslock.fill", "Zephlin"));
   item_->setButtonToolTip("Zephlin: instant Caps Lock is ON");
-  ASSERT_TRUE(waitUntil([this] { return shown_->signalsSent("NewToolTip") > 0; }));
+  ASSERT_TRUE(eventually([this] { return shown_->signalsSent("NewToolTip") > 0; }));
   EXPECT_EQ(shown_->sent().size(), 2U);
 }
 
 TEST_F(ShownStatusNotifierItemTest, IsGoneWhenItIsDestroyed) {
-  ASSERT_TRUE(isOnBus(panel_.item()));
+  ASSERT_TRUE(panel_.isItemOnBus());
   item_.reset();
-  EXPECT_TRUE(waitUntil([this] { return !isOnBus(panel_.item()); }));
+  EXPECT_TRUE(eventually([this] { return !panel_.isItemOnBus(); }));
 }
 
 TEST_F(StatusNotifierItemTest, MayBeDestroyedBeforeAnyPanelCame) {

@@ -5,10 +5,10 @@
 #include <QDBusArgument>
 
 #include "Platform/Linux/StatusItem/QtStatusBar.h"
-#include "Tests/Unit/Linux/StatusItem/FakePanel.h"
-#include "Tests/Unit/Linux/StatusItem/PrivateDesktop.h"
+#include "Tests/Support/FakePanel.h"
+#include "Tests/Support/QtLoop.h"
+#include "Tests/Support/TrayItem.h"
 #include "Tests/Unit/Linux/StatusItem/SampleMenu.h"
-#include "Tests/Unit/Linux/StatusItem/ShownItem.h"
 
 namespace zephlin::test {
 namespace {
@@ -19,14 +19,14 @@ class StatusNotifierMenuTest : public ::testing::Test {
     item_ = bar_.makeStatusItem();
     item_->setButtonImage(bar_.systemSymbol("capslock", "Zephlin"));
     item_->setMenu(sample_->menu);
-    waitUntil([this] { return panel_.registrations() == 1; });
-    shown_ = std::make_unique<ShownItem>(panel_.item());
+    eventually([this] { return panel_.registrations() == 1; });
+    shown_ = std::make_unique<TrayItem>(panel_.item());
   }
 
   /// Labels and identifiers.
   [[nodiscard]] std::vector<std::pair<int, std::string>> entries() {
     std::vector<std::pair<int, std::string>> entries;
-    for (const ShownEntry& entry : shown_->layout()) {
+    for (const MenuEntry& entry : shown_->entries()) {
       entries.emplace_back(entry.id, entry.label());
     }
     return entries;
@@ -36,7 +36,7 @@ class StatusNotifierMenuTest : public ::testing::Test {
   QtStatusBar bar_{[] { return false; }};
   std::shared_ptr<SampleMenu> sample_ = SampleMenu::make();
   std::unique_ptr<StatusItem> item_;
-  std::unique_ptr<ShownItem> shown_;
+  std::unique_ptr<TrayItem> shown_;
 };
 
 TEST_F(StatusNotifierMenuTest, IsNotAskedForWithoutATray) {
@@ -47,7 +47,7 @@ TEST_F(StatusNotifierMenuTest, IsNotAskedForWithoutATray) {
 }
 
 TEST_F(StatusNotifierMenuTest, IsCompleteBeforeThePanelSaysThatItOpensIt) {
-  const auto layout = shown_->layout();
+  const auto layout = shown_->entries();
   ASSERT_EQ(layout.size(), 6U);
   EXPECT_EQ(layout[0].properties["enabled"], false);
   EXPECT_EQ(layout[1].label(), "Checking…");
@@ -63,7 +63,7 @@ TEST_F(StatusNotifierMenuTest, IsFreshWhenThePanelOpensItAndSendsOnlyWhatChanged
   const auto before = entries();
   const int rebuilds = sample_->rebuilds;
   sample_->status = "On";
-  shown_->tellAboutToShow();
+  shown_->aboutToShow();
   EXPECT_EQ(sample_->rebuilds, rebuilds + 1);
   auto expected = before;
   expected[1].second = "On";
@@ -74,10 +74,10 @@ TEST_F(StatusNotifierMenuTest, IsFreshWhenThePanelOpensItAndSendsOnlyWhatChanged
 
 TEST_F(StatusNotifierMenuTest, TheStatusLineChangesWhileItIsOpen) {
   const auto before = entries();
-  shown_->tellAboutToShow();
+  shown_->aboutToShow();
   sample_->statusLine.lock()->title = "On";
   item_->menuTitlesDidChange();
-  ASSERT_TRUE(waitUntil([this] { return shown_->signalsSent("ItemsPropertiesUpdated") == 1; }));
+  ASSERT_TRUE(eventually([this] { return shown_->signalsSent("ItemsPropertiesUpdated") == 1; }));
   EXPECT_EQ(shown_->signalsSent("LayoutUpdated"), 0);
   const auto updated = shown_->sent().back().arguments().at(0).value<QDBusArgument>();
   int id = 0;
@@ -93,16 +93,16 @@ TEST_F(StatusNotifierMenuTest, TheStatusLineChangesWhileItIsOpen) {
 
 TEST_F(StatusNotifierMenuTest, OpeningItAgainAndAgainSendsNothing) {
   const auto before = entries();
-  shown_->tellAboutToShow();
-  shown_->tellAboutToShow();
+  shown_->aboutToShow();
+  shown_->aboutToShow();
   EXPECT_EQ(entries(), before);
   EXPECT_TRUE(shown_->sent().empty());
 }
 
 TEST_F(StatusNotifierMenuTest, AChosenSwitchIsShownSwitchedBeforeItIsOpenedAgain) {
-  shown_->choose(shown_->layout()[3]);
-  ASSERT_TRUE(waitUntil([this] { return !sample_->isOn && sample_->rebuilds > 1; }));
-  const auto layout = shown_->layout();
+  shown_->click(shown_->entries()[3].id);
+  ASSERT_TRUE(eventually([this] { return !sample_->isOn && sample_->rebuilds > 1; }));
+  const auto layout = shown_->entries();
   ASSERT_EQ(layout.size(), 6U);
   EXPECT_EQ(layout[3].label(), "Switch");
   EXPECT_EQ(layout[3].properties["toggle-state"], 0);
@@ -113,33 +113,33 @@ TEST_F(StatusNotifierMenuTest, EntriesKeepTheirIdentifiersThoughTheyAreSwitched)
   const auto before = entries();
   for (const bool isOn : {false, true}) {
     sample_->isOn = isOn;
-    shown_->tellAboutToShow();
+    shown_->aboutToShow();
     EXPECT_EQ(entries(), before);
   }
 }
 
 TEST_F(StatusNotifierMenuTest, EveryClickOfManyInARowIsObeyed) {
   constexpr int clicks = 1001;
-  shown_->chooseAtOnce(shown_->layout()[3], clicks);
-  ASSERT_TRUE(waitUntil([this] { return sample_->switchings >= clicks; }));
+  shown_->clickAtOnce(shown_->entries()[3].id, clicks);
+  ASSERT_TRUE(eventually([this] { return sample_->switchings >= clicks; }));
   EXPECT_EQ(sample_->switchings, clicks);
   EXPECT_FALSE(sample_->isOn);
-  EXPECT_EQ(shown_->layout()[3].properties["toggle-state"], 0);
+  EXPECT_EQ(shown_->entries()[3].properties["toggle-state"], 0);
 }
 
 TEST_F(StatusNotifierMenuTest, AnotherMenuTakesItsPlace) {
   const auto other = SampleMenu::make();
   other->extraItems = 2;
   item_->setMenu(other->menu);
-  ASSERT_TRUE(waitUntil([&other] { return other->rebuilds > 0; }));
+  ASSERT_TRUE(eventually([&other] { return other->rebuilds > 0; }));
   sample_.reset();
-  EXPECT_EQ(shown_->layout().size(), 8U);
+  EXPECT_EQ(shown_->entries().size(), 8U);
 }
 
 TEST_F(StatusNotifierMenuTest, TheItemMayBeDestroyedByAnEntry) {
   sample_->commandChosen = [this] { item_.reset(); };
-  shown_->choose(shown_->layout()[4]);
-  EXPECT_TRUE(waitUntil([this] { return !isOnBus(panel_.item()); }));
+  shown_->click(shown_->entries()[4].id);
+  EXPECT_TRUE(eventually([this] { return !panel_.isItemOnBus(); }));
   EXPECT_FALSE(item_);
 }
 

@@ -5,15 +5,16 @@
 #include <optional>
 
 #include "Platform/Linux/StatusItem/QtStatusBar.h"
-#include "Tests/Unit/Linux/StatusItem/FakeXEmbedTray.h"
-#include "Tests/Unit/Linux/StatusItem/PrivateDesktop.h"
+#include "Tests/Support/FakeXEmbedTray.h"
+#include "Tests/Support/PrivateDesktop.h"
+#include "Tests/Support/QtLoop.h"
 #include "Tests/Unit/Linux/StatusItem/SampleMenu.h"
 
 namespace zephlin::test {
 namespace {
 
-const auto* const environment =
-    ::testing::AddGlobalTestEnvironment(new DesktopEnvironment(PrivateDesktop::SessionBus::Absent));
+const auto* const environment = ::testing::AddGlobalTestEnvironment(
+    new PrivateDesktop(PrivateDesktop::SessionBus::Absent, PrivateDesktop::Application::Present));
 
 class XEmbedItemTest : public ::testing::Test {
  protected:
@@ -23,7 +24,7 @@ class XEmbedItemTest : public ::testing::Test {
     item_->setMenu(sample_->menu);
   }
   [[nodiscard]] static bool appearsIn(FakeXEmbedTray& tray, const QColor& colour) {
-    return waitUntil([&tray, &colour] { return tray.hasIcon() && tray.iconColour() == colour; });
+    return eventually([&tray, &colour] { return tray.hasIcon() && tray.iconColour() == colour; });
   }
 
   QtStatusBar bar_{[] { return false; }};

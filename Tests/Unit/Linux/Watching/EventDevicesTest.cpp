@@ -13,9 +13,9 @@
 #include "Platform/Linux/Watching/EventDevices.h"
 #include "Platform/Linux/Watching/LinuxEventTaps.h"
 #include "Platform/Linux/Watching/LinuxHidDevices.h"
+#include "Tests/Support/QtLoop.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Unit/Linux/Watching/Support/MockedDevices.h"
-#include "Tests/Unit/Linux/Watching/Support/QtLoop.h"
 
 namespace zephlin {
 namespace {

@@ -8,8 +8,9 @@
 #include <optional>
 
 #include "Platform/Linux/Watching/LogindWorkspace.h"
-#include "Tests/Unit/Linux/Watching/Support/PrivateSystemBus.h"
-#include "Tests/Unit/Linux/Watching/Support/QtLoop.h"
+#include "Tests/Support/Daemon.h"
+#include "Tests/Support/FakeLogind.h"
+#include "Tests/Support/QtLoop.h"
 
 namespace {
 
@@ -41,7 +42,7 @@ class LogindWorkspaceTest : public testing::Test {
     return test::eventually([&] { return wakes_ >= count; }) && wakes_ == count;
   }
 
-  std::optional<test::PrivateSystemBus> bus_{std::in_place};
+  std::optional<test::MessageBus> bus_{std::in_place, test::systemBusAddress().toStdString()};
   std::optional<LogindWorkspace> workspace_{std::in_place};
   int wakes_ = 0;
   std::unique_ptr<Observation> observation_ = workspace_->observeDidWake([this] { ++wakes_; });
@@ -78,7 +79,7 @@ TEST_F(LogindWorkspaceTest, FollowsLogindThroughARestart) {
 }
 
 TEST_F(LogindWorkspaceTest, BelievesOnlyLogind) {
-  test::FakeLogind stranger("org.example.Stranger");
+  test::FakeLogind stranger(test::systemBusAddress(), "org.example.Stranger");
   test::FakeLogind logind;
   stranger.prepareForSleep(false);
   test::runLoopFor(std::chrono::milliseconds(100));

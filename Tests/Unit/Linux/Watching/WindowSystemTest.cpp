@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "Platform/Linux/Watching/WindowSystem.h"
-#include "Tests/Unit/Linux/Watching/Support/EnvironmentVariable.h"
-#include "Tests/Unit/Linux/Watching/Support/PrivateXServer.h"
+#include "Tests/Support/EnvironmentVariable.h"
+#include "Tests/Support/PrivateXServer.h"
 
 namespace zephlin {
 namespace {

@@ -5,8 +5,8 @@
 
 #include "Platform/Linux/Watching/LinuxEventTaps.h"
 #include "Platform/Linux/Watching/X11Keyboard.h"
-#include "Tests/Unit/Linux/Watching/Support/PrivateXServer.h"
-#include "Tests/Unit/Linux/Watching/Support/QtLoop.h"
+#include "Tests/Support/PrivateXServer.h"
+#include "Tests/Support/QtLoop.h"
 
 namespace zephlin {
 namespace {

@@ -7,9 +7,9 @@
 #include <string>
 
 #include "Platform/Linux/Watching/LinuxHidDevices.h"
+#include "Tests/Support/FakeService.h"
+#include "Tests/Support/QtLoop.h"
 #include "Tests/Support/TemporaryDirectory.h"
-#include "Tests/Unit/Linux/Watching/Support/FakeService.h"
-#include "Tests/Unit/Linux/Watching/Support/QtLoop.h"
 
 namespace zephlin::test {
 

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace zephlin::test {
+
+/// Who a user other than root is on the private machine.
+enum class Identity { Unchanged, Root };
+
+/// Gives this process and its children a mount namespace in which /run is empty. The machine itself
+/// does not change. Anyone but root gets a user namespace too. Call before the first thread; like
+/// the functions below it throws std::system_error.
+void enterPrivateMachine(Identity identity = Identity::Unchanged);
+
+/// Makes a folder the private machine's /usr/bin.
+void mountPrograms(const std::string& folder);
+
+/// Adds programs to those in /usr/bin, or puts them in their place: names and the files to link to.
+void addPrograms(const std::map<std::string, std::string>& programs);
+
+/// A login session as systemd-logind would record it.
+struct RecordedLogin {
+  uid_t user = 0;
+  bool active = true;
+  bool remote = false;
+  bool hasSeat = true;
+};
+
+/// Records these logins in the private machine's /run.
+void recordLogins(const std::vector<RecordedLogin>& logins);
+
+}  // namespace zephlin::test

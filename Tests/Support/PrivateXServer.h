@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Tests/Support/Daemon.h"
+#include "Tests/Support/EnvironmentVariable.h"
+#include "Tests/Support/XConnection.h"
+
+namespace zephlin::test {
+
+/// An X server as this process's DISPLAY, whose keys the test presses.
+class PrivateXServer {
+ public:
+  static constexpr std::uint8_t keyA = 38;
+  static constexpr std::uint8_t leftControl = 37;
+  static constexpr std::uint8_t leftShift = 50;
+  static constexpr std::uint8_t capsLock = 66;
+
+  /// Runs setxkbmap. Throws std::runtime_error if it fails.
+  static void setKeyboardMap(const std::vector<std::string>& arguments);
+  void press(std::uint8_t keycode) const { connection_->fakeInput(XCB_KEY_PRESS, keycode); }
+  void release(std::uint8_t keycode) const { connection_->fakeInput(XCB_KEY_RELEASE, keycode); }
+  void tap(std::uint8_t keycode) const;
+  void kill();
+
+ private:
+  XServer server_;
+  EnvironmentVariable display_{"DISPLAY", ":" + server_.address()};
+  std::optional<XConnection> connection_{std::in_place};
+};
+
+}  // namespace zephlin::test
