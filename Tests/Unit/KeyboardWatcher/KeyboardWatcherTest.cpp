@@ -52,17 +52,6 @@ class KeyboardWatcherTest : public testing::Test {
     desktop_.runUntil(time);
     return calls_;
   }
-  /// The next call comes then: no tick earlier, no tick later, and only once.
-  void expectTheNextCallAt(double time) {
-    const VirtualTicks tick = ticksFromSeconds(time);
-    const std::size_t before = calls_.size();
-    desktop_.loop().runUntil(tick - 1);
-    EXPECT_EQ(calls_.size(), before);
-    desktop_.loop().runUntil(tick);
-    EXPECT_EQ(calls_.size(), before + 1);
-    desktop_.loop().runUntil(tick + 1);
-    EXPECT_EQ(calls_.size(), before + 1);
-  }
   void expectNoSources() {
     EXPECT_EQ(desktop_.hidDevices().appearedObservers(), 0U);
     EXPECT_EQ(desktop_.workspace().wakeObservers(), 0U);
@@ -105,13 +94,6 @@ TEST_F(KeyboardWatcherTest, ADevicePluggedInJustBeforeTheStartCausesNoCall) {
   EXPECT_EQ(callsUntil(beforeTheFirstReconcile), Times{});
 }
 
-TEST_F(KeyboardWatcherTest, ADeviceYieldsOneCallASecondLater) {
-  start();
-  plugAt(5);
-  expectTheNextCallAt(6);
-  EXPECT_EQ(callsUntil(beforeTheFirstReconcile), Times{6});
-}
-
 TEST_F(KeyboardWatcherTest, ADeviceThatIsNoKeyboardCountsToo) {
   start();
   desktop_.attachDevice(false);
@@ -126,57 +108,48 @@ TEST_F(KeyboardWatcherTest, UnpluggingYieldsNoCall) {
   EXPECT_EQ(callsUntil(beforeTheFirstReconcile), Times{});
 }
 
-TEST_F(KeyboardWatcherTest, ThreeDevicesHalfASecondApartYieldOneCall) {
+struct History {
+  const char* name;
+  Times plugs;
+  Times wakes;
+  /// To the tick.
+  Times calls;
+  double end = 299.9;
+};
+
+class KeyboardWatcherHistoryTest : public KeyboardWatcherTest,
+                                   public testing::WithParamInterface<History> {};
+
+TEST_P(KeyboardWatcherHistoryTest, YieldsTheseCalls) {
   start();
-  plugAt(1);
-  plugAt(1.5);
-  plugAt(2);
-  expectTheNextCallAt(3);
-  EXPECT_EQ(callsUntil(beforeTheFirstReconcile), Times{3});
+  for (const double time : GetParam().plugs) {
+    plugAt(time);
+  }
+  for (const double time : GetParam().wakes) {
+    wakeAt(time);
+  }
+  EXPECT_EQ(callsUntil(GetParam().end), GetParam().calls);
 }
 
-TEST_F(KeyboardWatcherTest, DevicesMoreThanASecondApartYieldACallEach) {
-  start();
-  plugAt(1);
-  plugAt(2.5);
-  EXPECT_EQ(callsUntil(beforeTheFirstReconcile), (Times{2, 3.5}));
-}
-
-TEST_F(KeyboardWatcherTest, AWakeYieldsACallTwoSecondsLaterAndOneTenSecondsLater) {
-  start();
-  wakeAt(1);
-  expectTheNextCallAt(3);
-  expectTheNextCallAt(11);
-  EXPECT_EQ(callsUntil(beforeTheFirstReconcile), (Times{3, 11}));
-}
-
-TEST_F(KeyboardWatcherTest, TwoWakesASecondApartYieldOneDebouncedCallAndTwoFollowUps) {
-  start();
-  wakeAt(1);
-  wakeAt(2);
-  EXPECT_EQ(callsUntil(beforeTheFirstReconcile), (Times{4, 11, 12}));
-}
-
-TEST_F(KeyboardWatcherTest, ADeviceAfterAWakeShortensTheWait) {
-  start();
-  wakeAt(1);
-  plugAt(1.5);
-  EXPECT_EQ(callsUntil(beforeTheFirstReconcile), (Times{2.5, 11}));
-}
-
-TEST_F(KeyboardWatcherTest, AWakeAfterADevicePutsTheCallOff) {
-  start();
-  plugAt(1);
-  wakeAt(1.5);
-  EXPECT_EQ(callsUntil(beforeTheFirstReconcile), (Times{3.5, 11.5}));
-}
-
-TEST_F(KeyboardWatcherTest, AFollowUpLeavesADebouncedCallPending) {
-  start();
-  wakeAt(1);
-  plugAt(10.5);
-  EXPECT_EQ(callsUntil(beforeTheFirstReconcile), (Times{3, 11, 11.5}));
-}
+INSTANTIATE_TEST_SUITE_P(
+    , KeyboardWatcherHistoryTest,
+    testing::Values(
+        History{"ADeviceIsOneCallASecondLater", {5}, {}, {6}},
+        History{"ThreeDevicesHalfASecondApartAreOneCall", {1, 1.5, 2}, {}, {3}},
+        History{"DevicesMoreThanASecondApartAreACallEach", {1, 2.5}, {}, {2, 3.5}},
+        History{"AWakeIsACallTwoSecondsLaterAndOneTenSecondsLater", {}, {1}, {3, 11}},
+        History{"TwoWakesASecondApartAreOneDebouncedCallAndTwoFollowUps", {}, {1, 2}, {4, 11, 12}},
+        History{"ADeviceAfterAWakeShortensTheWait", {1.5}, {1}, {2.5, 11}},
+        History{"AWakeAfterADevicePutsTheCallOff", {1}, {1.5}, {3.5, 11.5}},
+        History{"AFollowUpLeavesADebouncedCallPending", {10.5}, {1}, {3, 11, 11.5}},
+        History{"TheReconcileTimerCallsEveryFiveMinutes", {}, {}, {300, 600, 900}, 1199},
+        History{"AReconcileCallLeavesADebouncedCallPending", {299.5}, {}, {300, 300.5}, 599},
+        History{"ManyEventsAreExactlyTheseCalls",
+                {11, 11.25, 100, 298},
+                {10, 295},
+                {12.25, 20, 101, 297, 299, 300, 305, 600},
+                610}),
+    [](const auto& history) { return std::string(history.param.name); });
 
 TEST_F(KeyboardWatcherTest, SettingTheWallClockMovesNoCall) {
   start();
@@ -188,23 +161,10 @@ TEST_F(KeyboardWatcherTest, SettingTheWallClockMovesNoCall) {
   EXPECT_EQ(callsUntil(310), (Times{3, 11, 21, 300}));
 }
 
-TEST_F(KeyboardWatcherTest, TheReconcileTimerCallsEveryFiveMinutes) {
-  start();
-  expectTheNextCallAt(300);
-  expectTheNextCallAt(600);
-  expectTheNextCallAt(900);
-}
-
 TEST_F(KeyboardWatcherTest, ALateReconcileCallComesAtMostThirtySecondsLate) {
   desktop_.dispatch().lateness().setTimerShareOfTolerance(1);
   start();
   EXPECT_EQ(callsUntil(1000), (Times{330, 630, 930}));
-}
-
-TEST_F(KeyboardWatcherTest, AReconcileCallLeavesADebouncedCallPending) {
-  start();
-  plugAt(299.5);
-  EXPECT_EQ(callsUntil(599), (Times{300, 300.5}));
 }
 
 TEST_F(KeyboardWatcherTest, AllCallsComeWhileAMenuIsOpen) {
@@ -214,17 +174,6 @@ TEST_F(KeyboardWatcherTest, AllCallsComeWhileAMenuIsOpen) {
   plugAt(1);
   wakeAt(20);
   EXPECT_EQ(callsUntil(301), (Times{2, 22, 30, 300}));
-}
-
-TEST_F(KeyboardWatcherTest, ALongHistoryYieldsExactlyTheseCalls) {
-  start();
-  wakeAt(10);
-  plugAt(11);
-  plugAt(11.25);
-  plugAt(100);
-  wakeAt(295);
-  plugAt(298);
-  EXPECT_EQ(callsUntil(610), (Times{12.25, 20, 101, 297, 299, 300, 305, 600}));
 }
 
 TEST_F(KeyboardWatcherTest, WithoutDeviceObservationTheOtherSourcesStillCall) {

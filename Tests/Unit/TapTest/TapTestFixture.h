@@ -12,6 +12,9 @@
 
 namespace zephlin {
 
+/// What the system returns where Input Monitoring is not allowed.
+constexpr auto notPermitted = static_cast<std::int32_t>(0xE00002E2);
+
 /// The tap test on a simulated desktop whose wall clock begins at 0, which keeps small times exact,
 /// and the views of its window.
 class TapTestFixture : public testing::Test {
