@@ -6,17 +6,17 @@
 #include <QMessageBox>
 #include <QWindow>
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <thread>
 
 #include "Tests/Contract/ContractDesktop.h"
-#include "Tests/Contract/KeyboardService.h"
 #include "Tests/Contract/LinuxShownWindow.h"
 #include "Tests/Contract/PanelItem.h"
-#include "Tests/Contract/ShownWindows.h"
 #include "Tests/Contract/UserFolders.h"
 #include "Tests/Support/FakeLogind.h"
 #include "Tests/Support/FakePanel.h"
+#include "Tests/Support/FakeService.h"
 #include "Tests/Support/Files.h"
 #include "Tests/Support/PrivateDesktop.h"
 #include "Tests/Support/QtLoop.h"
@@ -39,6 +39,8 @@ std::unique_ptr<Platform> makePlatformWithoutArguments() {
   static char* arguments[] = {name, nullptr};
   return makePlatform(count, arguments);
 }
+
+constexpr const char* servicePath = "/run/zephlin/hidd.sock";
 
 class LinuxContractDesktop final : public ContractDesktop {
  public:
@@ -67,7 +69,7 @@ class LinuxContractDesktop final : public ContractDesktop {
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
   }
 
-  void plugKeyboard() override { service_->plugKeyboard(); }
+  void plugKeyboard() override;
   void sleepAndWake() override {
     // It listens from the event loop's next turn on.
     runFor(0);
@@ -129,7 +131,7 @@ class LinuxContractDesktop final : public ContractDesktop {
   test::TrayItem& shownItem();
 
   UserFolders folders_;
-  std::optional<KeyboardService> service_;
+  std::optional<test::FakeService> service_;
   std::unique_ptr<Platform> platform_;
   std::optional<test::FakeLogind> logind_;
   std::optional<test::FakePanel> panel_;
@@ -138,7 +140,10 @@ class LinuxContractDesktop final : public ContractDesktop {
 
 void LinuxContractDesktop::startPlatform() {
   platform_ = makePlatformWithoutArguments();
-  service_.emplace();
+  // In a /run that only this program has.
+  std::filesystem::create_directories(std::filesystem::path(servicePath).parent_path());
+  std::filesystem::remove(servicePath);
+  service_.emplace(servicePath);
   logind_.emplace();
   panel_.emplace();
 }
@@ -149,6 +154,15 @@ void LinuxContractDesktop::stopPlatform() {
   logind_.reset();
   service_.reset();
   platform_.reset();
+}
+
+void LinuxContractDesktop::plugKeyboard() {
+  // Lets an observer that has just come or gone do so first.
+  runFor(0.02);
+  if (!service_->hasClient() || service_->isAwaited()) {
+    EXPECT_TRUE(service_->acceptSubscription());
+  }
+  service_->send("{\"appeared\":\"100000001\"}\n");
 }
 
 /// Leaves the lock of the X server's keyboard as it was found.

@@ -1,5 +1,6 @@
 #include "Tests/Support/FakeService.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -44,6 +45,11 @@ bool FakeService::acceptSubscription() {
   }
   send("{\"subscribed\":true}\n");
   return true;
+}
+
+bool FakeService::isAwaited() const {
+  pollfd polled{listener_.get(), POLLIN, 0};
+  return ::poll(&polled, 1, 0) > 0;
 }
 
 void FakeService::send(const std::string& bytes) {

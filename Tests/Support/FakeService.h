@@ -22,6 +22,9 @@ class FakeService {
   bool acceptSubscription();
   void send(const std::string& bytes);
   void hangUp() { client_.close(); }
+  [[nodiscard]] bool hasClient() const { return client_.isOpen(); }
+  /// Whether another client is waiting to be accepted.
+  [[nodiscard]] bool isAwaited() const;
   /// Whether the client hangs up, while Qt's loop runs.
   bool isHungUpOn();
 
