@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #import "Support/ApplicationTest.h"
 #import "Support/Mac.h"
 #include "Tests/Support/EnvironmentVariable.h"
@@ -10,29 +8,6 @@ namespace zephlin::test {
 namespace {
 
 class TapTestTest : public ApplicationTest {};
-
-TEST_F(TapTestTest, TheWindowIsBuiltOnceAndShownAgainAfterItWasClosed) {
-  launch([] {
-    openTapTest();
-    NSWindow* const window = tapTestWindow();
-    EXPECT_TRUE([window isVisible]);
-    EXPECT_EQ([[window contentView] frame].size.width, 408);
-    [window performClose:nil];
-    EXPECT_FALSE([window isVisible]);
-    openTapTest();
-    EXPECT_TRUE(tapTestWindow() == window);
-    EXPECT_TRUE([window isVisible]);
-  });
-}
-
-TEST_F(TapTestTest, ItWaitsForTaps) {
-  launch([] {
-    openTapTest();
-    const Calls texts = tapTestTexts();
-    EXPECT_EQ(std::count(texts.begin(), texts.end(), "0"), 2);
-    EXPECT_EQ(std::count(texts.begin(), texts.end(), "Waiting for taps…"), 1);
-  });
-}
 
 TEST_F(TapTestTest, ThePreviewWritesAPictureOfTheWindowAndQuits) {
   const TemporaryDirectory folder;

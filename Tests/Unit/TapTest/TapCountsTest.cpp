@@ -199,7 +199,7 @@ TEST_P(TapLatencyTest, IsThatOfThePressOrStaysAsItWas) {
   desktop_.tapCapsLock();
   desktop_.runFor(1);
   EXPECT_EQ(controller_->lastLatencyMS(), 12);
-  desktop_.setWallTime({0});
+  desktop_.setWallTime(WallTime(Seconds(0)));
   desktop_.capsLockKey().setLatency(secondsFromTicks(GetParam().delay));
   desktop_.tapCapsLock();
   desktop_.runFor(2);

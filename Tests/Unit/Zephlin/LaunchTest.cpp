@@ -8,7 +8,6 @@
 
 #include "Tests/Support/Files.h"
 #include "Tests/Support/TemporaryDirectory.h"
-#include "Tests/Unit/KeyboardWatcher/DelegatingPlatform.h"
 #include "Tests/Unit/Zephlin/AppDelegateFixture.h"
 #include "Zephlin/RunApplication.h"
 
@@ -17,37 +16,6 @@ namespace {
 
 using Launch = AppDelegateTest;
 using test::contentOf;
-
-/// Records what it is asked to do.
-class RecordingApplication final : public Application {
- public:
-  void setDelegate(std::weak_ptr<ApplicationDelegate> /*delegate*/) override {
-    calls.emplace_back("delegate");
-  }
-  void becomeAccessory() override { calls.emplace_back("policy"); }
-  void setMainMenu(std::shared_ptr<Menu> /*menu*/) override { calls.emplace_back("main menu"); }
-  bool handOverToRunningInstance() override { return false; }
-  void activateIgnoringOtherApps() override { calls.emplace_back("activation"); }
-  void run() override { calls.emplace_back("run"); }
-  void terminate() override { calls.emplace_back("termination"); }
-
-  std::vector<std::string> calls;
-};
-
-class PlatformOfARecordingApplication final : public DelegatingPlatform {
- public:
-  RecordingApplication& application() override { return application_; }
-
- private:
-  RecordingApplication application_;
-};
-
-TEST(RunApplication, SetsTheDelegateThenThePolicyThenTheMainMenuAndThenRuns) {
-  PlatformOfARecordingApplication platform;
-  EXPECT_EQ(runApplication(platform), 0);
-  EXPECT_EQ(platform.application().calls,
-            (std::vector<std::string>{"delegate", "policy", "main menu", "run"}));
-}
 
 TEST_F(Launch, ConstructionStartsTheUpdaterAndNothingElse) {
   const auto delegate = std::make_shared<AppDelegate>(desktop_);
