@@ -4,7 +4,6 @@
 #include <string>
 #include <system_error>
 #include <utility>
-#include <vector>
 
 #include "Platform/Simulated/SimulatedDesktop.h"
 #include "ZephlinCore/CapsLockEngine.h"
@@ -117,46 +116,6 @@ TEST_F(SimulatedDesktopTest, WhatWorkMayKeepOutlivesTheDesktop) {
   EXPECT_FALSE(ran);
 }
 
-TEST_F(SimulatedDesktopTest, DevicesThatAppearAreAnnouncedThroughTheMainQueue) {
-  int appeared = 0;
-  auto observation = desktop_.hidDevices().observeDeviceAppeared([&appeared] { ++appeared; });
-  desktop_.plugKeyboard();
-  EXPECT_EQ(appeared, 0);
-  desktop_.runUntilIdleNow();
-  EXPECT_EQ(appeared, 1);
-  desktop_.attachDevice(false);
-  desktop_.runUntilIdleNow();
-  EXPECT_EQ(appeared, 2);
-  EXPECT_EQ(desktop_.keyboards().count(), 2U);
-  observation.reset();
-  desktop_.plugKeyboard();
-  desktop_.runUntilIdleNow();
-  EXPECT_EQ(appeared, 2);
-}
-
-TEST_F(SimulatedDesktopTest, ATapReachesInputsAndEventTapsUnlessAMenuIsOpen) {
-  std::vector<bool> values;
-  std::vector<ModifierFlags> flags;
-  const auto input =
-      desktop_.hidDevices().openCapsLockKey([&values](bool isDown) { values.push_back(isDown); });
-  const auto tap = desktop_.eventTaps().listenToFlagsChanged(
-      [&flags](ModifierFlags now) { flags.push_back(now); });
-  desktop_.tapCapsLock();
-  desktop_.tapCapsLock(false);
-  desktop_.pressModifier(modifierShift);
-  EXPECT_EQ(values, (std::vector<bool>{true, false, true, false}));
-  EXPECT_EQ(flags,
-            (std::vector<ModifierFlags>{modifierCapsLock, modifierCapsLock | modifierShift}));
-
-  auto item = desktop_.systemStatusBar().makeStatusItem();
-  item->setMenu(std::make_shared<Menu>());
-  ASSERT_TRUE(desktop_.openMenu());
-  desktop_.tapCapsLock();
-  EXPECT_EQ(values.size(), 4U);
-  EXPECT_EQ(flags.size(), 2U);
-  EXPECT_EQ(desktop_.eventTaps().currentModifierFlags(), modifierShift);
-}
-
 TEST_F(SimulatedDesktopTest, AnAlertIsModalUntilItIsDismissedAndTimeGoesOnMeanwhile) {
   int ticks = 0;
   const auto timer =
@@ -185,40 +144,6 @@ TEST_F(SimulatedDesktopTest, AClickClosesTheMenuAndPerformsTheAction) {
   EXPECT_FALSE(desktop_.click("Not this"));
   EXPECT_TRUE(desktop_.click("Do it"));
   EXPECT_FALSE(wasOpen);
-}
-
-TEST_F(SimulatedDesktopTest, LayersAreUpdatedWhenTheLoopTurnsIfTheWindowIsAsked) {
-  struct CountingBox final : Box {
-    void updateLayer() override { ++updates; }
-    int updates = 0;
-  };
-  auto view = std::make_shared<CountingBox>();
-  view->layer = Layer{};
-  const auto window = desktop_.windows().makeWindow({"title"}, view);
-  desktop_.runUntilIdleNow();
-  EXPECT_EQ(view->updates, 0);
-  window->makeKeyAndOrderFront();
-  desktop_.runUntilIdleNow();
-  desktop_.runUntilIdleNow();
-  EXPECT_EQ(view->updates, 1);
-  view->needsDisplay = true;
-  desktop_.runUntilIdleNow();
-  EXPECT_EQ(view->updates, 1);
-  window->displayIfNeeded();
-  desktop_.runUntilIdleNow();
-  EXPECT_EQ(view->updates, 2);
-}
-
-TEST_F(SimulatedDesktopTest, SettingsSurviveInTheirStorage) {
-  const auto storage = std::make_shared<SimulatedUserDefaultsStorage>();
-  {
-    SimulatedDesktop first(storage);
-    first.standardUserDefaults().setBoolean("key", false);
-  }
-  SimulatedDesktop second(storage);
-  EXPECT_EQ(second.standardUserDefaults().boolean("key"), false);
-  storage->set("key", std::string("false"));
-  EXPECT_EQ(second.standardUserDefaults().boolean("key"), std::nullopt);
 }
 
 }  // namespace

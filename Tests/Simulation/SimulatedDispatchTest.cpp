@@ -37,18 +37,6 @@ TEST_F(SimulatedDispatchTest, ATimerFiresOncePerInterval) {
   EXPECT_EQ(times_, (Times{0.5, 1.0, 1.5}));
 }
 
-TEST_F(SimulatedDispatchTest, ATimerMayEndItselfFromItsTick) {
-  std::unique_ptr<Timer> timer;
-  timer = dispatch_.scheduleTimer(Seconds{1}, Seconds{0}, [&] {
-    noteTime();
-    timer.reset();
-  });
-  desktop_.runUntil(5);
-  EXPECT_EQ(times_, Times{1.0});
-  EXPECT_TRUE(dispatch_.liveTimers().empty());
-  EXPECT_EQ(desktop_.loop().pendingEvents(), 0U);
-}
-
 TEST_F(SimulatedDispatchTest, ALateTimerStaysWithinItsToleranceAndOnItsGrid) {
   dispatch_.lateness().setTimerShareOfTolerance(0.5);
   const auto timer = dispatch_.scheduleTimer(Seconds{10}, Seconds{2}, note());
@@ -81,33 +69,6 @@ TEST_F(SimulatedDispatchTest, LatenessDelaysAndNeverHurries) {
   EXPECT_GE(times_[1], 3.0);
   EXPECT_GT(times_.back(), times_[1]);
   EXPECT_LE(times_.back(), 3.5);
-}
-
-TEST_F(SimulatedDispatchTest, ASerialQueueWorksOffItsWorkInOrderOffTheMainThread) {
-  const auto queue = dispatch_.makeSerialQueue("work");
-  std::vector<bool> onMain;
-  for (int i = 0; i < 2; ++i) {
-    queue->post([&] {
-      onMain.push_back(desktop_.isOnMainThread());
-      desktop_.loop().blockFor(ticksFromSeconds(1));
-      noteTime();
-    });
-  }
-  desktop_.runUntil(5);
-  EXPECT_EQ(times_, (Times{1, 2}));
-  EXPECT_EQ(onMain, (std::vector<bool>{false, false}));
-  ASSERT_EQ(dispatch_.liveSerialQueues().size(), 1U);
-  EXPECT_EQ(dispatch_.liveSerialQueues()[0], "work");
-}
-
-TEST_F(SimulatedDispatchTest, ADestroyedQueueStillRunsWhatWasPosted) {
-  auto queue = dispatch_.makeSerialQueue("work");
-  queue->post(note());
-  queue->post(note());
-  queue.reset();
-  EXPECT_TRUE(dispatch_.liveSerialQueues().empty());
-  desktop_.runUntil(1);
-  EXPECT_EQ(times_, (Times{0, 0}));
 }
 
 TEST_F(SimulatedDispatchTest, WallTimePassesWithMonotonicTimeAndMovesWithoutIt) {

@@ -1,4 +1,3 @@
-#include "StandIns/Actions.h"
 #include "StandIns/CallLog.h"
 #import "Support/Mac.h"
 #import "Support/StandInMac.h"
@@ -24,29 +23,6 @@ TEST_F(AlertTest, TheAlertShowsItsTextsAndItsButtonAndGoesWhenThatIsClicked) {
   EXPECT_NE(std::find(texts.begin(), texts.end(), alert_.messageText), texts.end());
   EXPECT_NE(std::find(texts.begin(), texts.end(), alert_.informativeText), texts.end());
   EXPECT_EQ(liveObjectsOf("NSAlert"), 0);
-}
-
-TEST_F(AlertTest, TimersAndTheMainQueueGoOnWhileTheAlertIsModalAndTheKeyboardWaits) {
-  int ticks = 0;
-  bool posted = false;
-  int values = 0;
-  int valuesWhileModal = -1;
-  const auto input = platform().hidDevices().openCapsLockKey([&](bool) { ++values; });
-  mac::whenModal([&] {
-    standins::reportKey(7, 57, 1);
-    platform().dispatch().mainQueue()->post([&] { posted = true; });
-  });
-  const auto timer = platform().dispatch().scheduleTimer(Seconds{0.01}, Seconds{}, [&] {
-    if (++ticks >= 3 && posted && valuesWhileModal < 0) {
-      valuesWhileModal = values;
-      clickInModalWindow("OK");
-    }
-  });
-  platform().alerts().runModal(alert_);
-  EXPECT_GE(ticks, 3);
-  EXPECT_TRUE(posted);
-  EXPECT_EQ(valuesWhileModal, 0);
-  waitUntil([&] { return values == 1; });
 }
 
 }  // namespace

@@ -65,18 +65,6 @@ TEST_F(DevicesTest, TheIteratorIsReleasedBeforeThePortIsDestroyedAndNoLateCallCo
   EXPECT_EQ(calls, 0);
 }
 
-TEST_F(DevicesTest, AnObservationMayBeDestroyedByItsOwnCall) {
-  int calls = 0;
-  std::unique_ptr<Observation> observation;
-  observation = observe([&] {
-    observation.reset();
-    ++calls;
-  });
-  standins::attachDevice();
-  standins::settle();
-  EXPECT_EQ(calls, 1);
-}
-
 TEST_F(DevicesTest, WithoutAPortNothingIsObserved) {
   standins::knobs().notificationPortsAvailable = false;
   EXPECT_EQ(observe([] {}), nullptr);
@@ -123,18 +111,6 @@ TEST_F(DevicesTest, TheManagerIsUnscheduledThenClosedThenReleased) {
                    "IOHIDManagerClose(0)", "IOHIDManager released"}));
   standins::reportKey(7, 57, 1);
   EXPECT_TRUE(values.empty());
-}
-
-TEST_F(DevicesTest, AnInputMayBeClosedByItsOwnCall) {
-  int calls = 0;
-  std::variant<std::unique_ptr<Observation>, std::int32_t> input;
-  input = open([&](bool) {
-    input = std::int32_t{0};
-    ++calls;
-  });
-  standins::reportKey(7, 57, 1);
-  EXPECT_EQ(calls, 1);
-  EXPECT_FALSE(standins::liveObjects().contains("IOHIDManager"));
 }
 
 TEST_F(DevicesTest, WhereOpeningFailsTheCodeIsReturnedAndTheManagerUnscheduledAndReleased) {

@@ -40,23 +40,6 @@ TEST_F(DispatchTest, ASerialQueueWorksInOrderOffTheMainThreadAndIsReleasedAfterI
   EXPECT_FALSE(standins::liveObjects().contains("dispatch_queue"));
 }
 
-TEST_F(DispatchTest, TheMainQueueWorksOnTheMainThreadInOrderWhoeverPosts) {
-  std::vector<int> order;
-  const auto mainThread = std::this_thread::get_id();
-  bool onMainThread = false;
-  mainQueue()->post([&] { order.push_back(1); });
-  std::thread([&] {
-    mainQueue()->post([&] {
-      onMainThread = std::this_thread::get_id() == mainThread;
-      order.push_back(2);
-    });
-  }).join();
-  EXPECT_TRUE(order.empty());
-  waitUntil([&] { return order.size() == 2; });
-  EXPECT_EQ(order, (std::vector{1, 2}));
-  EXPECT_TRUE(onMainThread);
-}
-
 TEST_F(DispatchTest, DelayedWorkRunsWhenItsTimeHasComeAndNotBefore) {
   int runs = 0;
   mainQueue()->postAfter(Seconds{1.5}, [&] { ++runs; });
@@ -65,14 +48,6 @@ TEST_F(DispatchTest, DelayedWorkRunsWhenItsTimeHasComeAndNotBefore) {
   EXPECT_EQ(runs, 0);
   standins::advance(0.001);
   EXPECT_EQ(runs, 1);
-}
-
-TEST_F(DispatchTest, DelayedWorkRunsByItselfWhenTimeRuns) {
-  standins::resumeTime();
-  bool hasRun = false;
-  mainQueue()->postAfter(Seconds{0.01}, [&] { hasRun = true; });
-  waitUntil([&] { return hasRun; });
-  standins::stopTime();
 }
 
 TEST_F(DispatchTest, ATimerHasItsToleranceAndFiresInTheCommonModesUntilItIsDestroyed) {
@@ -87,27 +62,6 @@ TEST_F(DispatchTest, ATimerHasItsToleranceAndFiresInTheCommonModesUntilItIsDestr
   EXPECT_EQ(standins::calls({"NSTimer"}), Calls{"NSTimer invalidate(interval 300)"});
   standins::fireTimers(300);
   EXPECT_EQ(ticks, 2);
-}
-
-TEST_F(DispatchTest, ATimerTicksByItself) {
-  int ticks = 0;
-  const auto timer =
-      platform().dispatch().scheduleTimer(Seconds{0.01}, Seconds{}, [&] { ++ticks; });
-  EXPECT_EQ(ticks, 0);
-  waitUntil([&] { return ticks >= 3; });
-}
-
-TEST_F(DispatchTest, ATimerMayBeDestroyedByItsOwnTick) {
-  int ticks = 0;
-  std::unique_ptr<Timer> timer;
-  const auto payload = std::make_shared<int>(7);
-  timer = platform().dispatch().scheduleTimer(Seconds{0.01}, Seconds{}, [&, payload] {
-    timer.reset();
-    ticks += *payload;
-  });
-  waitUntil([&] { return ticks != 0; });
-  EXPECT_EQ(ticks, 7);
-  EXPECT_EQ(timer, nullptr);
 }
 
 }  // namespace

@@ -54,17 +54,6 @@ TEST_F(EventTapsTest, TheTapIsDisabledBeforeItsSourceIsRemoved) {
   EXPECT_TRUE(seen_.empty());
 }
 
-TEST_F(EventTapsTest, ATapMayBeDestroyedByItsOwnCall) {
-  int calls = 0;
-  std::unique_ptr<Observation> tap;
-  tap = platform().eventTaps().listenToFlagsChanged([&](ModifierFlags) {
-    tap.reset();
-    ++calls;
-  });
-  standins::postEvent(12, 0);
-  EXPECT_EQ(calls, 1);
-}
-
 TEST_F(EventTapsTest, WhereItIsNotAllowedThereIsNoTap) {
   standins::knobs().eventTapsAllowed = false;
   EXPECT_EQ(listen(), nullptr);

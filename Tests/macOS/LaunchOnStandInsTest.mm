@@ -76,75 +76,11 @@ TEST_F(LaunchOnStandInsTest, NothingIsLeftWhenTheApplicationHasEnded) {
   }
 }
 
-TEST_F(LaunchOnStandInsTest, AFailureShowsTheWarningAndIsLoggedAndTriedAgainThreeTimes) {
-  FakeHidutil::shared().setExitStatus(1);
-  launch([] {
-    EXPECT_EQ(symbolName(), "exclamationmark.triangle");
-    EXPECT_EQ(logLines(),
-              Calls{"Zephlin: failed to apply override: hidutil exited with status 1: no luck"});
-    standins::advance(60);
-  });
-  EXPECT_EQ(FakeHidutil::shared().sets(), Calls(4, "0"));
-}
-
-TEST_F(LaunchOnStandInsTest, AFirstLaunchFromABundleRegistersTheLoginItemOnce) {
-  standins::knobs().mainBundlePath = "/Applications/Zephlin.app";
-  launch([] {});
-  EXPECT_EQ(standins::calls({"SMAppService register"}).size(), 1U);
-  EXPECT_TRUE([[NSUserDefaults standardUserDefaults] boolForKey:@"didSetupLoginItem"]);
-}
-
 TEST_F(LaunchOnStandInsTest, ALoginItemThatWasSetUpIsNotRegisteredAgainEvenIfANumberSaysSo) {
   standins::knobs().mainBundlePath = "/Applications/Zephlin.app";
   [[NSUserDefaults standardUserDefaults] setInteger:1 forKey:@"didSetupLoginItem"];
   launch([] {});
   EXPECT_EQ(standins::calls({"SMAppService register"}), Calls{});
-}
-
-TEST_F(LaunchOnStandInsTest, ARegistrationThatFailsIsLogged) {
-  standins::knobs().mainBundlePath = "/Applications/Zephlin.app";
-  standins::knobs().loginError = "Operation not permitted";
-  launch([] {});
-  EXPECT_EQ(logLines(), Calls{"Zephlin: could not register login item: Operation not permitted"});
-  EXPECT_FALSE([[NSUserDefaults standardUserDefaults] boolForKey:@"didSetupLoginItem"]);
-}
-
-TEST_F(LaunchOnStandInsTest, ThreeDevicesHalfASecondApartAreOneApplyOneSecondAfterTheThird) {
-  launch([] {
-    for (int i = 0; i < 3; ++i) {
-      standins::advance(0.5);
-      standins::attachDevice();
-      standins::settle();
-    }
-    standins::advance(0.999);
-    EXPECT_EQ(FakeHidutil::shared().sets().size(), 1U);
-    standins::advance(0.001);
-    EXPECT_EQ(FakeHidutil::shared().sets().size(), 2U);
-    standins::advance(60);
-    EXPECT_EQ(FakeHidutil::shared().sets().size(), 2U);
-  });
-}
-
-TEST_F(LaunchOnStandInsTest, AWakeIsAnApplyTwoSecondsLaterAndOneMoreTenSecondsLater) {
-  launch([] {
-    wakeFromSleep();
-    standins::advance(1.999);
-    EXPECT_EQ(FakeHidutil::shared().sets().size(), 1U);
-    standins::advance(0.001);
-    EXPECT_EQ(FakeHidutil::shared().sets().size(), 2U);
-    standins::advance(7.999);
-    EXPECT_EQ(FakeHidutil::shared().sets().size(), 2U);
-    standins::advance(0.001);
-    EXPECT_EQ(FakeHidutil::shared().sets().size(), 3U);
-  });
-}
-
-TEST_F(LaunchOnStandInsTest, TheReconcileTimerAppliesAnew) {
-  launch([] {
-    standins::fireTimers(300);
-    standins::settle();
-    EXPECT_EQ(FakeHidutil::shared().sets().size(), 2U);
-  });
 }
 
 TEST_F(LaunchOnStandInsTest, WhatFallsDueAfterTheEndFindsTheApplicationGone) {
@@ -160,11 +96,6 @@ TEST_F(LaunchOnStandInsTest, WhatFallsDueAfterTheEndFindsTheApplicationGone) {
   standins::settle();
   [menu release];
   EXPECT_EQ(FakeHidutil::shared().sets().size(), sets);
-}
-
-TEST_F(LaunchOnStandInsTest, ABareExecutableAsksNothingOfTheLoginService) {
-  launch([] {});
-  EXPECT_EQ(standins::calls({"SMAppService"}), Calls{});
 }
 
 }  // namespace

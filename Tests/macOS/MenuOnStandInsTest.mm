@@ -18,30 +18,6 @@ TEST_F(MenuOnStandInsTest, InABundleTheLoginItemIsCheckedOnceItIsRegistered) {
   });
 }
 
-TEST_F(MenuOnStandInsTest, ALoginItemThatNeedsApprovalOpensTheSettings) {
-  standins::knobs().mainBundlePath = "/Applications/Zephlin.app";
-  [[NSUserDefaults standardUserDefaults] setBool:YES forKey:@"didSetupLoginItem"];
-  standins::knobs().registrationNeedsApproval = true;
-  launch([] {
-    openMenu();
-    choose("Start at Login");
-  });
-  EXPECT_EQ(standins::calls({"SMAppService open"}).size(), 1U);
-}
-
-TEST_F(MenuOnStandInsTest, ALoginItemChangeThatFailsIsLogged) {
-  standins::knobs().mainBundlePath = "/Applications/Zephlin.app";
-  [[NSUserDefaults standardUserDefaults] setBool:YES forKey:@"didSetupLoginItem"];
-  standins::knobs().loginStatus = 1;
-  standins::knobs().loginError = "Operation not permitted";
-  launch([] {
-    openMenu();
-    choose("Start at Login");
-  });
-  EXPECT_EQ(logLines(), Calls{"Zephlin: login item change failed: Operation not permitted"});
-  EXPECT_EQ(standins::calls({"SMAppService open", "SMAppService register"}), Calls{});
-}
-
 TEST_F(MenuOnStandInsTest, CheckingForUpdatesIsSparklesAction) {
   standins::knobs().bundleHasSparkle = true;
   launch([] {

@@ -17,14 +17,6 @@ class ServicesTest : public MacTest {
   LoginService& login() { return platform().loginService(); }
 };
 
-TEST_F(ServicesTest, ABooleanSettingComesBackAsItWasStored) {
-  EXPECT_EQ(defaults().boolean("didSetupLoginItem"), std::nullopt);
-  defaults().setBoolean("didSetupLoginItem", true);
-  EXPECT_EQ(defaults().boolean("didSetupLoginItem"), true);
-  defaults().setBoolean("didSetupLoginItem", false);
-  EXPECT_EQ(defaults().boolean("didSetupLoginItem"), false);
-}
-
 TEST_F(ServicesTest, ATextOrANumberIsNoBoolean) {
   NSUserDefaults* const stored = [NSUserDefaults standardUserDefaults];
   [stored setObject:@"NO" forKey:@"instantCapsLockEnabled"];
@@ -91,18 +83,6 @@ TEST_F(ServicesTest, WakingIsObservedAtTheWorkspacesCentreUntilTheObservationGoe
                                                       object:nil];
   EXPECT_EQ(wakes, 1) << "the default centre is another one";
   observation.reset();
-  wakeFromSleep();
-  EXPECT_EQ(wakes, 1);
-}
-
-TEST_F(ServicesTest, AWakeObservationMayBeDestroyedByItsOwnCall) {
-  int wakes = 0;
-  std::unique_ptr<Observation> observation;
-  observation = platform().workspace().observeDidWake([&] {
-    observation.reset();
-    ++wakes;
-  });
-  wakeFromSleep();
   wakeFromSleep();
   EXPECT_EQ(wakes, 1);
 }

@@ -72,12 +72,6 @@ TEST_F(StatusItemTest, NoSymbolClearsTheButton) {
   EXPECT_TRUE(image() == nil);
 }
 
-TEST_F(StatusItemTest, TheToolTipIsTheButtons) {
-  item_->setButtonToolTip("Zephlin: instant Caps Lock is ON");
-  EXPECT_TRUE(
-      [[[standins::shownStatusItem() button] toolTip] isEqual:@"Zephlin: instant Caps Lock is ON"]);
-}
-
 TEST_F(StatusItemTest, WithoutAButtonNothingIsShownAndNothingFails) {
   standins::knobs().statusItemsHaveButtons = false;
   item_ = platform().systemStatusBar().makeStatusItem();
@@ -92,36 +86,12 @@ TEST_F(StatusItemTest, TheMenuIsAttachedEmptyWithItsDelegateAndWithoutEnablingIt
             Calls{"NSStatusItem setMenu: delegate set, autoenables 0, 0 items"});
 }
 
-TEST_F(StatusItemTest, EachOpeningRebuildsTheMenu) {
-  const auto delegate = attachMenu();
-  openStatusMenu();
-  NSMenu* const menu = openStatusMenu();
-  ASSERT_EQ([menu numberOfItems], 4);
-  EXPECT_FALSE([[menu itemAtIndex:0] isEnabled]);
-  EXPECT_TRUE([[menu itemAtIndex:0] target] == nil);
-  EXPECT_TRUE([[menu itemAtIndex:1] isSeparatorItem]);
-  EXPECT_TRUE([[menu itemAtIndex:2] isEnabled]);
-  EXPECT_EQ([[menu itemAtIndex:2] state], NSControlStateValueOn);
-  EXPECT_TRUE([[[menu itemAtIndex:2] keyEquivalent] isEqual:@""]);
-  EXPECT_EQ([[menu itemAtIndex:3] state], NSControlStateValueOff);
-  EXPECT_TRUE([[[menu itemAtIndex:3] keyEquivalent] isEqual:@"q"]);
-  EXPECT_EQ([[menu itemAtIndex:3] keyEquivalentModifierMask], modifierCommand);
-}
-
 TEST_F(StatusItemTest, AnActionIsPerformedAlsoWhenItRebuildsTheMenu) {
   const auto delegate = attachMenu();
   NSMenu* const menu = openStatusMenu();
   delegate->toggled->action = [] {};
   [menu performActionForItemAtIndex:2];
   EXPECT_EQ(delegate->actions, 1);
-}
-
-TEST_F(StatusItemTest, ATitleChangesInTheOpenMenu) {
-  const auto delegate = attachMenu();
-  NSMenu* const menu = openStatusMenu();
-  delegate->toggled->title = "Changed…";
-  item_->menuTitlesDidChange();
-  EXPECT_STREQ([[[menu itemAtIndex:2] title] UTF8String], "Changed…");
 }
 
 TEST_F(StatusItemTest, AMenuWhoseDelegateHasGoneStaysAsItIs) {

@@ -1,13 +1,10 @@
 #include <algorithm>
-#include <filesystem>
 
 #include "StandIns/Actions.h"
 #include "StandIns/CallLog.h"
 #include "StandIns/Knobs.h"
 #import "Support/ApplicationTest.h"
 #import "Support/StandInMac.h"
-#include "Tests/Support/EnvironmentVariable.h"
-#include "Tests/Support/TemporaryDirectory.h"
 
 namespace zephlin::test {
 namespace {
@@ -81,20 +78,6 @@ TEST_F(TapTestOnStandInsTest, WithoutPermissionsTheFailuresAreLoggedAndThePollin
     EXPECT_TRUE(shows("1"));
     [tapTestWindow() performClose:nil];
     EXPECT_EQ(standins::calls({"NSTimer"}), Calls{"NSTimer invalidate(interval 0.01)"});
-  });
-}
-
-TEST_F(TapTestOnStandInsTest, ThePreviewWritesItsPictureAfterASecondAndQuits) {
-  const TemporaryDirectory folder;
-  const EnvironmentVariable preview("ZEPHLIN_PREVIEW", "taptest");
-  const EnvironmentVariable out("ZEPHLIN_PREVIEW_OUT", folder.file("preview.png"));
-  launch([&folder] {
-    standins::advance(0.999);
-    EXPECT_FALSE(std::filesystem::exists(folder.file("preview.png")));
-    standins::forgetCalls();
-    standins::advance(0.001);
-    EXPECT_TRUE(std::filesystem::exists(folder.file("preview.png")));
-    EXPECT_EQ(standins::calls({"NSApplication"}), Calls{"NSApplication terminate:nil"});
   });
 }
 

@@ -57,19 +57,6 @@ TEST_F(WindowTest, ThereIsNoPngWhereTheViewCannotBeCachedOrTheImageNotEncoded) {
   EXPECT_EQ(window_->contentAsPng(), std::nullopt);
 }
 
-TEST_F(WindowTest, ClosingTellsTheDelegateAndHidesTheWindowWhichCanBeShownAgain) {
-  const auto delegate = std::make_shared<Delegate>();
-  makeWindow().setDelegate(delegate);
-  window_->center();
-  window_->makeKeyAndOrderFront();
-  EXPECT_TRUE([nativeWindow() isVisible]);
-  [nativeWindow() performClose:nil];
-  EXPECT_EQ(delegate->closings, 1);
-  EXPECT_FALSE([nativeWindow() isVisible]);
-  window_->makeKeyAndOrderFront();
-  EXPECT_TRUE([nativeWindow() isVisible]);
-}
-
 TEST_F(WindowTest, DestroyingTheWindowTellsNobodyAndLeavesNothing) {
   const auto delegate = std::make_shared<Delegate>();
   const int windows = liveObjectsOf("NSWindow");
