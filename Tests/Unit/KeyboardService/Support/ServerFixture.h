@@ -22,13 +22,13 @@ inline const std::string listRequest = R"({"request":"list","matching":{}})";
 /// A server whose loop the test turns itself, in the same thread.
 class ServerTest : public testing::Test {
  protected:
-  ServerTest()
+  explicit ServerTest(std::chrono::milliseconds limit = timeout)
       : socket(directory.file("s")),
         registry([](const std::string&) {}),
         virtualKeyboards(200),
         permissions(::geteuid(), [](uid_t) { return false; }),
         handler(registry, virtualKeyboards, permissions, [](const std::string&) {}),
-        server(loop, socket.takeDescriptor(), handler, {timeout, 3, 2}) {
+        server(loop, socket.takeDescriptor(), handler, {limit, 3, 2}) {
     virtualKeyboards.start(registry);
     registry.onAppeared([this](RegistryID registryID) { server.announce({registryID}); });
   }
