@@ -6,6 +6,7 @@
 #import "ShownViews.h"
 #import "Support/Mac.h"
 #import "Support/MacTest.h"
+#import "Support/WakeEventLoop.h"
 #include "Tests/Contract/ContractDesktop.h"
 
 namespace zephlin::contract {
@@ -80,7 +81,7 @@ class MacContractDesktop final : public ContractDesktop {
   std::vector<ShownAlert> alerts() override;
   void dismissAlert() override {
     clickButton([[NSApp modalWindow] contentView], alerts().at(0).buttons.at(0));
-    mac::wakeEventLoop();
+    wakeAppKitsEventLoop();
   }
   bool isWindowShown() override { return [windowTitled(windowTitle) isVisible]; }
   std::vector<std::string> windowTexts() override { return labelTexts(content()); }

@@ -7,11 +7,11 @@
 /// What happens to a Mac. Main thread.
 namespace standins {
 
-/// From now on time stands still, but for `advance`. Nothing may be pending.
+/// Time stands still from now on, except for `advance`. Nothing may be pending.
 void stopTime();
 /// Time runs by itself again.
 void resumeTime();
-/// Moves time that stands still on, running on the main thread what falls due, in order.
+/// Moves the time, which stands still, and runs on the main thread what falls due, in order.
 void advance(double seconds);
 
 /// Waits until the serial queues have nothing more to do, and runs what they posted to the main
@@ -31,7 +31,5 @@ void setDark(bool isDark);
 void fireTimers(double interval);
 /// Does the work on the event loop once the application that runs next has launched.
 void whenLaunched(std::function<void()> work);
-/// Makes the event loop take another turn.
-void wakeEventLoop();
 
 }  // namespace standins

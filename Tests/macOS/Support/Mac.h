@@ -21,8 +21,6 @@ void settle();
 void whenLaunched(std::function<void()> work);
 /// Does the work while an alert is modal.
 void whenModal(std::function<void()> work);
-/// Makes the event loop take another turn.
-void wakeEventLoop();
 
 /// The newest status item that is shown, or nil.
 NSStatusItem* shownStatusItem();

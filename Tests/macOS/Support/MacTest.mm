@@ -1,6 +1,7 @@
 #import "Support/MacTest.h"
 
 #import "Support/Mac.h"
+#import "Support/WakeEventLoop.h"
 #include "Tests/Support/FakeHidutil.h"
 
 namespace zephlin::test {
@@ -92,7 +93,7 @@ void MacTest::waitUntil(const std::function<bool()>& condition) {
 
 void MacTest::clickInModalWindow(const std::string& title) {
   clickButton([[NSApp modalWindow] contentView], title);
-  mac::wakeEventLoop();
+  wakeAppKitsEventLoop();
 }
 
 }  // namespace zephlin::test

@@ -5,6 +5,7 @@
 
 #import "Platform/macOS/Retained.h"
 #import "Support/Mac.h"
+#import "Support/WakeEventLoop.h"
 
 namespace zephlin::test::mac {
 
@@ -40,7 +41,7 @@ void terminate(id self, SEL selector, id sender) {
   (void)self;
   (void)selector;
   [NSApp stop:sender];
-  wakeEventLoop();
+  wakeAppKitsEventLoop();
 }
 
 template <typename Body>
@@ -107,19 +108,6 @@ void whenModal(std::function<void()> work) {
                                     block:^{
                                       posted();
                                     }];
-}
-
-void wakeEventLoop() {
-  [NSApp postEvent:[NSEvent otherEventWithType:NSEventTypeApplicationDefined
-                                      location:NSZeroPoint
-                                 modifierFlags:0
-                                     timestamp:0
-                                  windowNumber:0
-                                       context:nil
-                                       subtype:0
-                                         data1:0
-                                         data2:0]
-           atStart:NO];
 }
 
 NSStatusItem* shownStatusItem() {

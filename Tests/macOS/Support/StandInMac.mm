@@ -84,10 +84,6 @@ void whenModal(std::function<void()> work) {
   standins::postInModes([NSArray arrayWithObject:NSModalPanelRunLoopMode], std::move(work));
 }
 
-void wakeEventLoop() {
-  standins::wakeEventLoop();
-}
-
 NSStatusItem* shownStatusItem() {
   return standins::shownStatusItem();
 }

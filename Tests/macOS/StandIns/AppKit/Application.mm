@@ -7,6 +7,7 @@
 #import "StandIns/CallLog.h"
 #import "StandIns/Knobs.h"
 #import "StandIns/RunLoop.h"
+#import "Support/WakeEventLoop.h"
 
 namespace {
 
@@ -49,7 +50,7 @@ bool isTerminating = false;
 
 void stopSoon() {
   [NSApp stop:nil];
-  standins::wakeEventLoop();
+  wakeAppKitsEventLoop();
 }
 
 bool hasLaunched = false;
@@ -64,7 +65,7 @@ void launchingHasFinished() {
   }
 }
 
-// GNUstep's loop may run for a while within what the delegate does when it is told.
+// GNUstep's loop may run for a while inside the delegate's callback.
 void didFinishLaunching(id self, SEL selector, NSNotification* notification) {
   originalDidFinishLaunching(self, selector, notification);
   launchingHasFinished();
@@ -76,7 +77,7 @@ void launchAgain() {
                     object:NSApp];
 }
 
-// An application launches once; what it is told then is told here to those that come after it too.
+// An application launches once; here the notification is posted again for each later run.
 // GNUstep forgets a stop that comes before its loop has begun, and takes note of one only when an
 // event comes.
 void run(id self, SEL selector) {
@@ -162,19 +163,6 @@ namespace standins {
 
 void whenLaunched(std::function<void()> work) {
   workAfterLaunching = std::move(work);
-}
-
-void wakeEventLoop() {
-  [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
-                                      location:NSZeroPoint
-                                 modifierFlags:0
-                                     timestamp:0
-                                  windowNumber:0
-                                       context:nil
-                                       subtype:0
-                                         data1:0
-                                         data2:0]
-           atStart:NO];
 }
 
 }  // namespace standins

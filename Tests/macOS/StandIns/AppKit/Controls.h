@@ -7,6 +7,7 @@
 typedef NSInteger NSWindowLevel;
 static const NSAlertStyle NSAlertStyleInformational = NSInformationalAlertStyle;
 static const NSBezelStyle NSBezelStyleRounded = NSRoundedBezelStyle;
+static const NSEventType NSEventTypeApplicationDefined = NSApplicationDefined;
 static const NSEventType NSEventTypeKeyDown = NSKeyDown;
 static const NSBitmapImageFileType NSBitmapImageFileTypePNG = NSPNGFileType;
 

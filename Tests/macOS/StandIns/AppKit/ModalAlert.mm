@@ -1,8 +1,8 @@
 #import "StandIns/AppKit/ModalAlert.h"
 
-#import "StandIns/Actions.h"
 #import "StandIns/CallLog.h"
 #import "StandIns/RunLoop.h"
+#import "Support/WakeEventLoop.h"
 
 namespace {
 
@@ -19,7 +19,7 @@ NSInteger runModal(id self, SEL selector) {
                                                     repeats:YES
                                                       block:^(NSTimer* fired) {
                                                         (void)fired;
-                                                        standins::wakeEventLoop();
+                                                        wakeAppKitsEventLoop();
                                                       }];
   [[NSRunLoop mainRunLoop] addTimer:heartbeat forMode:NSModalPanelRunLoopMode];
   shownAlert = self;
