@@ -34,7 +34,7 @@ struct ShownAlert {
 constexpr const char* windowTitle = "Contract";
 
 /// A desktop with one user, whose platform keeps the contracts of Platform/*.h, and what happens on
-/// it. All on the main thread, but for `letTimePass`. What is done to the desktop may reach the
+/// it. All on the main thread, except `letTimePass`. What is done to the desktop may reach the
 /// platform later, in its event loop.
 class ContractDesktop {
  public:
@@ -44,13 +44,13 @@ class ContractDesktop {
   /// Ends the platform and makes another one for the same user.
   virtual void restartPlatform() = 0;
 
-  /// Works off events until the condition holds; false if it never does. Also from within an event.
+  /// Handles events until the condition holds; false if it never does. Also from within an event.
   [[nodiscard]] virtual bool runUntil(const std::function<bool()>& condition) = 0;
-  /// Works off events for so long.
+  /// Handles events for this long.
   virtual void runFor(double seconds) = 0;
   /// The time by which delays and intervals are measured.
   [[nodiscard]] virtual double monotonicSeconds() = 0;
-  /// Blocks a serial queue's work for so long.
+  /// Blocks a serial queue's work for this long.
   virtual void letTimePass(double seconds) = 0;
 
   // What happens to the machine.
@@ -66,7 +66,7 @@ class ContractDesktop {
   virtual std::vector<ShownMenuItem> menuItems() = 0;
   virtual bool chooseMenuItem(const std::string& title) = 0;
   virtual void closeMenu() = 0;
-  /// Empty where nothing is shown.
+  /// Empty if nothing is shown.
   virtual std::string statusToolTip() = 0;
   virtual bool isStatusImageShown() = 0;
 
@@ -80,7 +80,7 @@ class ContractDesktop {
   virtual void closeWindow() = 0;
   /// The visible window with this title; has no views if there is no such window.
   virtual ShownWindow shownWindow(const std::string& title) = 0;
-  /// Whether digits of one width can be told from others in what is shown.
+  /// Whether `shownWindow` can see that digits have one width.
   [[nodiscard]] virtual bool tellsDigitWidths() const { return true; }
   /// The user makes the desktop dark, or light.
   virtual void setDark(bool isDark) = 0;

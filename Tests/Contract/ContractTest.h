@@ -18,7 +18,7 @@ class ContractTest : public testing::Test {
   ContractDesktop& desktop() { return *desktop_; }
   bool runUntil(const std::function<bool()>& condition) { return desktop_->runUntil(condition); }
 
-  /// Works off all that was posted so far, and what needs a little longer to arrive.
+  /// Handles all that was posted so far, and what takes a little longer to arrive.
   void settle() { desktop_->runFor(0.1); }
 
  private:

@@ -73,7 +73,7 @@ TEST_F(InputTest, NothingIsDeliveredDuringAModalAlert) {
   });
   platform().alerts().runModal(
       {.messageText = "Message", .informativeText = "", .buttons = {"OK"}});
-  // Whether what was held back is told now is the platform's affair.
+  // The platform may deliver now what it held back, or drop it.
   settle();
   values.clear();
   changes = 0;

@@ -25,7 +25,7 @@ struct ShownView {
   std::string text;
   bool wraps = false;
   Font font;
-  /// Absent where it is no role's colour, or there is nothing to see it by.
+  /// Absent if no role has this colour, or the label is blank.
   std::optional<Color> textColor;
   TextAlignment alignment = TextAlignment::Natural;
 
@@ -41,8 +41,8 @@ struct ShownWindow {
   std::vector<ShownView> views;
 };
 
-/// The window in lines of text: how each view looks and where it stands among its neighbours, but
-/// nothing that depends on the size of the desktop's letters.
+/// The window in lines of text: how each view looks and where it is among its neighbours. Nothing
+/// depends on the size of the desktop's letters.
 std::string textOf(const ShownWindow& window);
 
 }  // namespace zephlin::contract

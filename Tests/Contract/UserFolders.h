@@ -8,7 +8,7 @@
 
 namespace zephlin::contract {
 
-/// Where the user's files are, as the environment says from then on.
+/// Empty folders for the user's files, which the environment names from then on.
 class UserFolders {
  public:
   UserFolders() {

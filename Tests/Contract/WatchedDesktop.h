@@ -8,8 +8,8 @@
 
 namespace zephlin::contract {
 
-/// A desktop's platform, but for what depends on the machine and its user: the Caps Lock key is the
-/// test's, time stands still, and the program does not run from a bundle.
+/// A desktop's platform without what depends on the machine and its user: the test presses the Caps
+/// Lock key, time stands still, and the program does not run from a bundle.
 class WatchedDesktop final : public Platform,
                              private Clock,
                              private EventTaps,

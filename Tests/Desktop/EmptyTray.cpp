@@ -1,4 +1,4 @@
-// The least that an application in the tray can be: the measure for Zephlin's own size and speed.
+// The smallest application in the tray: Zephlin's size and speed are compared with it.
 
 #include <QApplication>
 #include <QMenu>

@@ -20,7 +20,7 @@ std::vector<pid_t> childrenOf(pid_t process) {
   return children;
 }
 
-/// Also where nobody has waited for it yet.
+/// Also true for a process that nobody has waited for yet.
 bool hasEnded(pid_t process) {
   const std::string status = contentOf("/proc/" + std::to_string(process) + "/status");
   return status.empty() || status.find("\nState:\tZ") != std::string::npos;

@@ -1,5 +1,5 @@
-// Stands as /usr/bin/hidutil in the desktop tests: records when it was run and whether it sets a
-// property, obeys the orders of HidutilRuns.h, and then becomes the built hidutil.
+// The desktop tests' /usr/bin/hidutil: records when it was run and whether it sets a property,
+// obeys the orders of HidutilRuns.h, and then becomes the built hidutil.
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-// The menu: what hosts are told over D-Bus, and what a person sees in the panel.
+// The menu: what hosts receive over D-Bus, and what a person sees in the panel.
 
 #include <ostream>
 

@@ -11,7 +11,7 @@
 
 namespace zephlin {
 
-/// Carries out a history's actions, and tells model and checker what to expect of them:
+/// Carries out a history's actions, and announces their effects to the model and the checker:
 ///
 ///   plug [stubborn]      a keyboard; a stubborn one cannot be set
 ///   unplug               the keyboard that was plugged in first
@@ -35,8 +35,8 @@ class HistoryActions {
  public:
   HistoryActions(SimulatedDesktop& desktop, OverrideModel& model, HistoryChecker& checker);
 
-  /// What is not possible now is left out. Throws std::invalid_argument where there is no such
-  /// action.
+  /// Does nothing if the action is not possible now. Throws std::invalid_argument if there is no
+  /// such action.
   void perform(const std::string& action);
 
  private:

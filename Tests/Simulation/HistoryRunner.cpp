@@ -77,7 +77,7 @@ class HistoryRunner {
     }
   }
 
-  /// The user changes his mind so often, faster than the tool runs.
+  /// Users change their mind this often, faster than the tool runs.
   void chooseAndSettle(int times) {
     for (int i = 0; i < times; ++i) {
       actions_.perform("open-menu");

@@ -11,7 +11,7 @@
 
 namespace zephlin {
 
-/// What the application should do and show, told a second time and in other words than the
+/// What the application should do and show, written a second time and in other words than the
 /// application's own: which runs of the tool it asks for, when and in which order, and what it
 /// makes of their results. All times are exact.
 class OverrideModel {

@@ -5,20 +5,20 @@
 
 namespace zephlin::test {
 
-/// A body of ZephlinCore/ChildProcessRunner.h: one keyboard that does as hidutil tells it. Any
+/// A body of ZephlinCore/ChildProcessRunner.h: one keyboard that hidutil sets and reads. Any
 /// thread.
 class FakeHidutil {
  public:
   static FakeHidutil& shared();
 
-  /// As after a start of the machine, and nothing recorded.
+  /// Resets the keyboard and forgets what was recorded.
   void reset();
   /// Each run exits with this status from now on; 0 for success.
   void setExitStatus(int status);
 
   /// The values that were set, in order.
   [[nodiscard]] std::vector<std::string> sets() const;
-  /// Whether every run was on another thread than the main one.
+  /// Whether no run was on the main thread.
   [[nodiscard]] bool neverOnMainThread() const;
 
  private:

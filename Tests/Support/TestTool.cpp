@@ -1,5 +1,5 @@
-// A child that behaves as it is told. TestTool MODE [ARGUMENT …], or, where it stands as a program
-// whose arguments are given, the same words in the environment variable TEST_TOOL:
+// A child that does what its arguments say: TestTool MODE [ARGUMENT …]. Where it replaces a program
+// whose arguments are given, the same words are in the environment variable TEST_TOOL:
 //
 //   exit STATUS [TEXT]         prints TEXT and exits
 //   sleep MILLISECONDS STATUS [TEXT]  prints TEXT after that time and exits
@@ -132,7 +132,7 @@ void closeOutput() {
   ::close(STDERR_FILENO);
 }
 
-/// Waits for the parent's second thread. Returns whether it blocks every signal, but for those that
+/// Waits for the parent's second thread. Returns whether it blocks every signal except those that
 /// cannot be blocked and those that the C library, or a sanitizer, keeps for itself.
 bool parentBlocksSignals() {
   const std::filesystem::path tasks = "/proc/" + std::to_string(::getppid()) + "/task";

@@ -32,7 +32,7 @@ class Desktop {
  public:
   Desktop();
 
-  /// What a program of the session has in its environment, for a user with this home folder.
+  /// The environment of the session's programs, for a user with this home folder.
   [[nodiscard]] Environment environment(const std::string& home) const;
   /// An empty folder, for a user who has no settings yet.
   std::string makeHome();
@@ -48,9 +48,9 @@ class Desktop {
 
   void restartKeyboards();
 
-  /// Starts it where it does not run.
+  /// Starts it if it is not running.
   Panel& panel();
-  /// Returns when nobody knows a tray any more.
+  /// Returns when the tray is gone.
   void stopPanel();
   /// The tray items that a panel knows; empty without one.
   [[nodiscard]] QStringList registeredItems() const;

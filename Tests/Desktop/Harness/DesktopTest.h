@@ -9,8 +9,8 @@
 namespace zephlin::test {
 
 /// Tests that run programs in one session, which the tests of a suite share. Each begins with a
-/// panel and with keyboards that are not instant. The screen as it was when something was waited
-/// for in vain is among the screenshots, under the test's name.
+/// panel and with keyboards that are not instant. When a wait fails, the
+/// screen is among the screenshots under the test's name.
 class DesktopTest : public testing::Test {
  protected:
   DesktopTest();

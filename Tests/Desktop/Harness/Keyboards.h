@@ -7,8 +7,8 @@
 
 namespace zephlin::test {
 
-/// The keyboard service with two virtual keyboards at its usual place, and those keyboards. What is
-/// asked here goes past the /usr/bin/hidutil that is observed.
+/// The keyboard service with two virtual keyboards at its usual place, and those keyboards. This
+/// class does not use the observed /usr/bin/hidutil.
 class Keyboards {
  public:
   Keyboards(const std::string& folder, const Environment& environment);

@@ -9,7 +9,7 @@
 
 namespace zephlin::test {
 
-/// The name on the session bus of whoever takes tray items.
+/// The name on the session bus of the program that takes tray items.
 inline const QString trayWatcher = "org.kde.StatusNotifierWatcher";
 
 /// Writes the settings of a dark panel along the upper edge that holds nothing but a tray, so that
@@ -28,8 +28,7 @@ class Panel {
   void setStyle(PanelStyle style);
 
   [[nodiscard]] QRect place() const { return place_; }
-  /// The smallest rectangle of the panel outside which it looks as if it held no icon; empty where
-  /// there is none.
+  /// The smallest rectangle around the panel's icons; empty without icons.
   [[nodiscard]] QRect placeOfIcons() const;
   /// Waits until there is an icon in the panel and returns its place.
   QRect waitForIcon() const;

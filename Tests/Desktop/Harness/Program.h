@@ -12,8 +12,8 @@ namespace zephlin::test {
 using Environment = std::map<std::string, std::string>;
 
 /// A program that runs beside the test in a process group of its own, with exactly this
-/// environment. What it prints goes to the end of a file. The whole group is killed at the end of
-/// the owner's life, and the program also when the test dies.
+/// environment. What it prints is appended to a file. The whole group is killed at the end, and the
+/// program also when the test dies.
 class Program {
  public:
   Program(const std::vector<std::string>& command, const Environment& environment,

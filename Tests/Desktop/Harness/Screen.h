@@ -20,7 +20,7 @@ class Screen {
   [[nodiscard]] std::string display() const { return ":" + server_.address(); }
   [[nodiscard]] const XConnection& connection() const { return connection_; }
 
-  /// All of the screen, or what of it is inside the rectangle.
+  /// The screen, or the part of it inside the rectangle.
   [[nodiscard]] QImage picture() const;
   [[nodiscard]] QImage picture(const QRect& part) const;
   /// Whether it looks the same after a moment.
@@ -30,7 +30,7 @@ class Screen {
   [[nodiscard]] std::optional<xcb_window_t> windowTitled(const std::string& title) const;
   xcb_window_t waitForWindow(const std::string& title) const;
   void waitUntilNoWindow(const std::string& title) const;
-  /// An open menu: a window of an application's that the window manager is told to leave alone.
+  /// An open menu: a window of an application that the window manager leaves alone.
   [[nodiscard]] std::optional<xcb_window_t> openMenu() const;
   [[nodiscard]] std::string titleOfActiveWindow() const;
   /// On the screen, without the window manager's frame.

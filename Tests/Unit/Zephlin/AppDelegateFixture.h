@@ -62,7 +62,7 @@ class AppDelegateTest : public testing::Test {
   const std::string& toolTip() { return desktop_.systemStatusBar().item().toolTip; }
   const std::vector<std::string>& logged() { return desktop_.log().entries(); }
 
-  /// When hidutil was told to set this value.
+  /// When hidutil set this value.
   std::vector<double> timesOfSets(std::int64_t value) {
     std::vector<double> times;
     for (const HidutilCall& call : desktop_.hidutil().calls()) {

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-/// What the stand-ins were asked to do, in order, and which of their objects live. Any thread.
+/// The calls to the stand-ins, in order, and which of their objects live. Any thread.
 namespace standins {
 
 [[gnu::format(printf, 1, 2)]] void record(const char* format, ...);

@@ -18,7 +18,7 @@ using Calls = std::vector<std::string>;
 /// Calls `visit` for the view and all below it.
 void forEachNativeView(NSView* view, const std::function<void(NSView*)>& visit);
 
-/// Clicks the button below the view that has this title; false where there is none.
+/// Clicks the button below the view that has this title; false if there is none.
 bool clickButton(NSView* view, const std::string& title);
 /// The texts of the labels below the view.
 Calls labelTexts(NSView* view);
@@ -30,7 +30,7 @@ NSMenu* openStatusMenu();
 /// Tells everyone that the machine has woken from sleep.
 void wakeFromSleep();
 
-/// A Mac as new, without stored settings. Time stands still where it can (Support/Mac.h).
+/// A new Mac without stored settings. Time stands still where possible (Support/Mac.h).
 class MacTest : public ::testing::Test {
  protected:
   MacTest();
