@@ -4,34 +4,24 @@
 #include <memory>
 #include <utility>
 
-#include "Platform/Platform.h"
+#include "Tests/Support/DelegatingPlatform.h"
 
 namespace zephlin::contract {
 
 /// A desktop's platform without what depends on the machine and its user: the test presses the Caps
 /// Lock key, time stands still, and the program does not run from a bundle.
-class WatchedDesktop final : public Platform,
+class WatchedDesktop final : public test::DelegatingPlatform<Platform&>,
                              private Clock,
                              private EventTaps,
                              private HidDevices,
                              private ProcessInfo {
  public:
-  explicit WatchedDesktop(Platform& desktop) : desktop_(desktop) {}
+  explicit WatchedDesktop(Platform& desktop) : DelegatingPlatform(desktop) {}
 
-  Dispatch& dispatch() override { return desktop_.dispatch(); }
   Clock& clock() override { return *this; }
-  Application& application() override { return desktop_.application(); }
   ProcessInfo& processInfo() override { return *this; }
-  Workspace& workspace() override { return desktop_.workspace(); }
-  UserDefaults& standardUserDefaults() override { return desktop_.standardUserDefaults(); }
-  std::shared_ptr<SystemLog> systemLog() override { return desktop_.systemLog(); }
-  StatusBar& systemStatusBar() override { return desktop_.systemStatusBar(); }
-  AlertPresenter& alerts() override { return desktop_.alerts(); }
-  WindowServer& windows() override { return desktop_.windows(); }
   HidDevices& hidDevices() override { return *this; }
   EventTaps& eventTaps() override { return *this; }
-  LoginService& loginService() override { return desktop_.loginService(); }
-  std::unique_ptr<Updater> makeStartedUpdater() override { return desktop_.makeStartedUpdater(); }
 
   /// Whether the press channel may be opened.
   bool inputIsAllowed = true;
@@ -74,7 +64,6 @@ class WatchedDesktop final : public Platform,
   }
   [[nodiscard]] std::string mainBundlePath() const override { return "/usr/local/bin"; }
 
-  Platform& desktop_;
   WallTime now_;
   ModifierFlags flags_ = 0;
   std::function<void(ModifierFlags flags)> flagsChanged_;

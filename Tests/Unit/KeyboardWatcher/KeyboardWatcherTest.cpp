@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "Platform/Simulated/SimulatedDesktop.h"
-#include "Tests/Unit/KeyboardWatcher/DelegatingPlatform.h"
+#include "Tests/Support/DelegatingPlatform.h"
 #include "Tests/Unit/KeyboardWatcher/OpenMenu.h"
 #include "Zephlin/AppDelegate.h"
 #include "Zephlin/KeyboardWatcher.h"
@@ -333,7 +333,7 @@ class NamedSource final : public Source {
 };
 
 /// Notes in which order a program opens its sources, and lets them go.
-class OrderOfSources final : public DelegatingPlatform,
+class OrderOfSources final : public test::DelegatingPlatform<SimulatedDesktop>,
                              private HidDevices,
                              private Workspace,
                              private Dispatch {

@@ -7,7 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "Tests/Unit/KeyboardWatcher/DelegatingPlatform.h"
+#include "Platform/Simulated/SimulatedDesktop.h"
+#include "Tests/Support/DelegatingPlatform.h"
 #include "Tests/Unit/TapTest/TapTestFixture.h"
 
 namespace zephlin {
@@ -90,7 +91,8 @@ TEST_F(TapTestWindow, HasAButtonThatResets) {
 
 /// Notes in which order the window is made and the parts of the desktop are used, and the texts
 /// that labels show on the way.
-class OrderOfShowing final : public DelegatingPlatform, private WindowServer {
+class OrderOfShowing final : public test::DelegatingPlatform<SimulatedDesktop>,
+                             private WindowServer {
  public:
   WindowServer& windows() override { return *this; }
   Application& application() override {

@@ -5,7 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "Tests/Unit/KeyboardWatcher/DelegatingPlatform.h"
+#include "Platform/Simulated/SimulatedDesktop.h"
+#include "Tests/Support/DelegatingPlatform.h"
 #include "Zephlin/AppDelegate.h"
 #include "Zephlin/RunApplication.h"
 
@@ -79,7 +80,7 @@ class NotedApplication final : public Application {
 };
 
 /// Notes which parts of the desktop the application asks for while it launches.
-class NotedDesktop final : public DelegatingPlatform {
+class NotedDesktop final : public test::DelegatingPlatform<SimulatedDesktop> {
  public:
   Dispatch& dispatch() override { return dispatch_; }
   Application& application() override { return application_; }

@@ -9,13 +9,13 @@
 #include <functional>
 
 #include "Platform/Linux/Windows/QtAlertPresenter.h"
-#include "Tests/Unit/KeyboardWatcher/DelegatingPlatform.h"
+#include "Tests/Support/DelegatingPlatform.h"
 #include "Zephlin/About.h"
 
 namespace zephlin {
 namespace {
 
-class PlatformWithQtAlerts final : public DelegatingPlatform {
+class PlatformWithQtAlerts final : public test::DelegatingPlatform<SimulatedDesktop> {
  public:
   AlertPresenter& alerts() override { return alerts_; }
 

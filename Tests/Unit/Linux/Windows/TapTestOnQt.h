@@ -8,14 +8,14 @@
 #include <memory>
 
 #include "Platform/Linux/Windows/QtWindowServer.h"
-#include "Tests/Unit/KeyboardWatcher/DelegatingPlatform.h"
+#include "Tests/Support/DelegatingPlatform.h"
 #include "Tests/Unit/Linux/Windows/TreeFixture.h"
 #include "Zephlin/TapTestController.h"
 
 namespace zephlin {
 
 /// A simulated desktop with real windows.
-class PlatformWithQtWindows final : public DelegatingPlatform {
+class PlatformWithQtWindows final : public test::DelegatingPlatform<SimulatedDesktop> {
  public:
   WindowServer& windows() override { return windows_; }
   SimulatedDesktop& desktop() { return desktop_; }

@@ -2,13 +2,17 @@
 
 #include <memory>
 
-#include "Platform/Simulated/SimulatedDesktop.h"
+#include "Platform/Platform.h"
 
-namespace zephlin {
+namespace zephlin::test {
 
-/// A simulated desktop of which a test replaces parts.
+/// A desktop of which a test replaces parts. It owns the desktop, unless `Desktop` is a reference.
+template <typename Desktop>
 class DelegatingPlatform : public Platform {
  public:
+  template <typename... Arguments>
+  explicit DelegatingPlatform(Arguments&... arguments) : desktop_(arguments...) {}
+
   Dispatch& dispatch() override { return desktop_.dispatch(); }
   Clock& clock() override { return desktop_.clock(); }
   Application& application() override { return desktop_.application(); }
@@ -25,7 +29,7 @@ class DelegatingPlatform : public Platform {
   std::unique_ptr<Updater> makeStartedUpdater() override { return desktop_.makeStartedUpdater(); }
 
  protected:
-  SimulatedDesktop desktop_;
+  Desktop desktop_;
 };
 
-}  // namespace zephlin
+}  // namespace zephlin::test
