@@ -1,5 +1,5 @@
 // Boots the virtual machine and measures in it how late keys come (KeyDelays.cpp). Prints figures;
-// no test.
+// not a test.
 
 #include <iostream>
 

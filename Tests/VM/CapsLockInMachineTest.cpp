@@ -52,7 +52,7 @@ TEST_F(CapsLockInMachine, TheCloneLooksLikeItsKeyboard) {
   EXPECT_EQ(descriptions(), original + original);
 }
 
-TEST_F(CapsLockInMachine, AKeyboardWithoutLightsIsInstantToo) {
+TEST_F(CapsLockInMachine, AKeyboardWithoutLedsIsInstantToo) {
   makeKeyboard();
   const auto hello = [&] { turnSlowly(helloEvents); };
   EXPECT_EQ(textOf(0, hello), "HEe");

@@ -1,5 +1,5 @@
 // Plays the compositor in the virtual machine: reads all keyboards as libinput does, keeps one
-// state of XKB for them, turns their lights, and prints what a program would see:
+// state of XKB for them, sets their LEDs, and prints what a program would see:
 //
 //   10.123456 + event3                 a keyboard appears
 //   10.123456 - event3 held=0          and goes, with so many keys down
@@ -158,7 +158,7 @@ class Judge {
       events[0].value = seat_.isLocked() ? 1 : 0;
       events[1].type = EV_SYN;
       if (::write(device.descriptor, events, sizeof events) < 0) {
-        print("no light on %s", name.c_str());
+        print("no LED on %s", name.c_str());
       }
     }
   }

@@ -30,7 +30,7 @@ constexpr xkb_keycode_t evdevOffset = 8;
   std::fflush(stdout);
 }
 
-/// The console has a lock and lights of its own, which a compositor switches off.
+/// The console has a lock and LEDs of its own, which a compositor switches off.
 inline void silenceConsole() {
   const int console = ::open("/dev/tty0", O_RDWR | O_CLOEXEC);
   if (::ioctl(console, KDSKBMODE, K_OFF) != 0) {

@@ -97,7 +97,7 @@ class Keyboard {
     events[0].value = lit ? 1 : 0;
     events[1].type = EV_SYN;
     if (::write(end_, events.data(), sizeof events) < 0) {
-      throw std::runtime_error("no light on " + name_);
+      throw std::runtime_error("no LED on " + name_);
     }
     std::this_thread::sleep_for(longPause);
   }

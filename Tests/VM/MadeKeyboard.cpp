@@ -1,5 +1,5 @@
 // A keyboard of a kind that is not emulated for the virtual machine, made through uinput: without
-// lights and, with the argument "mouse", a mouse in the same device. Each line of the standard
+// LEDs and, with the argument "mouse", a mouse in the same device. Each line of the standard
 // input is an event, such as "KEY_A 1", and comes back on standard output when it is out; the
 // keyboard is pulled at the end.
 

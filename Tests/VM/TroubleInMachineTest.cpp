@@ -16,7 +16,7 @@ TEST_F(TroubleInMachine, AKeyboardIsTakenOnlyWhenNoKeyIsHeld) {
   waitUntilSeen("KEY_A 1");
   apply();
   machine().release(0, "a");
-  // The same keyboard that told of the press tells of the release.
+  // The keyboard that reported the press reports the release.
   machine().waitUntil("grep -q 'key " + nodeOf(0) + " KEY_A 0' /tmp/judge.log");
   EXPECT_EQ(typeHello(0), "Hee");
 }
@@ -126,7 +126,7 @@ TEST_F(TroubleInMachine, AFloodThatOverrunsTheKernelsQueueLeavesNoKeyStuck) {
   apply(2);
   machine().output("echo KEY_CAPSLOCK 1 >&9");
   waitUntilSeen("KEY_CAPSLOCK 1");
-  // Stopped, the service cannot keep up with anybody.
+  // A stopped service cannot keep up.
   machine().output(
       "kill -STOP $service; { echo KEY_CAPSLOCK 0; echo KEY_A 1; for each in $(seq 300); do "
       "echo KEY_J 1; echo KEY_J 0; done; echo KEY_B 1; } >&9");
@@ -150,7 +150,7 @@ TEST_F(TroubleInMachine, AFloodThatOverrunsTheKernelsQueueLeavesNoKeyStuck) {
   waitForClones(1);
 }
 
-TEST_F(TroubleInMachine, ALightThatIsTurnedWhileMuchIsTypedIsNotLost) {
+TEST_F(TroubleInMachine, AnLedSetWhileMuchIsTypedIsNotLost) {
   apply();
   const auto setLed = [](int value) {
     machine().output(
@@ -202,7 +202,7 @@ TEST_F(TroubleInMachine, ASecondServiceTakesTheKeyboardWhenTheFirstLetsGo) {
   EXPECT_EQ(typeHello(0), "HEe");
 }
 
-TEST_F(TroubleInMachine, BackspaceEnterAndEscapeGiveAllKeyboardsBack) {
+TEST_F(TroubleInMachine, BackspaceEnterAndEscapeReleaseAllKeyboards) {
   apply();
   for (const char* const key : {"backspace", "ret", "esc"}) {
     machine().press(0, key);

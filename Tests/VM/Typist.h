@@ -49,7 +49,7 @@ class Typist {
   void tap(int keyboard, const std::string& key);
 
   /// Caps Lock on, H, and then e twice, the first one while the key that switches the lock off is
-  /// still held; what the judge read of it. Types on only when the keyboard's light shows the lock,
+  /// still held; what the judge read of it. Types on only when the keyboard's LED shows the lock,
   /// as it does for people, who are slower.
   std::string typeHello(int keyboard);
 
@@ -73,7 +73,7 @@ class Typist {
   /// Waits until programs see so many clones.
   void waitForClones(int count);
 
-  /// Makes a keyboard without lights, which can do what `abilities` says (MadeKeyboard.cpp), for
+  /// Makes a keyboard without LEDs, which can do what `abilities` says (MadeKeyboard.cpp), for
   /// the events that go to the shell's descriptor 9.
   void makeKeyboard(const std::string& abilities = "");
   void endKeyboard();

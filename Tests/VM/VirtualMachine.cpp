@@ -20,7 +20,7 @@ namespace {
 using namespace std::chrono_literals;
 using nlohmann::json;
 
-/// With a machine that shares its processors with many others.
+/// Enough even on a busy host.
 constexpr std::chrono::milliseconds timeout = 10min;
 constexpr auto timeBetweenTries = 50ms;
 
@@ -101,7 +101,7 @@ std::vector<std::string> VirtualMachine::command(const std::string& images, int 
 // clang-format on
 
 VirtualMachine::VirtualMachine(const std::string& images, int processors)
-    // It goes with us, however we end.
+    // It ends with this process, also on a crash.
     : process_(command(images, processors), [] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); }),
       shell_(directory_.file("shell")),
       control_(directory_.file("control")) {

@@ -8,39 +8,48 @@ namespace {
 
 const std::string keyboards = R"({"PrimaryUsagePage":1,"PrimaryUsage":6})";
 
+const std::string listHeader =
+    "RegistryID   VendorID   ProductID   UsagePage   Usage   Transport   Product\n";
+const std::string secondKeyboard =
+    "100000002    0          2           1           6       Virtual     Virtual Keyboard 2\n";
+
 test::Outcome success(const std::string& output) {
   return {0, output, ""};
+}
+
+/// The lines below the header that `property` prints for one-letter keys.
+test::Outcome properties(const std::string& lines) {
+  return success("RegistryID   Key   Value\n" + lines);
+}
+
+test::Outcome delays(const std::string& lines) {
+  return success("RegistryID   Key                     Value\n" + lines);
 }
 
 TEST(Commands, ListPrintsTheKeyboards) {
   const RunningService service;
   EXPECT_EQ(service.hidutil({"list"}),
-            success("RegistryID   VendorID   ProductID   UsagePage   Usage   Transport   Product\n"
+            success(listHeader +
                     "100000001    0          1           1           6       Virtual     Virtual "
-                    "Keyboard 1\n"
-                    "100000002    0          2           1           6       Virtual     Virtual "
-                    "Keyboard 2\n"));
+                    "Keyboard 1\n" +
+                    secondKeyboard));
 }
 
 TEST(Commands, MatchingChoosesKeyboards) {
   const RunningService service;
   EXPECT_EQ(service.hidutil({"list", "--matching", R"({"Product":"Virtual Keyboard 2"})"}),
-            success("RegistryID   VendorID   ProductID   UsagePage   Usage   Transport   Product\n"
-                    "100000002    0          2           1           6       Virtual     Virtual "
-                    "Keyboard 2\n"));
+            success(listHeader + secondKeyboard));
   EXPECT_EQ(service.hidutil({"property", "--matching", R"({"PrimaryUsage":7})", "--get", "A"}),
-            success("RegistryID   Key   Value\n"));
+            properties(""));
 }
 
 TEST(Commands, WhatIsSetCanBeGotUntilItIsSetAgain) {
   const RunningService service;
   EXPECT_EQ(
       service.hidutil({"property", "--matching", keyboards, "--get", "CapsLockDelayOverride"}),
-      success("RegistryID   Key                     Value\n"
-              "100000001    CapsLockDelayOverride   (null)\n"
-              "100000002    CapsLockDelayOverride   (null)\n"));
-  const test::Outcome zero = success(
-      "RegistryID   Key                     Value\n"
+      delays("100000001    CapsLockDelayOverride   (null)\n"
+             "100000002    CapsLockDelayOverride   (null)\n"));
+  const test::Outcome zero = delays(
       "100000001    CapsLockDelayOverride   0\n"
       "100000002    CapsLockDelayOverride   0\n");
   EXPECT_EQ(service.hidutil(
@@ -51,21 +60,18 @@ TEST(Commands, WhatIsSetCanBeGotUntilItIsSetAgain) {
       zero);
   EXPECT_EQ(service.hidutil({"property", "--matching", R"({"RegistryID":"100000002"})", "--set",
                              R"({"CapsLockDelayOverride":-9223372036854775808})"}),
-            success("RegistryID   Key                     Value\n"
-                    "100000002    CapsLockDelayOverride   -9223372036854775808\n"));
+            delays("100000002    CapsLockDelayOverride   -9223372036854775808\n"));
   EXPECT_EQ(service.hidutil({"property", "--get", "CapsLockDelayOverride"}),
-            success("RegistryID   Key                     Value\n"
-                    "100000001    CapsLockDelayOverride   0\n"
-                    "100000002    CapsLockDelayOverride   -9223372036854775808\n"));
+            delays("100000001    CapsLockDelayOverride   0\n"
+                   "100000002    CapsLockDelayOverride   -9223372036854775808\n"));
 }
 
 TEST(Commands, SeveralKeysAreSetAllOrNone) {
   const RunningService service;
   EXPECT_EQ(service.hidutil(
                 {"property", "--matching", R"({"ProductID":1})", "--set", R"({"B":2,"A":1})"}),
-            success("RegistryID   Key   Value\n"
-                    "100000001    A     1\n"
-                    "100000001    B     2\n"));
+            properties("100000001    A     1\n"
+                       "100000001    B     2\n"));
   EXPECT_EQ(service.hidutil({"property", "--set", R"({"A":5,"B":1.5})"}).status, 1);
   std::string many;
   for (int index = 0; index < 63; ++index) {
@@ -75,23 +81,20 @@ TEST(Commands, SeveralKeysAreSetAllOrNone) {
   EXPECT_EQ(service.hidutil({"property", "--set", "{" + many + "\"A\":7}"}),
             failure("keyboard 100000001 would have more than 64 properties; nothing is changed; "
                     "set only properties that it has"));
-  EXPECT_EQ(service.hidutil({"property", "--get", "A"}), success("RegistryID   Key   Value\n"
-                                                                 "100000001    A     1\n"
-                                                                 "100000002    A     (null)\n"));
+  EXPECT_EQ(service.hidutil({"property", "--get", "A"}), properties("100000001    A     1\n"
+                                                                    "100000002    A     (null)\n"));
 }
 
 TEST(Commands, APluggedKeyboardIsThereUntilItIsPulled) {
   const RunningService service(1);
   EXPECT_EQ(service.hidutil({"property", "--set", R"({"A":1})"}).status, 0);
   EXPECT_EQ(service.hidutil({"plug"}), success("100000002\n"));
-  EXPECT_EQ(service.hidutil({"property", "--get", "A"}), success("RegistryID   Key   Value\n"
-                                                                 "100000001    A     1\n"
-                                                                 "100000002    A     (null)\n"));
+  EXPECT_EQ(service.hidutil({"property", "--get", "A"}), properties("100000001    A     1\n"
+                                                                    "100000002    A     (null)\n"));
   EXPECT_EQ(service.hidutil({"pull", "100000001"}), success(""));
   EXPECT_EQ(service.hidutil({"plug"}), success("100000003\n"));
-  EXPECT_EQ(service.hidutil({"property", "--get", "A"}), success("RegistryID   Key   Value\n"
-                                                                 "100000002    A     (null)\n"
-                                                                 "100000003    A     (null)\n"));
+  EXPECT_EQ(service.hidutil({"property", "--get", "A"}), properties("100000002    A     (null)\n"
+                                                                    "100000003    A     (null)\n"));
   EXPECT_EQ(service.hidutil({"pull", "100000001"}),
             failure("no keyboard 100000001; see hidutil list"));
 }

@@ -1,9 +1,15 @@
+// What hidutil says about a keyboard service that misbehaves or cannot be reached: why, and what to
+// do next.
+
 #include <gtest/gtest.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <functional>
+#include <stdexcept>
 
 #include "KeyboardService/Protocol/Transport.h"
 #include "Tests/CLI/KeyboardService/RunningService.h"
@@ -70,63 +76,97 @@ TEST(HostileService, SilenceIsGivenUpAfterFiveSeconds) {
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 
-TEST(HostileService, ATrickleIsGivenUpToo) {
-  const FakeService service([](int client) {
-    while (::send(client, " ", 1, MSG_NOSIGNAL) == 1) {
-      ::usleep(100'000);
-    }
-  });
-  EXPECT_EQ(service.hidutil(), misbehaving(service, "did not answer within 5 seconds"));
+struct Misbehaviour {
+  const char* name;
+  Behaviour behaviour;
+  const char* message;
+};
+
+class HostileServices : public testing::TestWithParam<Misbehaviour> {};
+
+TEST_P(HostileServices, AreGivenUp) {
+  const FakeService service(GetParam().behaviour);
+  EXPECT_EQ(service.hidutil(), misbehaving(service, GetParam().message));
 }
 
-TEST(HostileService, AnEndlessLineIsGivenUp) {
-  const FakeService service([](int client) {
-    const std::string bytes(100'000, 'x');
-    while (::send(client, bytes.data(), bytes.size(), MSG_NOSIGNAL) > 0) {
-    }
-  });
-  EXPECT_EQ(service.hidutil(), misbehaving(service, "sent an endless response"));
-}
-
-TEST(HostileService, ClosingAtOnceIsSaid) {
-  const FakeService service([](int) {});
-  EXPECT_EQ(service.hidutil(), misbehaving(service, "closed the connection without a response"));
-}
-
-TEST(HostileService, ClosingInTheMiddleOfAnAnswerIsSaid) {
-  const FakeService service([](int client) {
-    readRequest(client);
-    write(client, R"({"response":"get","values":[)");
-  });
-  EXPECT_EQ(service.hidutil(), misbehaving(service, "closed the connection without a response"));
-}
-
-TEST(HostileService, GarbageIsNotUnderstood) {
-  for (const char* const answer : {"garbage\n", "\n", "[]\n", "{\"response\":\"pull\"}\n",
-                                   "{\"response\":\"get\",\"values\":[{}]}\n", "\xff\xfe\n"}) {
-    const FakeService service([answer](int client) {
-      readRequest(client);
-      write(client, answer);
-    });
-    EXPECT_EQ(service.hidutil(), misunderstood(service)) << answer;
+void trickle(int client) {
+  while (::send(client, " ", 1, MSG_NOSIGNAL) == 1) {
+    ::usleep(100'000);
   }
 }
 
-TEST(HostileService, AnErrorTextStaysOneLine) {
-  const FakeService service([](int client) {
-    readRequest(client);
-    write(client, R"({"response":"error","text":"first\nsecond\u001b[2J"})"
-                  "\n");
-  });
-  EXPECT_EQ(service.hidutil(), failure(R"(first\x0asecond\x1b[2J)"));
+void sendWithoutEnd(int client) {
+  const std::string bytes(100'000, 'x');
+  while (::send(client, bytes.data(), bytes.size(), MSG_NOSIGNAL) > 0) {
+  }
 }
 
-TEST(HostileService, AnErrorTextStaysShort) {
-  const FakeService service([](int client) {
+void closeInTheMiddle(int client) {
+  readRequest(client);
+  write(client, R"({"response":"get","values":[)");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , HostileServices,
+    testing::Values(Misbehaviour{"Trickle", trickle, "did not answer within 5 seconds"},
+                    Misbehaviour{"EndlessLine", sendWithoutEnd, "sent an endless response"},
+                    Misbehaviour{"CloseAtOnce", [](int) {},
+                                 "closed the connection without a response"},
+                    Misbehaviour{"CloseInTheMiddle", closeInTheMiddle,
+                                 "closed the connection without a response"}),
+    [](const auto& instance) { return instance.param.name; });
+
+Behaviour answer(const std::string& line) {
+  return [line](int client) {
     readRequest(client);
-    write(client, R"({"response":"error","text":")" + std::string(100'000, 'x') + "\"}\n");
-  });
-  EXPECT_EQ(service.hidutil(), failure(std::string(1024, 'x') + "…"));
+    write(client, line + '\n');
+  };
+}
+
+TEST(HostileService, GarbageIsNotUnderstood) {
+  for (const char* const line : {"garbage", "", "[]", R"({"response":"pull"})",
+                                 R"({"response":"get","values":[{}]})", "\xff\xfe"}) {
+    const FakeService service(answer(line));
+    EXPECT_EQ(service.hidutil(), misunderstood(service)) << line;
+  }
+}
+
+TEST(HostileService, AnErrorTextStaysOneShortLine) {
+  const auto errorText = [](const std::string& text) {
+    return FakeService(answer(R"({"response":"error","text":")" + text + "\"}")).hidutil();
+  };
+  EXPECT_EQ(errorText(R"(first\nsecond\u001b[2J)"), failure(R"(first\x0asecond\x1b[2J)"));
+  EXPECT_EQ(errorText(std::string(100'000, 'x')), failure(std::string(1024, 'x') + "…"));
+}
+
+/// The file modes mean nothing to root.
+void stopBeingRoot() {
+  if (::geteuid() == 0 && ::setresuid(4242, 4242, 4242) != 0) {
+    throw std::runtime_error("cannot become another user");
+  }
+}
+
+TEST(UnreachableService, AbsenceIsSaidWithWhatToDo) {
+  const test::TemporaryDirectory directory;
+  const std::string socket = directory.file("s");
+  EXPECT_EQ(test::run({hidutilProgram, "--socket", socket, "list"}),
+            absence(socket, "No such file or directory"));
+}
+
+TEST(UnreachableService, TheSocketOfAKilledOneIsAnAbsenceToo) {
+  RunningService service;
+  service.process().send(SIGKILL);
+  service.process().wait();
+  EXPECT_EQ(service.hidutil({"list"}), absence(service.socketPath(), "Connection refused"));
+}
+
+TEST(UnreachableService, ASocketThatIsForbiddenIsSaidWithWhatToDo) {
+  const RunningService service;
+  ASSERT_EQ(::chmod(service.socketPath().c_str(), 0), 0);
+  EXPECT_EQ(test::TestProcess(service.command({"list"}), stopBeingRoot).wait(),
+            failure("no permission to talk to the keyboard service at " + service.socketPath() +
+                    R"( (Permission denied); everyone should have it: restart it as root with )"
+                    R"("systemctl restart zephlin-hidd.socket")"));
 }
 
 }  // namespace

@@ -9,8 +9,8 @@
 namespace zephlin {
 namespace {
 
-/// Who asks. Root can become another user; an ordinary user can only be himself, and is then the
-/// user that the service runs as.
+/// Who asks. Root can become another user; an ordinary user cannot, and is then the user that
+/// the service runs as.
 uid_t asker() {
   return ::geteuid() == 0 ? 4242 : ::geteuid();
 }
@@ -52,7 +52,7 @@ test::Outcome refusal() {
                  "log in at the machine itself, or run this as root");
 }
 
-/// What the asker gets who has no right of his own to the service.
+/// What an asker without a login session gets.
 test::Outcome refusalOfStrangers() {
   return askerOwnsTheService() ? isSet : refusal();
 }
@@ -64,20 +64,15 @@ TEST(ServicePermissions, AUserWithAnActiveLocalLoginMayChangeKeyboards) {
   EXPECT_EQ(machine.hidutil({"pull", "100000002"}), test::Outcome{});
 }
 
-TEST(ServicePermissions, ARemoteLoginIsNotEnough) {
-  EXPECT_EQ(Machine({{asker(), true, true}}).hidutil(setCommand), refusalOfStrangers());
-}
-
-TEST(ServicePermissions, AnInactiveLoginIsNotEnough) {
-  EXPECT_EQ(Machine({{asker(), false, false}}).hidutil(setCommand), refusalOfStrangers());
-}
-
-TEST(ServicePermissions, WithoutAnyLoginChangesAreRefusedAndNothingIsChanged) {
-  const Machine machine({});
-  EXPECT_EQ(machine.hidutil(setCommand), refusalOfStrangers());
-  EXPECT_EQ(machine.hidutil({"property", "--get", "A"}).output,
-            "RegistryID   Key   Value\n100000001    A     " +
-                std::string(askerOwnsTheService() ? "1" : "(null)") + "\n");
+TEST(ServicePermissions, OtherwiseChangesAreRefusedAndNothingIsChanged) {
+  for (const std::vector<test::RecordedLogin>& logins :
+       {std::vector<test::RecordedLogin>{{asker(), true, true}}, {{asker(), false, false}}, {}}) {
+    const Machine machine(logins);
+    EXPECT_EQ(machine.hidutil(setCommand), refusalOfStrangers());
+    EXPECT_EQ(machine.hidutil({"property", "--get", "A"}).output,
+              "RegistryID   Key   Value\n100000001    A     " +
+                  std::string(askerOwnsTheService() ? "1" : "(null)") + "\n");
+  }
 }
 
 TEST(ServicePermissions, PlugAndPullAreRefusedToo) {

@@ -21,6 +21,14 @@ test::Outcome serviceFailure(const std::string& message) {
   return {1, "", "zephlin-hidd: " + message + "\n"};
 }
 
+test::Outcome startAt(const std::string& path) {
+  return test::run({serviceProgram, "--socket", path});
+}
+
+test::Outcome anotherInstance(const std::string& path) {
+  return serviceFailure("another instance is running on " + path + "; stop it first");
+}
+
 /// A socket that is bound to the path; it stays there as a file when it is closed.
 FileDescriptor bindTo(const std::string& path, int type = SOCK_STREAM) {
   FileDescriptor socket(::socket(AF_UNIX, type | SOCK_CLOEXEC, 0));
@@ -29,7 +37,13 @@ FileDescriptor bindTo(const std::string& path, int type = SOCK_STREAM) {
   return socket;
 }
 
-TEST(ServiceStart, SigtermAndSigintEndItCleanly) {
+class ServiceStart : public testing::Test {
+ protected:
+  test::TemporaryDirectory directory;
+  std::string path = directory.file("s");
+};
+
+TEST_F(ServiceStart, SigtermAndSigintEndItCleanly) {
   for (const int signal : {SIGTERM, SIGINT}) {
     RunningService service;
     const RawClient client = service.connect();
@@ -40,26 +54,17 @@ TEST(ServiceStart, SigtermAndSigintEndItCleanly) {
   }
 }
 
-TEST(ServiceStart, ASecondInstanceGivesUpAndHarmsNothing) {
+TEST_F(ServiceStart, ASecondInstanceGivesUpWithOrWithoutALockFileAndHarmsNothing) {
   const RunningService service;
-  EXPECT_EQ(
-      test::run({serviceProgram, "--socket", service.socketPath()}),
-      serviceFailure("another instance is running on " + service.socketPath() + "; stop it first"));
-  EXPECT_EQ(service.hidutil({"list"}).status, 0);
-  EXPECT_TRUE(exists(service.socketPath() + ".lock"));
-}
-
-TEST(ServiceStart, AnInstanceWithoutLockFileIsNoticedToo) {
-  const RunningService service;
-  std::filesystem::remove(service.socketPath() + ".lock");
-  EXPECT_EQ(
-      test::run({serviceProgram, "--socket", service.socketPath()}),
-      serviceFailure("another instance is running on " + service.socketPath() + "; stop it first"));
+  const std::string lock = service.socketPath() + ".lock";
+  EXPECT_EQ(startAt(service.socketPath()), anotherInstance(service.socketPath()));
+  EXPECT_TRUE(exists(lock));
+  std::filesystem::remove(lock);
+  EXPECT_EQ(startAt(service.socketPath()), anotherInstance(service.socketPath()));
   EXPECT_EQ(service.hidutil({"list"}).status, 0);
 }
 
-TEST(ServiceStart, WhatAKilledInstanceLeftBehindIsReplaced) {
-  const test::TemporaryDirectory directory;
+TEST_F(ServiceStart, WhatAKilledInstanceLeftBehindIsReplaced) {
   const std::string socket = directory.file("s");
   const std::vector<std::string> command{serviceProgram, "--socket", socket};
   test::TestProcess killed(command);
@@ -72,12 +77,10 @@ TEST(ServiceStart, WhatAKilledInstanceLeftBehindIsReplaced) {
   EXPECT_EQ(test::run({hidutilProgram, "--socket", socket, "list"}).status, 0);
 }
 
-TEST(ServiceStart, AFileThatIsNoSocketIsLeftAlone) {
-  const test::TemporaryDirectory directory;
-  const std::string path = directory.file("s");
+TEST_F(ServiceStart, AFileThatIsNoSocketIsLeftAlone) {
   std::ofstream(path) << "precious";
   EXPECT_EQ(
-      test::run({serviceProgram, "--socket", path}),
+      startAt(path),
       serviceFailure(path + " exists and is not a socket; move it away or choose another place "
                             "with --socket"));
   std::string content;
@@ -86,8 +89,7 @@ TEST(ServiceStart, AFileThatIsNoSocketIsLeftAlone) {
   EXPECT_FALSE(exists(path + ".lock"));
 }
 
-TEST(ServiceStart, TheLastLevelOfTheDirectoryIsMadeAndRemoved) {
-  const test::TemporaryDirectory directory;
+TEST_F(ServiceStart, TheLastLevelOfTheDirectoryIsMadeAndRemoved) {
   const std::string socket = directory.file("made/s");
   test::TestProcess service({serviceProgram, "--socket", socket}, [] { ::umask(077); });
   service.waitForErrors("ready");
@@ -99,8 +101,7 @@ TEST(ServiceStart, TheLastLevelOfTheDirectoryIsMadeAndRemoved) {
   EXPECT_FALSE(exists(directory.file("made")));
 }
 
-TEST(ServiceStart, ADirectoryThatSomethingElseHasMovedIntoStays) {
-  const test::TemporaryDirectory directory;
+TEST_F(ServiceStart, ADirectoryThatSomethingElseHasMovedIntoStays) {
   test::TestProcess service({serviceProgram, "--socket", directory.file("made/s")});
   service.waitForErrors("ready");
   std::ofstream(directory.file("made/other")) << "x";
@@ -109,20 +110,24 @@ TEST(ServiceStart, ADirectoryThatSomethingElseHasMovedIntoStays) {
   EXPECT_TRUE(exists(directory.file("made/other")));
 }
 
-TEST(ServiceStart, MoreThanTheLastLevelIsNotMade) {
-  const test::TemporaryDirectory directory;
-  EXPECT_EQ(test::run({serviceProgram, "--socket", directory.file("a/b/s")}),
+TEST_F(ServiceStart, MoreThanTheLastLevelIsNotMade) {
+  EXPECT_EQ(startAt(directory.file("a/b/s")),
             serviceFailure("cannot create the directory " + directory.file("a/b") +
                            " (No such file or directory); run zephlin-hidd as root, or choose "
                            "another place with --socket"));
 }
 
-TEST(ServiceStart, ASocketPathHasToFit) {
-  const test::TemporaryDirectory directory;
-  const std::string path = directory.file(std::string(108, 's'));
-  EXPECT_EQ(test::run({serviceProgram, "--socket", path}),
-            serviceFailure("the socket path \"" + path +
+TEST_F(ServiceStart, ASocketPathHasToFit) {
+  const std::string longPath = directory.file(std::string(108, 's'));
+  EXPECT_EQ(startAt(longPath),
+            serviceFailure("the socket path \"" + longPath +
                            "\" is not usable; give one of 1 to 107 bytes with --socket"));
+}
+
+FileDescriptor listenAt(const std::string& path) {
+  FileDescriptor socket = bindTo(path);
+  EXPECT_EQ(::listen(socket.get(), 5), 0);
+  return socket;
 }
 
 /// What systemd does to a service that it starts for a socket: descriptors from 3 on, and their
@@ -142,11 +147,8 @@ test::TestProcess::Body handOver(const std::vector<int>& sockets) {
   };
 }
 
-TEST(ServiceStart, ASocketFromSystemdIsServedAndLeftInPlace) {
-  const test::TemporaryDirectory directory;
-  const std::string path = directory.file("s");
-  const FileDescriptor listening = bindTo(path);
-  ASSERT_EQ(::listen(listening.get(), 5), 0);
+TEST_F(ServiceStart, ASocketFromSystemdIsServedAndLeftInPlace) {
+  const FileDescriptor listening = listenAt(path);
   test::TestProcess service({serviceProgram, "--virtual-keyboards", "1"},
                             handOver({listening.get()}));
   service.waitForErrors("ready on " + path + " with 1 keyboard");
@@ -158,22 +160,15 @@ TEST(ServiceStart, ASocketFromSystemdIsServedAndLeftInPlace) {
   EXPECT_FALSE(exists(path + ".lock"));
 }
 
-TEST(ServiceStart, AHandRunInstanceDoesNotTakeTheSocketOfSystemd) {
-  const test::TemporaryDirectory directory;
-  const std::string path = directory.file("s");
-  const FileDescriptor listening = bindTo(path);
-  ASSERT_EQ(::listen(listening.get(), 5), 0);
-  EXPECT_EQ(test::run({serviceProgram, "--socket", path}),
-            serviceFailure("another instance is running on " + path + "; stop it first"));
+TEST_F(ServiceStart, AHandRunInstanceDoesNotTakeTheSocketOfSystemd) {
+  const FileDescriptor listening = listenAt(path);
+  EXPECT_EQ(startAt(path), anotherInstance(path));
   EXPECT_TRUE(exists(path));
 }
 
-TEST(ServiceStart, AnythingButOneListeningStreamSocketFromSystemdIsRefused) {
-  const test::TemporaryDirectory directory;
-  const FileDescriptor first = bindTo(directory.file("first"));
-  ASSERT_EQ(::listen(first.get(), 5), 0);
-  const FileDescriptor second = bindTo(directory.file("second"));
-  ASSERT_EQ(::listen(second.get(), 5), 0);
+TEST_F(ServiceStart, AnythingButOneListeningStreamSocketFromSystemdIsRefused) {
+  const FileDescriptor first = listenAt(directory.file("first"));
+  const FileDescriptor second = listenAt(directory.file("second"));
   const FileDescriptor datagrams = bindTo(directory.file("datagrams"), SOCK_DGRAM);
   const FileDescriptor silent = bindTo(directory.file("silent"));
   const FileDescriptor file(::open("/dev/null", O_RDONLY | O_CLOEXEC));
@@ -187,11 +182,10 @@ TEST(ServiceStart, AnythingButOneListeningStreamSocketFromSystemdIsRefused) {
   }
 }
 
-TEST(ServiceStart, SystemdIsToldOfTheBeginningAndTheEnd) {
-  const test::TemporaryDirectory directory;
-  const std::string path = directory.file("notify");
-  const FileDescriptor notifications = bindTo(path, SOCK_DGRAM);
-  RunningService service(0, [&] { ::setenv("NOTIFY_SOCKET", path.c_str(), 1); });
+TEST_F(ServiceStart, SystemdIsToldOfTheBeginningAndTheEnd) {
+  const std::string notifyPath = directory.file("notify");
+  const FileDescriptor notifications = bindTo(notifyPath, SOCK_DGRAM);
+  RunningService service(0, [&] { ::setenv("NOTIFY_SOCKET", notifyPath.c_str(), 1); });
   service.stop();
   char text[64] = {};
   EXPECT_GT(::recv(notifications.get(), text, sizeof text - 1, MSG_DONTWAIT), 0);

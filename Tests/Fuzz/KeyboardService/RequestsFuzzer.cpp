@@ -4,12 +4,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
-#include <set>
 #include <string_view>
 
 #include "KeyboardService/Service/RequestHandler.h"
 #include "Tests/Fuzz/KeyboardService/Require.h"
+#include "Tests/Unit/KeyboardService/Support/FakeKeyboardBus.h"
 
 namespace zephlin {
 namespace {
@@ -17,46 +16,6 @@ namespace {
 constexpr uid_t owner = 0;
 constexpr uid_t stranger = 1;
 constexpr std::size_t realKeyboards = 8;
-
-/// Keyboards that carry their properties by themselves, so that they can be held against what the
-/// registry says.
-class MoodyBus final : public KeyboardBus {
- public:
-  void start(KeyboardBusObserver& observer) override { observer_ = &observer; }
-
-  void applyProperties(BusHandle handle, const PropertySet& properties) override {
-    require(carried.contains(handle), "only keyboards that are there are changed");
-    require(properties.size() <= maximumPropertiesOfAKeyboard, "a keyboard holds so many");
-    if (refusing.contains(handle)) {
-      throw RequestError("not in the mood");
-    }
-    carried[handle] = properties;
-  }
-
-  void plug(BusHandle handle) {
-    if (carried.emplace(handle, PropertySet{}).second) {
-      observer_->keyboardAppeared(*this, handle, {1, 6, 3, 4, "Moody", "USB"});
-    }
-  }
-
-  void pull(BusHandle handle) {
-    if (carried.erase(handle) > 0) {
-      observer_->keyboardDisappeared(*this, handle);
-    }
-  }
-
-  void turnMood(BusHandle handle) {
-    if (refusing.erase(handle) == 0) {
-      refusing.insert(handle);
-    }
-  }
-
-  std::map<BusHandle, PropertySet> carried;
-  std::set<BusHandle> refusing;
-
- private:
-  KeyboardBusObserver* observer_ = nullptr;
-};
 
 class Conversation {
  public:
@@ -67,8 +26,8 @@ class Conversation {
         handler_(registry_, virtualKeyboards_, permissions_, [](const std::string&) {}) {
     virtualKeyboards_.start(registry_);
     bus_.start(registry_);
-    bus_.plug(BusHandle{0});
-    bus_.plug(BusHandle{1});
+    bus_.plug(BusHandle{0}, "Moody");
+    bus_.plug(BusHandle{1}, "Moody");
   }
 
   void take(std::string_view line) {
@@ -76,11 +35,15 @@ class Conversation {
     const BusHandle handle{line.size() < 2 ? 0
                                            : static_cast<std::uint8_t>(line[1]) % realKeyboards};
     if (first == '+') {
-      bus_.plug(handle);
+      if (!bus_.carried.contains(handle)) {
+        bus_.plug(handle, "Moody");
+      }
     } else if (first == '-') {
       bus_.pull(handle);
     } else if (first == '#') {
-      bus_.turnMood(handle);
+      if (bus_.refusing.erase(handle) == 0) {
+        bus_.refusing.insert(handle);
+      }
     } else {
       ask(line, first == '!');
     }
@@ -105,6 +68,7 @@ class Conversation {
     require(registry_.size() <= VirtualKeyboardBus::maximumKeyboards + realKeyboards,
             "there are only so many keyboards");
     for (const auto& [handle, properties] : bus_.carried) {
+      require(properties.size() <= maximumPropertiesOfAKeyboard, "a keyboard holds so many");
       Matching keyboard;
       keyboard.registryID = registry_.find({&bus_, handle});
       require(keyboard.registryID.has_value(), "the registry knows every keyboard");
@@ -117,7 +81,7 @@ class Conversation {
 
   KeyboardRegistry registry_;
   VirtualKeyboardBus virtualKeyboards_;
-  MoodyBus bus_;
+  FakeKeyboardBus bus_;
   Permissions permissions_;
   RequestHandler handler_;
 };

@@ -20,27 +20,22 @@ std::string usageErrorOf(const Parser& parse, const Arguments& arguments) {
   return "no error";
 }
 
-std::string usageError(const Arguments& arguments) {
-  return usageErrorOf(parseCommandLine, arguments);
-}
-
 Invocation invocation(const Arguments& arguments) {
   return std::get<Invocation>(parseCommandLine(arguments));
 }
 
 TEST(CommandLine, ReadsTheArgumentsOfTheEngine) {
+  const std::string keyboards = R"({"PrimaryUsagePage":1,"PrimaryUsage":6})";
+  Matching matching;
+  matching.primaryUsagePage = 1;
+  matching.primaryUsage = 6;
   const Invocation set =
-      invocation({"property", "--matching", R"({"PrimaryUsagePage":1,"PrimaryUsage":6})", "--set",
-                  R"({"CapsLockDelayOverride":0})"});
-  Matching keyboards;
-  keyboards.primaryUsagePage = 1;
-  keyboards.primaryUsage = 6;
+      invocation({"property", "--matching", keyboards, "--set", R"({"CapsLockDelayOverride":0})"});
   EXPECT_EQ(set.socketPath, "/run/zephlin/hidd.sock");
-  EXPECT_EQ(set.request, Request(SetRequest{keyboards, {{"CapsLockDelayOverride", 0}}}));
-  const Invocation get =
-      invocation({"property", "--matching", R"({"PrimaryUsagePage":1,"PrimaryUsage":6})", "--get",
-                  "CapsLockDelayOverride"});
-  EXPECT_EQ(get.request, Request(GetRequest{keyboards, "CapsLockDelayOverride"}));
+  EXPECT_EQ(set.request, Request(SetRequest{matching, {{"CapsLockDelayOverride", 0}}}));
+  EXPECT_EQ(
+      invocation({"property", "--matching", keyboards, "--get", "CapsLockDelayOverride"}).request,
+      Request(GetRequest{matching, "CapsLockDelayOverride"}));
 }
 
 TEST(CommandLine, TakesTheSocketBeforeAndAfterTheCommand) {
@@ -59,26 +54,25 @@ TEST(CommandLine, HelpAndVersionNeedNoCommand) {
 }
 
 TEST(CommandLine, RefusesWhatMakesNoCommand) {
-  EXPECT_EQ(usageError({}), "no command given; see hidutil --help");
-  EXPECT_EQ(usageError({"dance"}), "unknown command \"dance\"; see hidutil --help");
-  EXPECT_EQ(usageError({"help"}), "unknown command \"help\"; see hidutil --help");
-  EXPECT_EQ(usageError({""}), "unknown command \"\"; see hidutil --help");
-  EXPECT_EQ(usageError({"list", "--colour"}), "unknown option \"--colour\"; see hidutil --help");
-  EXPECT_EQ(usageError({"list", "-"}), "unknown option \"-\"; see hidutil --help");
-  EXPECT_EQ(usageError({"list", "--matching"}),
-            "option --matching needs a value; see hidutil --help");
-  EXPECT_EQ(usageError({"list", "--matching", "{}", "--matching", "{}"}),
-            "option --matching is given twice; see hidutil --help");
-  EXPECT_EQ(usageError({"list", "more"}), "unexpected argument \"more\"; see hidutil --help");
-  EXPECT_EQ(usageError({"list", "--get", "A"}), "\"list\" takes no --get; see hidutil --help");
-  EXPECT_EQ(usageError({"plug", "--matching", "{}"}),
-            "\"plug\" takes no --matching; see hidutil --help");
-  EXPECT_EQ(usageError({"pull"}), "\"pull\" needs a RegistryID; see hidutil --help");
-  EXPECT_EQ(usageError({"pull", "1", "2"}), "unexpected argument \"2\"; see hidutil --help");
-  EXPECT_EQ(usageError({"property"}),
-            "\"property\" needs either --get or --set; see hidutil --help");
-  EXPECT_EQ(usageError({"property", "--get", "A", "--set", "{}"}),
-            "\"property\" needs either --get or --set; see hidutil --help");
+  const std::vector<std::pair<Arguments, std::string>> errors{
+      {{}, "no command given"},
+      {{"dance"}, "unknown command \"dance\""},
+      {{"help"}, "unknown command \"help\""},
+      {{""}, "unknown command \"\""},
+      {{"list", "--colour"}, "unknown option \"--colour\""},
+      {{"list", "-"}, "unknown option \"-\""},
+      {{"list", "--matching"}, "option --matching needs a value"},
+      {{"list", "--matching", "{}", "--matching", "{}"}, "option --matching is given twice"},
+      {{"list", "more"}, "unexpected argument \"more\""},
+      {{"list", "--get", "A"}, "\"list\" takes no --get"},
+      {{"plug", "--matching", "{}"}, "\"plug\" takes no --matching"},
+      {{"pull"}, "\"pull\" needs a RegistryID"},
+      {{"pull", "1", "2"}, "unexpected argument \"2\""},
+      {{"property"}, "\"property\" needs either --get or --set"},
+      {{"property", "--get", "A", "--set", "{}"}, "\"property\" needs either --get or --set"}};
+  for (const auto& [arguments, message] : errors) {
+    EXPECT_EQ(usageErrorOf(parseCommandLine, arguments), message + "; see hidutil --help");
+  }
 }
 
 TEST(CommandLine, RefusesValuesThatAreNotValid) {
@@ -89,10 +83,6 @@ TEST(CommandLine, RefusesValuesThatAreNotValid) {
   EXPECT_THROW(parseCommandLine({"property", "--get", ""}), RequestError);
   EXPECT_THROW(parseCommandLine({"property", "--set", "{}"}), RequestError);
   EXPECT_THROW(parseCommandLine({"list", "--matching", "{"}), RequestError);
-}
-
-std::string serviceUsageError(const Arguments& arguments) {
-  return usageErrorOf(parseServiceCommandLine, arguments);
 }
 
 TEST(ServiceCommandLine, HasDefaults) {
@@ -113,14 +103,16 @@ TEST(ServiceCommandLine, ReadsItsOptions) {
 }
 
 TEST(ServiceCommandLine, RefusesWhatItDoesNotKnow) {
-  EXPECT_EQ(serviceUsageError({"--colour"}),
-            "unknown argument \"--colour\"; see zephlin-hidd --help");
-  EXPECT_EQ(serviceUsageError({"--socket"}),
-            "option --socket needs a value; see zephlin-hidd --help");
-  for (const char* const count : {"257", "-1", "", "1x", " 1", "99999999999999999999"}) {
-    EXPECT_EQ(serviceUsageError({"--virtual-keyboards", count}),
-              "--virtual-keyboards takes a number from 0 to 256, not \"" + std::string(count) +
-                  "\"; see zephlin-hidd --help");
+  std::vector<std::pair<Arguments, std::string>> errors{
+      {{"--colour"}, "unknown argument \"--colour\""},
+      {{"--socket"}, "option --socket needs a value"}};
+  for (const std::string count : {"257", "-1", "", "1x", " 1", "99999999999999999999"}) {
+    errors.push_back({{"--virtual-keyboards", count},
+                      "--virtual-keyboards takes a number from 0 to 256, not \"" + count + '"'});
+  }
+  for (const auto& [arguments, message] : errors) {
+    EXPECT_EQ(usageErrorOf(parseServiceCommandLine, arguments),
+              message + "; see zephlin-hidd --help");
   }
 }
 

@@ -53,11 +53,8 @@ TEST(Listing, ADeviceNameCannotBreakTheTableOrTheTerminal) {
   EXPECT_NE(text.find(R"(a\x0a\x1b[2J)"), std::string::npos);
 }
 
-TEST(Listing, APluggedKeyboardIsPrintedAlone) {
+TEST(Listing, APluggedKeyboardIsPrintedAloneAndAPulledOneNotAtAll) {
   EXPECT_EQ(listing(PlugRequest{}, PlugResponse{RegistryID{0x100000001}}), "100000001\n");
-}
-
-TEST(Listing, PullingPrintsNothing) {
   EXPECT_EQ(listing(PullRequest{}, PullResponse{}), "");
 }
 

@@ -37,32 +37,29 @@ TEST(Matching, AllKeysHaveToAgree) {
   EXPECT_FALSE(parseMatching(R"({"PrimaryUsagePage":1,"PrimaryUsage":7})").matches(tastyKeys));
 }
 
-TEST(Matching, AnUnknownKeyIsRefusedByName) {
-  EXPECT_EQ(errorOf(R"({"Colour":1})"),
-            "unknown matching key \"Colour\"; known keys are PrimaryUsagePage, PrimaryUsage, "
-            "VendorID, ProductID, Product, RegistryID");
-  EXPECT_EQ(errorOf(R"({"vendorid":1})").find("unknown matching key \"vendorid\""), 0U);
-}
-
-TEST(Matching, BrokenJsonIsRefusedWithItsPlace) {
-  EXPECT_EQ(errorOf(R"({"Product":"ü"x})"),
-            "--matching is not valid JSON (at character 15); expected an object such as "
-            R"({"PrimaryUsagePage":1,"PrimaryUsage":6})");
-  EXPECT_EQ(errorOf("").find("--matching is not valid JSON (at character 1)"), 0U);
-  EXPECT_EQ(errorOf("{} {}").find("--matching is not valid JSON (at character 4)"), 0U);
-  EXPECT_EQ(errorOf(std::string("{}\0{}", 5)).find("--matching is not valid JSON"), 0U);
-  EXPECT_EQ(errorOf("{\"Product\":\"\xff\"}").find("--matching is not valid JSON"), 0U);
-}
-
-TEST(Matching, AnotherKindOfJsonIsRefused) {
-  EXPECT_EQ(errorOf("[1]"),
-            "--matching is not an object; expected an object such as "
-            R"({"PrimaryUsagePage":1,"PrimaryUsage":6})");
-}
-
-TEST(Matching, AKeyGivenTwiceIsRefused) {
-  EXPECT_EQ(errorOf(R"({"VendorID":1,"VendorID":2})").find("--matching names \"VendorID\" twice"),
-            0U);
+TEST(Matching, WhatIsNotAMatchingIsRefusedWithTheReason) {
+  const std::string example =
+      R"(; expected an object such as {"PrimaryUsagePage":1,"PrimaryUsage":6})";
+  const std::vector<std::pair<std::string, std::string>> refusals{
+      {R"({"Colour":1})",
+       "unknown matching key \"Colour\"; known keys are PrimaryUsagePage, PrimaryUsage, VendorID, "
+       "ProductID, Product, RegistryID"},
+      {R"({"vendorid":1})",
+       "unknown matching key \"vendorid\"; known keys are PrimaryUsagePage, PrimaryUsage, "
+       "VendorID, "
+       "ProductID, Product, RegistryID"},
+      {R"({"Product":"ü"x})", "--matching is not valid JSON (at character 15)" + example},
+      {"", "--matching is not valid JSON (at character 1)" + example},
+      {"{} {}", "--matching is not valid JSON (at character 4)" + example},
+      {std::string("{}\0{}", 5), "--matching is not valid JSON (at character 3)" + example},
+      {"{\"Product\":\"\xff\"}", "--matching is not valid JSON (at character 13)" + example},
+      {"[1]", "--matching is not an object" + example},
+      {R"({"VendorID":1,"VendorID":2})", "--matching names \"VendorID\" twice" + example},
+      {R"({"VendorID":1e999})", "--matching has a number that is out of range" + example},
+      {R"({"Product":1})", R"(matching key "Product" must be text, such as "Virtual Keyboard 1")"}};
+  for (const auto& [text, refusal] : refusals) {
+    EXPECT_EQ(errorOf(text), refusal);
+  }
 }
 
 TEST(Matching, NumbersHaveToBeWholeAndFit) {
@@ -74,15 +71,11 @@ TEST(Matching, NumbersHaveToBeWholeAndFit) {
               "9223372036854775807")
         << number;
   }
-  EXPECT_EQ(errorOf(R"({"VendorID":1e999})").find("--matching has a number that is out of range"),
-            0U);
   EXPECT_EQ(parseMatching(R"({"VendorID":-9223372036854775808})").vendorID, INT64_MIN);
   EXPECT_EQ(parseMatching(R"({"VendorID":9223372036854775807})").vendorID, INT64_MAX);
 }
 
-TEST(Matching, TextsHaveToBeText) {
-  EXPECT_EQ(errorOf(R"({"Product":1})"),
-            R"(matching key "Product" must be text, such as "Virtual Keyboard 1")");
+TEST(Matching, ARegistryIDHasToBeAsListed) {
   for (const char* const id : {"4294967297", "\"0x100000001\"", "\"10000046A\"", "\"0100000001\"",
                                "\"\"", "\"-1\"", "\"10000000000000000\"", "\"1 \""}) {
     EXPECT_EQ(

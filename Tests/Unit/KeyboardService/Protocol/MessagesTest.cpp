@@ -66,42 +66,40 @@ std::string refusalOf(std::string_view line) {
 }
 
 TEST(Protocol, RequestsOfAnotherShapeAreRefused) {
-  EXPECT_EQ(refusalOf("hello"),
-            "the request is not valid JSON (at character 1); expected an object such as "
-            R"({"request":"list","matching":{}})");
-  EXPECT_EQ(refusalOf("[]").find("the request is not an object"), 0U);
-  EXPECT_EQ(refusalOf("{}"), R"(the request lacks "request")");
-  EXPECT_EQ(refusalOf(R"({"request":1})"), R"(the request's "request" must be text)");
-  EXPECT_EQ(refusalOf(R"({"request":"dance"})"),
-            R"(unknown request "dance"; known are list, get, set, plug, pull, subscribe)");
-  EXPECT_EQ(refusalOf(R"({"request":"list"})"), R"(the request lacks "matching")");
-  EXPECT_EQ(refusalOf(R"({"request":"list","matching":[]})"),
-            R"(the matching must be an object such as {"PrimaryUsagePage":1,"PrimaryUsage":6})");
-  EXPECT_EQ(refusalOf(R"({"request":"set","matching":{},"properties":3})"),
-            R"(the properties must be an object such as {"CapsLockDelayOverride":0})");
-  EXPECT_EQ(refusalOf(R"({"request":"get","matching":{},"key":3})"),
-            R"(the request's "key" must be text)");
-  EXPECT_EQ(refusalOf(R"({"request":"pull","registryID":"XYZ"})"),
-            R"("XYZ" is not a RegistryID; hidutil list prints them)");
-  EXPECT_EQ(refusalOf(R"({"request":"plug","matching":{}})"), "unexpected member in the request");
-  EXPECT_EQ(refusalOf(R"({"request":"subscribe","matching":{}})"),
-            "unexpected member in the request");
+  const std::vector<std::pair<const char*, const char*>> refusals{
+      {"hello",
+       "the request is not valid JSON (at character 1); expected an object such as "
+       R"({"request":"list","matching":{}})"},
+      {"{}", R"(the request lacks "request")"},
+      {R"({"request":1})", R"(the request's "request" must be text)"},
+      {R"({"request":"dance"})",
+       R"(unknown request "dance"; known are list, get, set, plug, pull, subscribe)"},
+      {R"({"request":"list"})", R"(the request lacks "matching")"},
+      {R"({"request":"list","matching":[]})",
+       R"(the matching must be an object such as {"PrimaryUsagePage":1,"PrimaryUsage":6})"},
+      {R"({"request":"set","matching":{},"properties":3})",
+       R"(the properties must be an object such as {"CapsLockDelayOverride":0})"},
+      {R"({"request":"get","matching":{},"key":3})", R"(the request's "key" must be text)"},
+      {R"({"request":"pull","registryID":"XYZ"})",
+       R"("XYZ" is not a RegistryID; hidutil list prints them)"},
+      {R"({"request":"plug","matching":{}})", "unexpected member in the request"},
+      {R"({"request":"subscribe","matching":{}})", "unexpected member in the request"}};
+  for (const auto& [line, refusal] : refusals) {
+    EXPECT_EQ(refusalOf(line), refusal);
+  }
 }
 
-TEST(Protocol, RequestsAreHeldToTheSameRulesAsArguments) {
-  EXPECT_EQ(refusalOf(R"({"request":"list","matching":{"Colour":1}})")
-                .find("unknown matching key \"Colour\""),
-            0U);
-  EXPECT_EQ(refusalOf(R"({"request":"get","matching":{},"key":"a b"})")
-                .find("property key \"a b\" is not valid"),
-            0U);
-  EXPECT_EQ(refusalOf(R"({"request":"set","matching":{},"properties":{"A":1.5}})")
-                .find("the value of \"A\" must be a whole number"),
-            0U);
-}
-
-TEST(Protocol, TextThatIsNotUtf8IsRefused) {
-  EXPECT_EQ(refusalOf("{\"request\":\"\xff\"}").find("the request is not valid JSON"), 0U);
+TEST(Protocol, RequestsAreHeldToTheRulesForArgumentsAndToUtf8) {
+  const std::vector<std::pair<const char*, const char*>> refusals{
+      {"[]", "the request is not an object"},
+      {R"({"request":"list","matching":{"Colour":1}})", R"(unknown matching key "Colour")"},
+      {R"({"request":"get","matching":{},"key":"a b"})", R"(property key "a b" is not valid)"},
+      {R"({"request":"set","matching":{},"properties":{"A":1.5}})",
+       R"(the value of "A" must be a whole number)"},
+      {"{\"request\":\"\xff\"}", "the request is not valid JSON"}};
+  for (const auto& [line, refusal] : refusals) {
+    EXPECT_TRUE(refusalOf(line).starts_with(refusal)) << line;
+  }
 }
 
 TEST(Protocol, BottomlessNestingIsRefusedWithoutHarm) {

@@ -14,20 +14,21 @@ TEST(PrintableText, EscapesControlCharacters) {
             R"(a\x0ab\x09\x1b[31m\x7f\x00)");
 }
 
-TEST(PrintableText, EscapesSecondControlBlockAndLineAndDirectionMarks) {
-  EXPECT_EQ(printable("\u0085"), R"(\xc2\x85)");
-  EXPECT_EQ(printable("\u2028"), R"(\xe2\x80\xa8)");
-  EXPECT_EQ(printable("\u202e"), R"(\xe2\x80\xae)");
-}
-
-TEST(PrintableText, EscapesBytesThatAreNotUtf8) {
-  EXPECT_EQ(printable("\xff"), R"(\xff)");
-  EXPECT_EQ(printable("\xc3("), R"(\xc3()");
-  EXPECT_EQ(printable("\xe2\x82"), R"(\xe2\x82)");
-  EXPECT_EQ(printable("\xc0\xaf"), R"(\xc0\xaf)");
-  EXPECT_EQ(printable("\xed\xa0\x80"), R"(\xed\xa0\x80)");
-  EXPECT_EQ(printable("\xf4\x90\x80\x80"), R"(\xf4\x90\x80\x80)");
-  EXPECT_EQ(printable("\xe0\x80\xaf"), R"(\xe0\x80\xaf)");
+TEST(PrintableText, EscapesWhatDisturbsALineAndBytesThatAreNotUtf8) {
+  const std::vector<std::pair<const char*, const char*>> escapes{
+      {"\u0085", R"(\xc2\x85)"},
+      {"\u2028", R"(\xe2\x80\xa8)"},
+      {"\u202e", R"(\xe2\x80\xae)"},
+      {"\xff", R"(\xff)"},
+      {"\xc3(", R"(\xc3()"},
+      {"\xe2\x82", R"(\xe2\x82)"},
+      {"\xc0\xaf", R"(\xc0\xaf)"},
+      {"\xed\xa0\x80", R"(\xed\xa0\x80)"},
+      {"\xf4\x90\x80\x80", R"(\xf4\x90\x80\x80)"},
+      {"\xe0\x80\xaf", R"(\xe0\x80\xaf)"}};
+  for (const auto& [text, escaped] : escapes) {
+    EXPECT_EQ(printable(text), escaped);
+  }
 }
 
 TEST(PrintableText, CutsWhatIsTooLong) {

@@ -34,11 +34,6 @@ TEST(Properties, AValueThatIsNoWholeNumberOf64BitsIsRefused) {
   }
 }
 
-TEST(Properties, AtLeastOneIsNeeded) {
-  EXPECT_EQ(propertyErrorOf("{}"),
-            R"(no property to set; expected an object such as {"CapsLockDelayOverride":0})");
-}
-
 TEST(Properties, AsManyAsAKeyboardHoldsAreTakenAndNoMore) {
   EXPECT_EQ(parseProperties(objectOfProperties(64)).size(), 64U);
   EXPECT_EQ(propertyErrorOf(objectOfProperties(65)),
@@ -58,19 +53,20 @@ TEST(Properties, AKeyIsPrintableAsciiWithoutSpaces) {
             "spaces");
 }
 
-TEST(Properties, KeysInJsonAreHeldToTheSameRule) {
-  EXPECT_EQ(propertyErrorOf(R"({"a b":1})").find("property key \"a b\" is not valid"), 0U);
-  EXPECT_EQ(propertyErrorOf(R"({"":1})").find("property key \"\" is not valid"), 0U);
-  EXPECT_EQ(propertyErrorOf(R"({"\u001b[2J":1})").find(R"(property key "\x1b[2J" is not valid)"),
-            0U);
-}
-
-TEST(Properties, BrokenJsonIsRefusedWithItsPlace) {
-  EXPECT_EQ(propertyErrorOf("{A:0}"),
-            R"(--set is not valid JSON (at character 2); expected an object such as )"
-            R"({"CapsLockDelayOverride":0})");
-  EXPECT_EQ(propertyErrorOf("0").find("--set is not an object"), 0U);
-  EXPECT_EQ(propertyErrorOf(R"({"A":1,"A":1})").find("--set names \"A\" twice"), 0U);
+TEST(Properties, WhatIsNotAnObjectOfPropertiesIsRefusedWithTheReason) {
+  const std::vector<std::pair<const char*, const char*>> refusals{
+      {R"({"a b":1})", R"(property key "a b" is not valid)"},
+      {R"({"":1})", R"(property key "" is not valid)"},
+      {R"({"\u001b[2J":1})", R"(property key "\x1b[2J" is not valid)"},
+      {"{}", R"(no property to set; expected an object such as {"CapsLockDelayOverride":0})"},
+      {"{A:0}",
+       "--set is not valid JSON (at character 2); expected an object such as "
+       R"({"CapsLockDelayOverride":0})"},
+      {"0", "--set is not an object"},
+      {R"({"A":1,"A":1})", R"(--set names "A" twice)"}};
+  for (const auto& [text, refusal] : refusals) {
+    EXPECT_TRUE(propertyErrorOf(text).starts_with(refusal)) << text;
+  }
 }
 
 std::optional<std::chrono::milliseconds> delayOf(std::int64_t value) {

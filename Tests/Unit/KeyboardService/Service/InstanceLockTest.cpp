@@ -15,39 +15,40 @@ namespace {
 
 using std::filesystem::exists;
 
-TEST(InstanceLock, KeepsASecondHolderOut) {
-  const test::TemporaryDirectory directory;
-  const InstanceLock held(directory.file("s"));
-  EXPECT_EQ(requestErrorOf([&] { const InstanceLock second(directory.file("s")); }),
-            "another instance is running on " + directory.file("s") + "; stop it first");
+class InstanceLockTest : public testing::Test {
+ protected:
+  test::TemporaryDirectory directory;
+  std::string socket = directory.file("s");
+};
+
+TEST_F(InstanceLockTest, KeepsASecondHolderOut) {
+  const InstanceLock held(socket);
+  EXPECT_EQ(requestErrorOf([&] { const InstanceLock second(socket); }),
+            "another instance is running on " + socket + "; stop it first");
   EXPECT_TRUE(exists(directory.file("s.lock")));
 }
 
-TEST(InstanceLock, RemovesItsFileAndCanBeTakenAgain) {
-  const test::TemporaryDirectory directory;
-  std::optional<InstanceLock> lock(directory.file("s"));
+TEST_F(InstanceLockTest, RemovesItsFileAndCanBeTakenAgain) {
+  std::optional<InstanceLock> lock(socket);
   lock.reset();
   EXPECT_FALSE(exists(directory.file("s.lock")));
-  EXPECT_NO_THROW(lock.emplace(directory.file("s")));
+  EXPECT_NO_THROW(lock.emplace(socket));
 }
 
-TEST(InstanceLock, AFileLeftByACrashDoesNotKeepAnyoneOut) {
-  const test::TemporaryDirectory directory;
+TEST_F(InstanceLockTest, AFileLeftByACrashDoesNotKeepAnyoneOut) {
   std::ofstream(directory.file("s.lock")) << "left over";
-  EXPECT_NO_THROW(const InstanceLock lock(directory.file("s")));
+  EXPECT_NO_THROW(const InstanceLock lock(socket));
 }
 
-TEST(InstanceLock, APipeInPlaceOfItsFileIsNotTaken) {
-  const test::TemporaryDirectory directory;
+TEST_F(InstanceLockTest, APipeInPlaceOfItsFileIsNotTaken) {
   const std::string path = directory.file("s.lock");
   ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
-  EXPECT_EQ(requestErrorOf([&] { const InstanceLock lock(directory.file("s")); }),
+  EXPECT_EQ(requestErrorOf([&] { const InstanceLock lock(socket); }),
             path + " is not a lock file; remove it, or choose another place with --socket");
   EXPECT_TRUE(std::filesystem::is_fifo(path));
 }
 
-TEST(InstanceLock, SaysWhyThereCanBeNoFile) {
-  const test::TemporaryDirectory directory;
+TEST_F(InstanceLockTest, SaysWhyThereCanBeNoFile) {
   EXPECT_EQ(requestErrorOf([&] { const InstanceLock lock(directory.file("absent/s")); }),
             "cannot open the lock file " + directory.file("absent/s.lock") +
                 " (No such file or directory); run zephlin-hidd as root, or choose another place "
@@ -70,11 +71,10 @@ void countUnderLock(const std::string& socketPath, const std::string& counter, i
   }
 }
 
-TEST(InstanceLock, HasOneHolderAtATimeHoweverOftenItIsTakenAndDropped) {
+TEST_F(InstanceLockTest, HasOneHolderAtATimeHoweverOftenItIsTakenAndDropped) {
   constexpr int times = 300;
-  const test::TemporaryDirectory directory;
   const std::string counter = directory.file("counter");
-  const auto work = [&] { countUnderLock(directory.file("s"), counter, times); };
+  const auto work = [&] { countUnderLock(socket, counter, times); };
   test::TestProcess first(work);
   test::TestProcess second(work);
   test::TestProcess third(work);

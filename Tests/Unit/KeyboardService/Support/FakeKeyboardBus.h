@@ -1,22 +1,27 @@
 #pragma once
 
+#include <algorithm>
 #include <map>
 #include <set>
+#include <stdexcept>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "KeyboardService/Service/KeyboardBus.h"
 
 namespace zephlin {
 
-/// A bus whose keyboards a test plugs, and which refuses when it is told to.
+/// A bus whose keyboards a test plugs, and which refuses when told to.
 class FakeKeyboardBus final : public KeyboardBus {
  public:
   void start(KeyboardBusObserver& observer) override { observer_ = &observer; }
 
   void applyProperties(BusHandle handle, const PropertySet& properties) override {
-    if (refusing.contains(handle) || (refusesToRestore && carried.contains(handle))) {
+    if (!carried.contains(handle)) {
+      throw std::logic_error("only keyboards that are there are changed");
+    }
+    const bool wasChanged = std::count(applied.begin(), applied.end(), handle) > 0;
+    if (refusing.contains(handle) || (refusesToRestore && wasChanged)) {
       throw RequestError("the cable is loose");
     }
     carried[handle] = properties;
@@ -24,22 +29,25 @@ class FakeKeyboardBus final : public KeyboardBus {
   }
 
   void plug(BusHandle handle, const std::string& product = "Fake") {
-    KeyboardDescription description;
-    description.product = product;
-    description.transport = "USB";
-    observer_->keyboardAppeared(*this, handle, description);
+    carried[handle] = {};
+    observer_->keyboardAppeared(*this, handle, {1, 6, 0, 0, product, "USB"});
   }
 
-  void pull(BusHandle handle) { observer_->keyboardDisappeared(*this, handle); }
+  void pull(BusHandle handle) {
+    carried.erase(handle);
+    observer_->keyboardDisappeared(*this, handle);
+  }
 
   void dropProperties(BusHandle handle) {
-    carried.erase(handle);
+    if (const auto found = carried.find(handle); found != carried.end()) {
+      found->second.clear();
+    }
     observer_->propertiesDropped(*this, handle);
   }
 
   std::set<BusHandle> refusing;
-  bool refusesToRestore = false;  ///< Refuses keyboards that it has changed before.
-  std::map<BusHandle, PropertySet> carried;
+  bool refusesToRestore = false;             ///< Refuses keyboards that it has changed before.
+  std::map<BusHandle, PropertySet> carried;  ///< By the keyboards that are plugged in.
   std::vector<BusHandle> applied;
 
  private:

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <exception>
 #include <functional>
 #include <stdexcept>
 #include <string>
@@ -18,6 +19,26 @@ namespace zephlin {
 
 constexpr std::chrono::milliseconds timeout{500};
 inline const std::string listRequest = R"({"request":"list","matching":{}})";
+
+/// The effective user for the length of a scope, as root only.
+class EffectiveUser {
+ public:
+  explicit EffectiveUser(uid_t user) : former_(::geteuid()) {
+    if (former_ == 0 && ::seteuid(user) != 0) {
+      throw std::runtime_error("cannot change the effective user");
+    }
+  }
+  EffectiveUser(const EffectiveUser&) = delete;
+  EffectiveUser& operator=(const EffectiveUser&) = delete;
+  ~EffectiveUser() {
+    if (::seteuid(former_) != 0) {
+      std::terminate();
+    }
+  }
+
+ private:
+  uid_t former_;
+};
 
 /// A server whose loop the test turns itself, in the same thread.
 class ServerTest : public testing::Test {
@@ -55,6 +76,17 @@ class ServerTest : public testing::Test {
   std::string receive(RawClient& client) {
     turnUntil([&] { return client.hasLine(); });
     return client.receiveLine();
+  }
+
+  /// Sends a request line and receives the response line.
+  std::string ask(RawClient& client, const std::string& request) {
+    client.send(request + "\n");
+    return receive(client);
+  }
+
+  /// Whether the next line is the response to `listRequest`.
+  bool receivesListing(RawClient& client) {
+    return receive(client).starts_with(R"({"keyboards":[)");
   }
 
   test::TemporaryDirectory directory;

@@ -9,6 +9,7 @@
 #include <functional>
 
 #include "Platform/Linux/Windows/QtAlertPresenter.h"
+#include "Platform/Simulated/SimulatedDesktop.h"
 #include "Tests/Support/DelegatingPlatform.h"
 #include "Zephlin/About.h"
 

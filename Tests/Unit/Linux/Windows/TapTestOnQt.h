@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "Platform/Linux/Windows/QtWindowServer.h"
+#include "Platform/Simulated/SimulatedDesktop.h"
 #include "Tests/Support/DelegatingPlatform.h"
 #include "Tests/Unit/Linux/Windows/TreeFixture.h"
 #include "Zephlin/TapTestController.h"

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "KeyboardService/Service/Evdev/CapsLockRewriter.h"
+#include "Tests/Unit/KeyboardService/Service/Evdev/RewriterHistory.h"
 
 namespace zephlin {
 namespace {
@@ -67,6 +70,21 @@ TEST(CapsLockRewriter, AKeyThatIsReadLateWasHeldAllTheSame) {
   rewriter.take(endOfFrame, 0ms, 30ms);
   EXPECT_EQ(rewriter.deadline(), 40ms);
 }
+
+class RandomHistories : public testing::TestWithParam<unsigned> {};
+
+TEST_P(RandomHistories, KeepWhatTheRewriterPromises) {
+  std::mt19937 random(GetParam());
+  for (int count = 0; count < 2000; ++count) {
+    std::vector<std::uint8_t> bytes(random() % 200);
+    for (std::uint8_t& each : bytes) {
+      each = static_cast<std::uint8_t>(random());
+    }
+    ASSERT_NO_THROW(checkHistory(bytes)) << "seed " << GetParam() << ", history " << count;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomHistories, testing::Range(1U, 9U));
 
 }  // namespace
 }  // namespace zephlin

@@ -2,9 +2,9 @@
 
 #include <array>
 #include <set>
+#include <stdexcept>
 
 #include "KeyboardService/Service/Evdev/CapsLockRewriter.h"
-#include "Tests/Unit/KeyboardService/Service/Evdev/EventSequence.h"
 
 namespace zephlin {
 namespace {
@@ -15,6 +15,30 @@ using Time = CapsLockRewriter::Time;
 
 constexpr std::array<std::uint16_t, 5> keys{KEY_CAPSLOCK, KEY_A, KEY_B, KEY_LEFTSHIFT, KEY_ENTER};
 constexpr std::array<milliseconds, 3> holds{milliseconds(0), milliseconds(20), milliseconds(75)};
+
+/// Throws std::logic_error unless what has to hold does.
+void requireThat(bool condition, const char* what) {
+  if (!condition) {
+    throw std::logic_error(what);
+  }
+}
+
+bool isLeftOut(const InputEvent& event) {
+  return isCapsLock(event) || (event.type == EV_KEY && event.value == KeyRepeated);
+}
+
+/// Without the ends of frames, Caps Lock, repetitions, and the scan codes right before these two.
+std::vector<InputEvent> others(const std::vector<InputEvent>& events) {
+  std::vector<InputEvent> result;
+  for (auto event = events.begin(); event != events.end(); ++event) {
+    const bool announcesLeftOut =
+        isScanCode(*event) && event + 1 != events.end() && isLeftOut(event[1]);
+    if (event->type != EV_SYN && !isLeftOut(*event) && !announcesLeftOut) {
+      result.push_back(*event);
+    }
+  }
+  return result;
+}
 
 class History {
  public:
