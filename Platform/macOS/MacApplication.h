@@ -3,12 +3,14 @@
 #import <AppKit/AppKit.h>
 
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "Platform/Application.h"
 #import "Platform/macOS/MacMenu.h"
 #import "Platform/macOS/Retained.h"
 
-/// Passes on what AppKit tells the application's delegate.
+/// Forwards AppKit's call to the portable delegate.
 @interface ZephlinApplicationDelegate : NSObject <NSApplicationDelegate> {
  @private
   std::weak_ptr<zephlin::ApplicationDelegate> _delegate;
@@ -18,7 +20,7 @@
 
 namespace zephlin {
 
-/// The shared application, which is made by this.
+/// Creates the shared application.
 class MacApplication final : public Application {
  public:
   MacApplication();
@@ -40,6 +42,13 @@ class MacApplication final : public Application {
   NSApplication* const application_;
   Retained<ZephlinApplicationDelegate*> delegate_;
   std::unique_ptr<MacMenu> mainMenu_;
+};
+
+class MacProcessInfo final : public ProcessInfo {
+ public:
+  [[nodiscard]] std::optional<std::string> environmentVariable(
+      const std::string& name) const override;
+  [[nodiscard]] std::string mainBundlePath() const override;
 };
 
 }  // namespace zephlin

@@ -1,6 +1,12 @@
 #import "Platform/macOS/MacApplication.h"
 
+#include <unistd.h>
+
+#include <cstdlib>
 #include <utility>
+
+#include "Platform/Workspace.h"
+#import "Platform/macOS/Bridge.h"
 
 @implementation ZephlinApplicationDelegate
 
@@ -57,6 +63,31 @@ void MacApplication::run() {
 
 void MacApplication::terminate() {
   [application_ terminate:nil];
+}
+
+std::optional<std::string> MacProcessInfo::environmentVariable(const std::string& name) const {
+  const char* const value = std::getenv(name.c_str());
+  return value == nullptr ? std::nullopt : std::optional<std::string>(value);
+}
+
+std::string MacProcessInfo::mainBundlePath() const {
+  return portableText([[NSBundle mainBundle] bundlePath]);
+}
+
+std::vector<RunningApplication> runningApplicationsWithBundleIdentifier(
+    std::string_view bundleIdentifier) {
+  std::vector<RunningApplication> running;
+  @autoreleasepool {
+    for (NSRunningApplication* application in [NSRunningApplication
+             runningApplicationsWithBundleIdentifier:nativeText(bundleIdentifier)]) {
+      running.push_back({[application processIdentifier]});
+    }
+  }
+  return running;
+}
+
+int currentProcessIdentifier() {
+  return ::getpid();
 }
 
 }  // namespace zephlin

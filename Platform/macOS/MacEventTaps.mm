@@ -1,10 +1,9 @@
-#import "Platform/macOS/MacEventTaps.h"
-
 #import <AppKit/AppKit.h>
 #import <CoreGraphics/CoreGraphics.h>
 
 #include <utility>
 
+#import "Platform/macOS/MacKeyboard.h"
 #import "Platform/macOS/Retained.h"
 
 namespace zephlin {

@@ -2,9 +2,8 @@
 
 #include <utility>
 
-#import "Platform/macOS/ActionTarget.h"
+#import "Platform/macOS/Bridge.h"
 #import "Platform/macOS/MacUpdater.h"
-#import "Platform/macOS/Text.h"
 
 namespace zephlin {
 

@@ -4,9 +4,9 @@
 
 #include <utility>
 
+#import "Platform/macOS/Bridge.h"
 #import "Platform/macOS/MacMenu.h"
 #import "Platform/macOS/Retained.h"
-#import "Platform/macOS/Text.h"
 
 namespace zephlin {
 

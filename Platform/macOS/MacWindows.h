@@ -12,4 +12,9 @@ class MacWindows final : public WindowServer {
                                      std::shared_ptr<View> contentView) override;
 };
 
+class MacAlerts final : public AlertPresenter {
+ public:
+  void runModal(const Alert& alert) override;
+};
+
 }  // namespace zephlin

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "Platform/Views.h"
-#import "Platform/macOS/ActionTarget.h"
+#import "Platform/macOS/Bridge.h"
 #import "Platform/macOS/Retained.h"
 
 namespace zephlin {

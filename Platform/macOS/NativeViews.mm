@@ -1,10 +1,127 @@
 #import "Platform/macOS/NativeViews.h"
 
+#import <QuartzCore/QuartzCore.h>
+
+#include <cstdio>
+#include <cstdlib>
 #include <utility>
 
-#import "Platform/macOS/Appearance.h"
-#import "Platform/macOS/LayerView.h"
-#import "Platform/macOS/Text.h"
+#import "Platform/macOS/Bridge.h"
+
+/// Shows the layer of a portable box: AppKit asks it to update its layer instead of drawing.
+@interface ZephlinLayerView : NSView {
+ @private
+  std::weak_ptr<zephlin::Box> _box;
+}
+- (instancetype)initWithBox:(std::weak_ptr<zephlin::Box>)box;
+- (instancetype)initWithFrame:(NSRect)frame NS_UNAVAILABLE;
+/// Stops the program: no view is made from an archive.
+- (instancetype)initWithCoder:(NSCoder*)coder;
+@end
+
+namespace zephlin {
+
+namespace {
+
+NSColor* colorFor(ColorRole role) {
+  switch (role) {
+    case ColorRole::Label:
+      return [NSColor labelColor];
+    case ColorRole::SecondaryLabel:
+      return [NSColor secondaryLabelColor];
+    case ColorRole::TertiaryLabel:
+      return [NSColor tertiaryLabelColor];
+    case ColorRole::Separator:
+      return [NSColor separatorColor];
+    case ColorRole::ControlBackground:
+      return [NSColor controlBackgroundColor];
+    case ColorRole::SystemGreen:
+      return [NSColor systemGreenColor];
+    case ColorRole::SystemRed:
+      return [NSColor systemRedColor];
+    case ColorRole::SystemOrange:
+      return [NSColor systemOrangeColor];
+  }
+}
+
+NSFontWeight nativeWeight(FontWeight weight) {
+  switch (weight) {
+    case FontWeight::Regular:
+      return NSFontWeightRegular;
+    case FontWeight::Semibold:
+      return NSFontWeightSemibold;
+    case FontWeight::Bold:
+      return NSFontWeightBold;
+  }
+}
+
+/// The system's colour for a role, which follows the appearance. Autoreleased.
+NSColor* nativeColor(const Color& color) {
+  NSColor* const opaque = colorFor(color.role);
+  // Replacing the alpha of a colour that is translucent by itself would make it opaque.
+  return color.alpha == 1 ? opaque : [opaque colorWithAlphaComponent:color.alpha];
+}
+
+/// The system font. Autoreleased.
+NSFont* nativeFont(const Font& font) {
+  const NSFontWeight weight = nativeWeight(font.weight);
+  return font.monospacedDigits
+             ? [NSFont monospacedDigitSystemFontOfSize:font.pointSize weight:weight]
+             : [NSFont systemFontOfSize:font.pointSize weight:weight];
+}
+
+NSTextAlignment nativeAlignment(TextAlignment alignment) {
+  switch (alignment) {
+    case TextAlignment::Natural:
+      return NSTextAlignmentNatural;
+    case TextAlignment::Center:
+      return NSTextAlignmentCenter;
+  }
+}
+
+}  // namespace
+
+}  // namespace zephlin
+
+@implementation ZephlinLayerView
+
+- (instancetype)initWithBox:(std::weak_ptr<zephlin::Box>)box {
+  self = [super initWithFrame:NSZeroRect];
+  if (self != nil) {
+    _box = std::move(box);
+    [self setWantsLayer:YES];
+  }
+  return self;
+}
+
+- (instancetype)initWithCoder:(NSCoder*)coder {
+  (void)coder;
+  std::fputs("not used\n", stderr);
+  std::abort();
+}
+
+- (BOOL)wantsUpdateLayer {
+  return YES;
+}
+
+// Colours are made anew each time, so that they are those of the current appearance.
+- (void)updateLayer {
+  CALayer* const native = [self layer];
+  const auto box = _box.lock();
+  if (native == nil || !box || !box->layer) {
+    return;
+  }
+  box->needsDisplay = false;
+  box->updateLayer();
+  const zephlin::Layer& layer = *box->layer;
+  [native setCornerRadius:layer.cornerRadius];
+  [native setBackgroundColor:[zephlin::nativeColor(layer.backgroundColor) CGColor]];
+  [native setBorderWidth:layer.borderWidth];
+  [native setBorderColor:layer.borderColor ? [zephlin::nativeColor(*layer.borderColor) CGColor]
+                                           : nullptr];
+}
+
+@end
 
 namespace zephlin {
 

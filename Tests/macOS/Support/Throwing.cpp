@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "Platform/macOS/NativeError.h"
+#include "Platform/macOS/MacServices.h"
 
 namespace zephlin::test {
 

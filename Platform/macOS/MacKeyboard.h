@@ -19,4 +19,12 @@ class MacHidDevices final : public HidDevices {
       std::function<void(bool isDown)> callback) override;
 };
 
+/// Quartz event taps of the login session.
+class MacEventTaps final : public EventTaps {
+ public:
+  std::unique_ptr<Observation> listenToFlagsChanged(
+      std::function<void(ModifierFlags flags)> callback) override;
+  ModifierFlags currentModifierFlags() override;
+};
+
 }  // namespace zephlin

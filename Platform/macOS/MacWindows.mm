@@ -1,9 +1,20 @@
-#import "Platform/macOS/MacWindow.h"
+#import "Platform/macOS/MacWindows.h"
+
+#import <AppKit/AppKit.h>
 
 #include <utility>
 
-#import "Platform/macOS/MacWindows.h"
-#import "Platform/macOS/Text.h"
+#import "Platform/macOS/Bridge.h"
+#import "Platform/macOS/NativeViews.h"
+#import "Platform/macOS/Retained.h"
+
+/// Forwards AppKit's call to the portable delegate.
+@interface ZephlinWindowDelegate : NSObject <NSWindowDelegate> {
+ @private
+  std::weak_ptr<zephlin::WindowDelegate> _delegate;
+}
+- (instancetype)initWithDelegate:(std::weak_ptr<zephlin::WindowDelegate>)delegate;
+@end
 
 @implementation ZephlinWindowDelegate
 
@@ -25,6 +36,28 @@
 @end
 
 namespace zephlin {
+
+namespace {
+
+class MacWindow final : public Window {
+ public:
+  MacWindow(const WindowDescription& description, std::shared_ptr<View> contentView);
+  MacWindow(const MacWindow&) = delete;
+  MacWindow& operator=(const MacWindow&) = delete;
+  ~MacWindow() override;
+
+  void setDelegate(std::weak_ptr<WindowDelegate> delegate) override;
+  void setContentSizeToFit() override;
+  void center() override;
+  void makeKeyAndOrderFront() override;
+  void displayIfNeeded() override { views_.displayIfNeeded(); }
+  std::optional<std::string> contentAsPng() override;
+
+ private:
+  NativeViews views_;
+  Retained<NSWindow*> window_;
+  Retained<ZephlinWindowDelegate*> delegate_;
+};
 
 MacWindow::MacWindow(const WindowDescription& description, std::shared_ptr<View> contentView)
     : views_(std::move(contentView)),
@@ -84,9 +117,22 @@ std::optional<std::string> MacWindow::contentAsPng() {
   return std::string(static_cast<const char*>([png bytes]), [png length]);
 }
 
+}  // namespace
+
 std::unique_ptr<Window> MacWindows::makeWindow(const WindowDescription& description,
                                                std::shared_ptr<View> contentView) {
   return std::make_unique<MacWindow>(description, std::move(contentView));
+}
+
+void MacAlerts::runModal(const Alert& alert) {
+  const Retained<NSAlert*> native([[NSAlert alloc] init]);
+  [native.get() setMessageText:nativeText(alert.messageText)];
+  [native.get() setInformativeText:nativeText(alert.informativeText)];
+  [native.get() setAlertStyle:NSAlertStyleInformational];
+  for (const std::string& title : alert.buttons) {
+    [native.get() addButtonWithTitle:nativeText(title)];
+  }
+  [native.get() runModal];
 }
 
 }  // namespace zephlin
