@@ -4,7 +4,7 @@
 
 namespace zephlin {
 
-/// The name under which the program introduces itself.
+/// The program's name in its menu and its About alert.
 constexpr const char* productTitle = "Zephlin · Instant Caps Lock";
 /// The status menu's switch, which the About text names.
 constexpr const char* instantCapsLockTitle = "Instant Caps Lock";

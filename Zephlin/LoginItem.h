@@ -4,8 +4,8 @@
 
 namespace zephlin {
 
-/// Whether the application starts when the user logs in. It acts only where the program runs from
-/// an application bundle: elsewhere nothing is registered, and both questions are answered with no.
+/// Whether the application starts when the user logs in. It works only if the program runs from
+/// an application bundle: otherwise nothing is registered, and both answers are no.
 /// Main thread.
 namespace LoginItem {
 

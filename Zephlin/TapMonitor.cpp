@@ -95,7 +95,7 @@ void TapTestController::registerPress() {
 }
 
 void TapTestController::registerCapsState(bool isOn, RememberedState& channel) {
-  // The first observation is where counting starts from.
+  // The first observation only sets the baseline.
   if (!channel || *channel == isOn) {
     channel = isOn;
     return;

@@ -31,7 +31,7 @@ class SimulatedApplication final : public Application {
   void launch();
 
   /// Performs the item of the main menu that has this key equivalent and is enabled, and returns
-  /// its title. Absent where there is none.
+  /// its title. Absent if there is none.
   std::optional<std::string> pressKeyEquivalent(const std::string& key,
                                                 ModifierFlags flags = modifierCommand);
   /// Terminates, or records the action.

@@ -6,24 +6,14 @@
 #include <optional>
 
 #include "Platform/Platform.h"
-#include "Platform/Simulated/SimulatedAlerts.h"
 #include "Platform/Simulated/SimulatedApplication.h"
-#include "Platform/Simulated/SimulatedCapsLockKey.h"
-#include "Platform/Simulated/SimulatedClock.h"
 #include "Platform/Simulated/SimulatedDispatch.h"
-#include "Platform/Simulated/SimulatedEventTaps.h"
-#include "Platform/Simulated/SimulatedHidDevices.h"
 #include "Platform/Simulated/SimulatedHidutil.h"
+#include "Platform/Simulated/SimulatedInput.h"
 #include "Platform/Simulated/SimulatedKeyboards.h"
-#include "Platform/Simulated/SimulatedLoginService.h"
-#include "Platform/Simulated/SimulatedProcessInfo.h"
+#include "Platform/Simulated/SimulatedServices.h"
 #include "Platform/Simulated/SimulatedStatusBar.h"
-#include "Platform/Simulated/SimulatedSystemLog.h"
-#include "Platform/Simulated/SimulatedTracking.h"
-#include "Platform/Simulated/SimulatedUpdaters.h"
-#include "Platform/Simulated/SimulatedUserDefaults.h"
 #include "Platform/Simulated/SimulatedWindows.h"
-#include "Platform/Simulated/SimulatedWorkspace.h"
 #include "Platform/Simulated/VirtualLoop.h"
 
 namespace zephlin {

@@ -21,7 +21,7 @@ class SimulatedLateness {
   void setExactly(Seconds delay);
   /// Each delivery draws its own, from 0 to `maximum`.
   void setAtRandom(Seconds maximum, std::uint64_t seed);
-  /// Timers are this share (0 to 1) of their tolerance late, besides.
+  /// Timers are also late by this share (0 to 1) of their tolerance.
   void setTimerShareOfTolerance(double share) { shareOfTolerance_ = share; }
 
   VirtualTicks ofDelayedWork();

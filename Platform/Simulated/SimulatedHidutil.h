@@ -76,7 +76,7 @@ class SimulatedHidutil {
 
   /// All runs, in the order in which they started.
   [[nodiscard]] const std::vector<HidutilCall>& calls() const { return calls_; }
-  /// Only while none runs.
+  /// Only while no call runs.
   void forgetCalls() { calls_.clear(); }
   /// The sets of this value among the calls.
   [[nodiscard]] std::size_t setsOf(std::int64_t value) const;
@@ -88,7 +88,7 @@ class SimulatedHidutil {
 
   /// Called when a run starts, on the thread that runs it.
   std::function<void(const HidutilCall&)> onCallStarted;
-  /// The same at its end; the result is null where the tool was not launched.
+  /// The same at its end; the result is null if the tool was not launched.
   std::function<void(const HidutilCall&, const ChildProcessResult*)> onCallEnded;
 
  private:

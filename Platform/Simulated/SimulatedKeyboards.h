@@ -21,20 +21,20 @@ class SimulatedKeyboards {
  public:
   using Number = std::uint64_t;
 
-  /// The new keyboard's value is unset. Tells nobody: see SimulatedDesktop::plugKeyboard.
+  /// The new keyboard's value is unset. Calls no observer: SimulatedDesktop::plugKeyboard does.
   Number add(bool isStubborn = false);
-  /// False where there is no such keyboard.
+  /// False if there is no such keyboard.
   bool remove(Number number);
   void removeAll() { keyboards_.clear(); }
 
-  /// The keyboard; std::out_of_range where there is none of that number.
+  /// The keyboard; std::out_of_range if it does not exist.
   SimulatedKeyboard& at(Number number) { return keyboards_.at(number); }
   [[nodiscard]] std::optional<std::int64_t> value(Number number) const {
     return keyboards_.at(number).value;
   }
   [[nodiscard]] const std::map<Number, SimulatedKeyboard>& all() const { return keyboards_; }
   [[nodiscard]] std::size_t count() const { return keyboards_.size(); }
-  /// Whether every keyboard has this value; true where there is none.
+  /// Whether every keyboard has this value; true if there is none.
   [[nodiscard]] bool allHave(std::optional<std::int64_t> value) const;
 
   /// Sets all but the stubborn ones.

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "Platform/Simulated/SimulatedApplication.h"
-#include "Platform/Simulated/SimulatedTracking.h"
+#include "Platform/Simulated/SimulatedInput.h"
 #include "Platform/StatusBar.h"
 
 namespace zephlin {
@@ -22,7 +22,7 @@ struct SimulatedStatusItemState {
   std::shared_ptr<Menu> menu;
   /// How often the image was set.
   std::size_t imageSettings = 0;
-  /// How often the item was asked to show the menu's titles anew.
+  /// How often the item was asked to show the menu's titles.
   std::size_t menuTitleChanges = 0;
 };
 
@@ -36,30 +36,30 @@ class SimulatedStatusBar final : public StatusBar {
   std::optional<SymbolImage> systemSymbol(const std::string& name,
                                           const std::string& accessibilityDescription) override;
 
-  /// Items made from now on have a button, or have none.
+  /// Whether items made from now on have a button.
   void setButtonsAvailable(bool available) { buttonsAvailable_ = available; }
-  /// No symbol is found any more, or all are again.
+  /// From now on there is no such symbol.
   void removeSymbol(const std::string& name) { missingSymbols_.insert(name); }
 
   /// The items that are shown, in the order in which they were made.
   [[nodiscard]] std::vector<std::shared_ptr<const SimulatedStatusItemState>> items() const;
-  /// The newest item; std::logic_error where there is none.
+  /// The newest item; std::logic_error if there is none.
   [[nodiscard]] const SimulatedStatusItemState& item() const;
 
-  /// Asks the menu's delegate for the items and opens it. False where there is no item or menu, or
+  /// Asks the menu's delegate for the items and opens it. False if there is no item or menu, or
   /// a menu is open already or an alert is modal.
   bool openMenu();
   /// Leaves without a choice.
   void closeMenu() { tracking_.menuIsOpen = false; }
   [[nodiscard]] bool isMenuOpen() const { return tracking_.menuIsOpen; }
   /// Chooses the entry of the open menu that has this title: closes the menu, then performs the
-  /// action. False, with the menu still open, where the entry is missing or not enabled.
+  /// action. False, with the menu still open, if the entry is missing or not enabled.
   bool click(const std::string& title);
-  /// The items of the newest item's menu, open or not; empty where there is none.
+  /// The items of the newest item's menu, open or not; empty if there is none.
   [[nodiscard]] std::vector<std::shared_ptr<MenuItem>> menuItems() const;
   /// The entry with this title, or null.
   [[nodiscard]] std::shared_ptr<MenuItem> menuItem(const std::string& title) const;
-  /// The title of the second entry; empty where there is none.
+  /// The title of the second entry; empty if there is none.
   [[nodiscard]] std::string statusLine() const;
 
  private:

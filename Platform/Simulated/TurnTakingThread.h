@@ -9,7 +9,7 @@
 namespace zephlin {
 
 /// A thread that runs only while its owner waits for it, so that the two never run at once and
-/// whatever they share needs no lock. It stands for a second thread under a virtual clock.
+/// whatever they share needs no lock. It acts as a second thread under a virtual clock.
 class TurnTakingThread {
  public:
   TurnTakingThread();

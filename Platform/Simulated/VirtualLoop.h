@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -10,9 +11,21 @@
 #include <vector>
 
 #include "Platform/Simulated/TurnTakingThread.h"
-#include "Platform/Simulated/VirtualTime.h"
 
 namespace zephlin {
+
+/// Nanoseconds of the virtual monotonic clock, which starts at 0.
+using VirtualTicks = std::int64_t;
+
+constexpr VirtualTicks virtualTicksPerSecond = 1'000'000'000;
+
+inline VirtualTicks ticksFromSeconds(double seconds) {
+  return std::llround(seconds * static_cast<double>(virtualTicksPerSecond));
+}
+
+inline double secondsFromTicks(VirtualTicks ticks) {
+  return static_cast<double>(ticks) / static_cast<double>(virtualTicksPerSecond);
+}
 
 /// An event loop under a virtual clock. Events run one at a time, ordered by (deadline, sequence);
 /// time jumps from one to the next. The thread that pumps the loop is the main thread. Work in the
@@ -43,7 +56,7 @@ class VirtualLoop {
 
   /// A deadline that has passed already counts as now, behind what is due. Any thread.
   EventId schedule(VirtualTicks deadline, Lane lane, std::function<void()> work);
-  /// False where the event has run, runs or was cancelled. Any thread.
+  /// False if the event has run, runs or was cancelled. Any thread.
   bool cancel(const EventId& event);
 
   /// Runs the work on a background thread from now on, then `whenDone` on the main thread. To be
@@ -53,10 +66,10 @@ class VirtualLoop {
   /// when the loop is shutting down.
   void blockFor(VirtualTicks duration);
 
-  /// Runs the next event, whenever it is due. False where there is none. Main thread, as all below.
+  /// Runs the next event, whenever it is due. False if there is none. Main thread, as all below.
   bool step();
   /// Runs all that falls due up to and including that time, which is the time afterwards. (It is
-  /// later where an event pumped the loop further.)
+  /// later if an event pumped the loop further.)
   void runUntil(VirtualTicks time);
   /// Runs all that is due now, and what that makes due now.
   void runUntilIdleNow() { runUntil(now_); }

@@ -22,7 +22,7 @@ class DeviceNotification final : public Observation {
   DeviceNotification& operator=(const DeviceNotification&) = delete;
   ~DeviceNotification() override;
 
-  /// False where IOKit refuses; the notification is then of no use.
+  /// False if IOKit refuses; the notification then never calls.
   bool arm();
 
  private:
@@ -49,7 +49,7 @@ bool DeviceNotification::arm() {
     return false;
   }
   IONotificationPortSetDispatchQueue(port_, dispatch_get_main_queue());
-  // The call takes over the matching dictionary, also where it fails.
+  // The call consumes the matching dictionary, even if it fails.
   const kern_return_t result = IOServiceAddMatchingNotification(port_, kIOFirstMatchNotification,
                                                                 IOServiceMatching("IOHIDDevice"),
                                                                 devicesMatched, this, &iterator_);

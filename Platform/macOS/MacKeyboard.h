@@ -13,7 +13,7 @@ namespace zephlin {
 class MacHidDevices final : public HidDevices {
  public:
   std::unique_ptr<Observation> observeDeviceAppeared(std::function<void()> callback) override;
-  /// On failure, the IOReturn of IOHIDManagerOpen: kIOReturnNotPermitted (0xe00002e2) where the
+  /// On failure, the IOReturn of IOHIDManagerOpen: kIOReturnNotPermitted (0xe00002e2) if the
   /// user has not allowed Input Monitoring.
   std::variant<std::unique_ptr<Observation>, std::int32_t> openCapsLockKey(
       std::function<void(bool isDown)> callback) override;

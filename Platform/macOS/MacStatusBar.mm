@@ -12,7 +12,7 @@ namespace zephlin {
 
 namespace {
 
-/// Nil where the system has no such symbol.
+/// Nil if the system has no such symbol.
 NSImage* loadSymbol(const std::string& name, const std::string& accessibilityDescription) {
   return [NSImage imageWithSystemSymbolName:nativeText(name)
                    accessibilityDescription:nativeText(accessibilityDescription)];

@@ -13,8 +13,8 @@
 
 namespace zephlin {
 
-/// Sparkle's standard updater, started. In a copy without Sparkle.framework, checking says that it
-/// has no updater.
+/// Sparkle's standard updater, started. Without Sparkle.framework in the bundle, checking shows an
+/// alert that says that this copy has no updater.
 std::unique_ptr<Updater> makeMacUpdater();
 
 /// The object behind an updater of this platform, to which menu items send their action. Lives as

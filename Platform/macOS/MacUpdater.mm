@@ -51,7 +51,7 @@ class MacUpdater final : public Updater {
   Retained<Controller> controller_;
 };
 
-/// Nil where the bundle has no Sparkle.
+/// Nil if the bundle has no Sparkle.
 Class sparkleControllerClass() {
   NSString* const frameworks = [[NSBundle mainBundle] privateFrameworksPath];
   NSBundle* const sparkle =

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "Platform/Simulated/SimulatedHidutil.h"
-#include "Platform/Simulated/VirtualTime.h"
+#include "Platform/Simulated/VirtualLoop.h"
 
 namespace zephlin {
 
