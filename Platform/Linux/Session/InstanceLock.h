@@ -11,7 +11,7 @@ namespace zephlin {
 /// runtime directory, which only the user can write to (XDG Base Directory).
 std::string instanceLockPath(std::string_view bundleIdentifier);
 
-/// That lock.
+/// A write lock on a whole file, for fcntl.
 struct flock wholeFileLock();
 
 }  // namespace zephlin

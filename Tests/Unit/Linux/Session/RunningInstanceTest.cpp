@@ -17,6 +17,14 @@ namespace {
 
 using test::TestProcess;
 
+const test::Outcome handedOver{0, "", "handed over\n"};
+
+/// A process that has become the instance.
+class Instance : public TestProcess {
+ public:
+  Instance() : TestProcess({SESSION_PROGRAM, "instance"}) { waitForErrors("instance\n"); }
+};
+
 class RunningInstanceTest : public testing::Test {
  protected:
   RunningInstanceTest() {
@@ -33,28 +41,23 @@ class RunningInstanceTest : public testing::Test {
 };
 
 TEST_F(RunningInstanceTest, TheFirstIsTheInstanceAndTheNextOnesAskItToComeForward) {
-  TestProcess first = start();
-  first.waitForErrors("instance\n");
-  EXPECT_EQ(start().wait(), (test::Outcome{0, "", "handed over\n"}));
+  Instance first;
+  EXPECT_EQ(start().wait(), handedOver);
   first.waitForErrors("instance\nactivated\n");
-  EXPECT_EQ(start().wait(), (test::Outcome{0, "", "handed over\n"}));
+  EXPECT_EQ(start().wait(), handedOver);
   first.waitForErrors("instance\nactivated\nactivated\n");
 }
 
 TEST_F(RunningInstanceTest, TheCommandLineToolSeesTheInstance) {
-  TestProcess first = start();
-  first.waitForErrors("instance\n");
+  Instance first;
   const auto running = runningApplicationsWithBundleIdentifier("com.quorvenel.zephlin");
   ASSERT_EQ(running.size(), 1U);
   EXPECT_EQ(running.front().processIdentifier, first.id());
 }
 
 TEST_F(RunningInstanceTest, AKilledInstanceIsFollowedByTheNextStart) {
-  {
-    TestProcess first = start();
-    first.waitForErrors("instance\n");
-  }
-  start().waitForErrors("instance\n");
+  Instance();
+  Instance();
 }
 
 TEST_F(RunningInstanceTest, OfTwoStartedAtOnceOneBecomesTheInstanceAndIsAskedByTheOther) {
@@ -66,15 +69,14 @@ TEST_F(RunningInstanceTest, OfTwoStartedAtOnceOneBecomesTheInstanceAndIsAskedByT
     const auto running = runningApplicationsWithBundleIdentifier("com.quorvenel.zephlin");
     ASSERT_EQ(running.size(), 1U);
     const bool isOne = running.front().processIdentifier == one.id();
-    EXPECT_EQ((isOne ? other : one).wait(), (test::Outcome{0, "", "handed over\n"}));
+    EXPECT_EQ((isOne ? other : one).wait(), handedOver);
     (isOne ? one : other).waitForErrors("instance\nactivated\n");
   }
 }
 
 TEST_F(RunningInstanceTest, AnInstanceThatCannotBeAskedIsNamed) {
   ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent", 1);
-  TestProcess first = start();
-  first.waitForErrors("instance\n");
+  Instance first;
   EXPECT_EQ(start().wait(), (test::Outcome{0, "",
                                            "Zephlin: already running (process " +
                                                std::to_string(first.id()) + ")\nhanded over\n"}));
@@ -83,12 +85,11 @@ TEST_F(RunningInstanceTest, AnInstanceThatCannotBeAskedIsNamed) {
 TEST_F(RunningInstanceTest, TheLockDecidesAndNotTheNameOnTheBus) {
   TestProcess stranger({SESSION_PROGRAM, "stranger"});
   stranger.waitForErrors("stranger\n");
-  TestProcess first = start();
-  first.waitForErrors("instance\n");
+  Instance first;
   TestProcess second = start();
   ::usleep(300000);  // Enough for a message to the stranger, if one were sent.
   stranger.send(SIGTERM);
-  EXPECT_EQ(second.wait(), (test::Outcome{0, "", "handed over\n"}));
+  EXPECT_EQ(second.wait(), handedOver);
   first.waitForErrors("activated\n");
 }
 
@@ -110,8 +111,7 @@ TEST_F(RunningInstanceTest, APipeInPlaceOfTheLockFileIsNotLocked) {
 }
 
 TEST_F(RunningInstanceTest, OtherCallsOfTheInterfaceDoNoHarm) {
-  TestProcess first = start();
-  first.waitForErrors("instance\n");
+  Instance first;
   EXPECT_EQ(test::run({SESSION_PROGRAM, "caller"}).errors, "answered\nanswered\nrefused\n");
   EXPECT_EQ(start().wait().errors, "handed over\n");
   first.waitForErrors("instance\nactivated\nactivated\n");

@@ -12,6 +12,8 @@
 #include <QDBusMessage>
 #include <QWidget>
 #include <cstdio>
+#include <functional>
+#include <map>
 #include <string>
 
 #include "Platform/Linux/Session/LinuxSystemLog.h"
@@ -79,21 +81,13 @@ int runUntilDisplayIsGone(SystemLog& log) {
 int main(int argc, char* argv[]) {
   QApplication application(argc, argv);
   LinuxSystemLog log;
-  const std::string mode = argc > 1 ? argv[1] : "";
-  if (mode == "instance") {
-    return runInstance(log);
-  }
-  if (mode == "stranger") {
-    return runStranger();
-  }
-  if (mode == "caller") {
-    return callOthers();
-  }
-  if (mode == "quit-signals") {
-    return runUntilSignal();
-  }
-  if (mode == "display") {
-    return runUntilDisplayIsGone(log);
-  }
-  return 64;
+  const std::map<std::string, std::function<int()>> modes{
+      {"instance", [&log] { return runInstance(log); }},
+      {"stranger", runStranger},
+      {"caller", callOthers},
+      {"quit-signals", runUntilSignal},
+      {"display", [&log] { return runUntilDisplayIsGone(log); }},
+  };
+  const auto mode = modes.find(argc > 1 ? argv[1] : "");
+  return mode == modes.end() ? 64 : mode->second();
 }
