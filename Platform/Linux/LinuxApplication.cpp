@@ -5,6 +5,9 @@
 #include <QMetaObject>
 #include <QWidget>
 #include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "Platform/Linux/Watching/WindowSystem.h"
@@ -14,7 +17,7 @@ namespace zephlin {
 
 namespace {
 
-/// Qt ends the process where it finds no display, unless it is told not to look for one.
+/// Qt ends the process if it finds no display, unless it is told not to look for one.
 int& withReachableDisplay(int& argc) {
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && !isDisplayReachable()) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -22,15 +25,15 @@ int& withReachableDisplay(int& argc) {
   return argc;
 }
 
-/// Every option just starts the application. Qt would take those that it knows, and end the process
-/// at one that it cannot follow.
+/// Every option just starts the application. Qt would use the ones it knows, and end the process at
+/// one that it cannot follow.
 int& withoutOptions(int& argc) {
   argc = std::min(argc, 1);
   return argc;
 }
 
-/// An icon of the desktop's theme that is looked for when the first window needs it: Qt reads whole
-/// themes to find one.
+/// An icon of the desktop's theme, looked up when the first window needs it: Qt reads whole themes
+/// to find one.
 class ThemeIconEngine final : public QIconEngine {
  public:
   explicit ThemeIconEngine(QString name) : name_(std::move(name)) {}
@@ -109,6 +112,16 @@ void LinuxApplication::run() {
 void LinuxApplication::terminate() {
   isTerminating_ = true;
   QApplication::exit(0);
+}
+
+std::optional<std::string> LinuxProcessInfo::environmentVariable(const std::string& name) const {
+  const char* const value = std::getenv(name.c_str());
+  return value == nullptr ? std::nullopt : std::optional<std::string>(value);
+}
+
+std::string LinuxProcessInfo::mainBundlePath() const {
+  std::error_code error;
+  return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
 }
 
 }  // namespace zephlin

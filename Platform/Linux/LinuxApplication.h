@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "Platform/Application.h"
 
@@ -21,18 +23,18 @@ class LinuxApplication final : public Application {
     std::function<void()> loopHasEnded;
   };
 
-  /// Connects to the display. Where there is none it runs without: isDisplayed() tells.
+  /// Connects to the display, or runs without one (isDisplayed).
   LinuxApplication(int& argc, char** argv);
 
   void setServices(Services services) { services_ = std::move(services); }
   [[nodiscard]] bool isDisplayed() const;
   /// Whether terminate() was called.
   [[nodiscard]] bool isTerminating() const { return isTerminating_; }
-  /// The user has started the application once more.
+  /// The user has started the application again.
   void reopen();
 
   void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
-  /// The desktop shows an accessory as nothing but its windows, which is what Qt does by itself.
+  /// Does nothing: Qt shows only the windows of any application.
   void becomeAccessory() override {}
   void setMainMenu(std::shared_ptr<Menu> menu) override;
   bool handOverToRunningInstance() override { return services_.handOverToRunningInstance(); }
@@ -46,6 +48,15 @@ class LinuxApplication final : public Application {
   std::weak_ptr<ApplicationDelegate> delegate_;
   Services services_;
   bool isTerminating_ = false;
+};
+
+class LinuxProcessInfo final : public ProcessInfo {
+ public:
+  [[nodiscard]] std::optional<std::string> environmentVariable(
+      const std::string& name) const override;
+  /// The folder of the running executable itself, not of a link to it. Empty if /proc is not
+  /// mounted.
+  [[nodiscard]] std::string mainBundlePath() const override;
 };
 
 }  // namespace zephlin

@@ -47,8 +47,8 @@ std::unique_ptr<Updater> LinuxPlatform::makeStartedUpdater() {
   return std::make_unique<LinuxUpdater>(alerts_);
 }
 
-// To wait for a run of hidutil would keep the process, its icon gone, for as long as that hangs.
-// All that has to last is in files by now.
+// Waiting for a run of hidutil that hangs would keep the process alive without its icon. Everything
+// that has to last is in files by now.
 void LinuxPlatform::leaveWork() {
   if (!dispatch_.abandonSerialQueues()) {
     std::_Exit(EXIT_SUCCESS);

@@ -3,17 +3,14 @@
 #include <memory>
 
 #include "Platform/Linux/LinuxApplication.h"
-#include "Platform/Linux/LinuxClock.h"
 #include "Platform/Linux/LinuxDispatch.h"
-#include "Platform/Linux/LinuxProcessInfo.h"
 #include "Platform/Linux/Session/AutostartLoginService.h"
 #include "Platform/Linux/Session/JsonUserDefaults.h"
 #include "Platform/Linux/Session/LinuxSystemLog.h"
 #include "Platform/Linux/Session/RunningInstance.h"
 #include "Platform/Linux/Session/SessionEnd.h"
 #include "Platform/Linux/StatusItem/QtStatusBar.h"
-#include "Platform/Linux/Watching/LinuxEventTaps.h"
-#include "Platform/Linux/Watching/LinuxHidDevices.h"
+#include "Platform/Linux/Watching/LinuxKeyboard.h"
 #include "Platform/Linux/Watching/LogindWorkspace.h"
 #include "Platform/Linux/Windows/KeyEquivalents.h"
 #include "Platform/Linux/Windows/QtAlertPresenter.h"

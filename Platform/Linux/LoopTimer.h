@@ -9,8 +9,8 @@
 
 namespace zephlin {
 
-/// A repeating timer of Qt's event loop. Ticks are due at whole intervals from its start, however
-/// late one of them was; those that were missed altogether are left out. Main thread.
+/// A repeating timer of Qt's event loop. Ticks are due at whole intervals from its start, even if
+/// one of them was late; missed ticks are left out. Main thread.
 class LoopTimer final : public Timer {
  public:
   LoopTimer(Seconds interval, Seconds tolerance, std::function<void()> tick);
@@ -31,9 +31,9 @@ class LoopTimer final : public Timer {
   QTimer timer_;
 };
 
-/// When a timer that is due at `due` and may be late by `tolerance` fires, in monotonic time: at
-/// the first whole multiple of its tolerance, so that timers of all programs that do the same wake
-/// the machine together.
+/// When a timer fires that is due at `due` and may be late by `tolerance`, in monotonic time: at
+/// the first whole multiple of the tolerance, so that the timers of all programs that do the same
+/// wake the machine together.
 std::chrono::nanoseconds coalescedFireTime(std::chrono::nanoseconds due,
                                            std::chrono::nanoseconds tolerance);
 

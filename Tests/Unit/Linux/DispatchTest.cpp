@@ -13,8 +13,8 @@
 #include <thread>
 #include <vector>
 
+#include "Platform/Linux/LinuxApplication.h"
 #include "Platform/Linux/LinuxDispatch.h"
-#include "Platform/Linux/LinuxProcessInfo.h"
 #include "Platform/Linux/LoopTimer.h"
 
 namespace zephlin {

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <string>
 
-#include "Platform/Linux/Watching/LinuxEventTaps.h"
+#include "Platform/Linux/Watching/LinuxKeyboard.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 namespace zephlin {

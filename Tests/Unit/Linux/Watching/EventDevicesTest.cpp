@@ -11,8 +11,7 @@
 #include <vector>
 
 #include "Platform/Linux/Watching/EventDevices.h"
-#include "Platform/Linux/Watching/LinuxEventTaps.h"
-#include "Platform/Linux/Watching/LinuxHidDevices.h"
+#include "Platform/Linux/Watching/LinuxKeyboard.h"
 #include "Tests/Support/QtLoop.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Unit/Linux/Watching/Support/MockedDevices.h"

@@ -6,7 +6,7 @@
 #include <variant>
 #include <vector>
 
-#include "Platform/Linux/Watching/LinuxHidDevices.h"
+#include "Platform/Linux/Watching/LinuxKeyboard.h"
 #include "Platform/Linux/Watching/X11Keyboard.h"
 #include "Tests/Support/PrivateXServer.h"
 #include "Tests/Support/QtLoop.h"

@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "Platform/Linux/Watching/LinuxEventTaps.h"
+#include "Platform/Linux/Watching/LinuxKeyboard.h"
 #include "Platform/Linux/Watching/X11Keyboard.h"
 #include "Tests/Support/PrivateXServer.h"
 #include "Tests/Support/QtLoop.h"

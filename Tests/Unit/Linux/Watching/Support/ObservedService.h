@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "Platform/Linux/Watching/LinuxHidDevices.h"
+#include "Platform/Linux/Watching/LinuxKeyboard.h"
 #include "Tests/Support/FakeService.h"
 #include "Tests/Support/QtLoop.h"
 #include "Tests/Support/TemporaryDirectory.h"

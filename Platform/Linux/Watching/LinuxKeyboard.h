@@ -12,6 +12,8 @@
 
 namespace zephlin {
 
+class X11KeyboardState;
+
 /// udev reports HID devices of every kind that appear; the keyboard service also reports keyboards
 /// that are not HID devices. Neither needs to run when an observation begins; it waits for both, at
 /// no cost while nothing happens. A keyboard service that starts during an observation counts as an
@@ -33,6 +35,34 @@ class LinuxHidDevices final : public HidDevices {
   WindowSystem desktop_;
   std::function<bool()> holdsInputBack_;
   std::string socketPath_;
+};
+
+/// Changes of modifiers. Under X11 they come from the X server's keyboard state, with Control as the
+/// command key. Under Wayland only Caps Lock is known, from the keyboards' LEDs, which the compositor
+/// sets: changes only if the user may read the event devices, the first one preceded by the state
+/// before it; the current state in any case.
+class LinuxEventTaps final : public EventTaps {
+ public:
+  static constexpr const char* systemLedFolder = "/sys/class/leds";
+
+  /// `holdsInputBack` returns whether a menu of this process is open or an alert is modal.
+  LinuxEventTaps(WindowSystem desktop, std::function<bool()> holdsInputBack,
+                 std::string ledFolder = systemLedFolder);
+  LinuxEventTaps(const LinuxEventTaps&) = delete;
+  LinuxEventTaps& operator=(const LinuxEventTaps&) = delete;
+  ~LinuxEventTaps() override;
+
+  std::unique_ptr<Observation> listenToFlagsChanged(
+      std::function<void(ModifierFlags flags)> callback) override;
+  /// No flags if they cannot be read.
+  ModifierFlags currentModifierFlags() override;
+
+ private:
+  WindowSystem desktop_;
+  std::function<bool()> holdsInputBack_;
+  std::string ledFolder_;
+  /// Kept between readings, which may come every few milliseconds.
+  std::unique_ptr<X11KeyboardState> x11State_;
 };
 
 }  // namespace zephlin
