@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <new>
+
 #include "Platform/Workspace.h"
 #include "Tests/Unit/ZephlinCore/FakeRunner.h"
 #include "Zephlin/ZephlinCLI.h"
@@ -11,6 +13,7 @@ namespace {
 constexpr int ownIdentifier = 100;
 std::vector<RunningApplication> runningInstances;
 std::string askedFor;
+bool lookupFails = false;
 
 }  // namespace
 
@@ -18,6 +21,9 @@ std::string askedFor;
 std::vector<RunningApplication> runningApplicationsWithBundleIdentifier(
     std::string_view bundleIdentifier) {
   askedFor = bundleIdentifier;
+  if (lookupFails) {
+    throw std::bad_alloc();
+  }
   return runningInstances;
 }
 
@@ -35,6 +41,7 @@ class ZephlinCLITest : public testing::Test {
     FakeRunner::shared() = {};
     runningInstances.clear();
     askedFor.clear();
+    lookupFails = false;
   }
 
   std::string restoreWhile(std::vector<RunningApplication> instances) {
@@ -76,6 +83,16 @@ TEST_F(ZephlinCLITest, AProcessThatFindsItselfFirstGivesNoNote) {
 
 TEST_F(ZephlinCLITest, OnlyTheFirstInstanceIsExamined) {
   EXPECT_EQ(restoreWhile({{200}, {ownIdentifier}}), report_ + note_);
+}
+
+TEST_F(ZephlinCLITest, AFailureAfterTheWorkDoesNotFollowAReportOfSuccess) {
+  lookupFails = true;
+  FakeRunner::shared().results = {{0, false, ""}};
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(ZephlinCLI::run("restore"), 1);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "restore failed: std::bad_alloc\n");
 }
 
 TEST_F(ZephlinCLITest, StatusDoesNotLookForInstances) {
