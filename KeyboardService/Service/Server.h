@@ -66,6 +66,7 @@ class Server {
   Server(EventLoop& loop, FileDescriptor listening, RequestHandler& handler, ServerLimits limits);
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
+  ~Server() = default;
 
   /// Sends a notice to every subscribed connection.
   void announce(const AppearedNotice& notice);
