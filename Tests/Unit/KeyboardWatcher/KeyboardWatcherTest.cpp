@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <variant>
@@ -116,6 +117,10 @@ struct History {
   Times calls;
   double end = 299.9;
 };
+
+void PrintTo(const History& history, std::ostream* out) {
+  *out << history.name;
+}
 
 class KeyboardWatcherHistoryTest : public KeyboardWatcherTest,
                                    public testing::WithParamInterface<History> {};

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <ostream>
 #include <string>
 
 #include "Tests/Unit/KeyboardWatcher/OpenMenu.h"
@@ -190,6 +191,10 @@ struct LatencyCase {
   VirtualTicks delay;
   std::int64_t milliseconds;
 };
+
+void PrintTo(const LatencyCase& latency, std::ostream* out) {
+  *out << latency.name;
+}
 
 class TapLatencyTest : public TapCounts, public testing::WithParamInterface<LatencyCase> {};
 
