@@ -130,6 +130,17 @@ class Names(unittest.TestCase):
                     with self.subTest(page=page, name=name, path=path):
                         self.assertRegex(read(path), rf"\b{name.removesuffix('()')}\b")
 
+    def test_tests_are_there(self):
+        tests = "\n".join(path.read_text() for path in (ROOT / "Tests").rglob("*")
+                          if path.suffix == ".cpp" or path.name == "CMakeLists.txt")
+        commands = "\n".join(command.text for block in document("CONTRIBUTING.md").blocks()
+                             for command in block.commands)
+        names = re.findall(r"(?: -R |--gtest_filter='\*?)(\w+)", commands)
+        self.assertTrue(names)
+        for name in names:
+            with self.subTest(name=name):
+                self.assertTrue(name in tests)
+
     def test_messages_are_in_the_code(self):
         texts = [text for path, text in SOURCES.items() if ROOT / "Tests" not in path.parents]
         code = re.sub(r'\)?"\s*(R"\()?"?', "", "\n".join(texts)) + os.strerror(errno.ENOENT)
