@@ -105,7 +105,9 @@ class Box : public View {
   void accept(ViewVisitor& visitor) final { visitor.visit(*this); }
 
   /// Adds a child whose edges are these distances inside this view's.
-  void addSubview(std::shared_ptr<View> child, const EdgeInsets& insets);
+  void addSubview(std::shared_ptr<View> child, const EdgeInsets& insets) {
+    subviews_.push_back({std::move(child), insets});
+  }
   [[nodiscard]] const std::vector<Subview>& subviews() const { return subviews_; }
 
   /// Called by the platform before it shows the layer of a box that needs display.
@@ -137,9 +139,15 @@ class Label final : public View {
   void accept(ViewVisitor& visitor) override { visitor.visit(*this); }
 
   [[nodiscard]] const std::string& text() const { return text_; }
-  void setText(std::string text);
+  void setText(std::string text) {
+    text_ = std::move(text);
+    needsDisplay = true;
+  }
   [[nodiscard]] Color textColor() const { return textColor_; }
-  void setTextColor(Color color);
+  void setTextColor(Color color) {
+    textColor_ = color;
+    needsDisplay = true;
+  }
 
   const Style style;
 
@@ -181,7 +189,9 @@ class StackView final : public View {
 
   /// A custom spacing replaces the layout's behind this view.
   void addArrangedSubview(std::shared_ptr<View> view,
-                          std::optional<double> customSpacing = std::nullopt);
+                          std::optional<double> customSpacing = std::nullopt) {
+    arranged_.push_back({std::move(view), customSpacing.value_or(layout.spacing)});
+  }
 
   struct Arranged {
     std::shared_ptr<View> view;

@@ -1,9 +1,8 @@
-#include "Zephlin/RunApplication.h"
-
 #include <memory>
 
 #include "Zephlin/AppDelegate.h"
 #include "Zephlin/MainMenu.h"
+#include "Zephlin/StartApplication.h"
 
 namespace zephlin {
 

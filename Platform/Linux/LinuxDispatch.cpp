@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <QMetaObject>
-#include <QTimer>
 #include <algorithm>
 #include <condition_variable>
 #include <csignal>
@@ -17,7 +16,6 @@
 #include <utility>
 
 #include "Base/FileDescriptor.h"
-#include "Platform/Linux/LoopTimer.h"
 
 extern "C" {
 #include <sys/pidfd.h>  // glibc 2.36 leaves the linkage to C++.
@@ -27,8 +25,14 @@ namespace zephlin {
 
 namespace {
 
+using std::chrono::nanoseconds;
+
 /// The kernel keeps this much of a thread's name (pthread_setname_np(3)).
 constexpr std::size_t threadNameLength = 15;
+
+nanoseconds monotonicNow() {
+  return std::chrono::steady_clock::now().time_since_epoch();
+}
 
 /// Sends SIGTERM to the child processes that a thread has made.
 void endChildren(pid_t thread) {
@@ -167,6 +171,40 @@ void LinuxMainQueue::postAfter(Seconds delay, std::function<void()> work) {
   const Seconds wait = std::max(delay, Seconds::zero());
   QTimer::singleShot(std::chrono::ceil<std::chrono::milliseconds>(wait), Qt::PreciseTimer,
                      &context_, std::move(work));
+}
+
+nanoseconds coalescedFireTime(nanoseconds due, nanoseconds tolerance) {
+  if (tolerance <= nanoseconds::zero()) {
+    return due;
+  }
+  const nanoseconds beyond = due % tolerance;
+  return beyond == nanoseconds::zero() ? due : due - beyond + tolerance;
+}
+
+LoopTimer::LoopTimer(Seconds interval, Seconds tolerance, std::function<void()> tick)
+    : interval_(std::chrono::duration_cast<nanoseconds>(interval)),
+      tolerance_(std::chrono::duration_cast<nanoseconds>(tolerance)),
+      tick_(std::move(tick)),
+      due_(monotonicNow() + interval_) {
+  // Qt's coarse timers may be early.
+  timer_.setTimerType(Qt::PreciseTimer);
+  timer_.setSingleShot(true);
+  QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { fire(); });
+  arm();
+}
+
+void LoopTimer::arm() {
+  const nanoseconds wait = coalescedFireTime(due_, tolerance_) - monotonicNow();
+  timer_.start(std::chrono::ceil<std::chrono::milliseconds>(std::max(wait, nanoseconds::zero())));
+}
+
+void LoopTimer::fire() {
+  const nanoseconds now = monotonicNow();
+  due_ += interval_ * (1 + (now - due_) / interval_);
+  arm();
+  // A copy, since the tick may destroy the timer.
+  const std::function<void()> tick = tick_;
+  tick();
 }
 
 LinuxDispatch::LinuxDispatch() = default;

@@ -13,7 +13,6 @@
 #include "Platform/Linux/Watching/LinuxKeyboard.h"
 #include "Platform/Linux/Watching/LogindWorkspace.h"
 #include "Platform/Linux/Windows/KeyEquivalents.h"
-#include "Platform/Linux/Windows/QtAlertPresenter.h"
 #include "Platform/Linux/Windows/QtWindowServer.h"
 #include "Platform/Platform.h"
 

@@ -3,8 +3,11 @@
 #import <AppKit/AppKit.h>
 
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "Platform/Menu.h"
+#include "Platform/StatusBar.h"
 #import "Platform/macOS/Retained.h"
 
 /// Has the portable menu's delegate fill it, and the native menu after it, before it opens.
@@ -33,6 +36,14 @@ class MacMenu {
   std::shared_ptr<Menu> menu_;
   Retained<NSMenu*> nativeMenu_;
   Retained<ZephlinMenuDelegate*> delegate_;
+};
+
+/// The system's status bar, with SF Symbols.
+class MacStatusBar final : public StatusBar {
+ public:
+  std::unique_ptr<StatusItem> makeStatusItem() override;
+  std::optional<SymbolImage> systemSymbol(const std::string& name,
+                                          const std::string& accessibilityDescription) override;
 };
 
 }  // namespace zephlin

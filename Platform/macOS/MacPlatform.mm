@@ -4,10 +4,10 @@
 #import "Platform/macOS/MacApplication.h"
 #import "Platform/macOS/MacDispatch.h"
 #import "Platform/macOS/MacKeyboard.h"
+#import "Platform/macOS/MacMenu.h"
 #import "Platform/macOS/MacServices.h"
-#import "Platform/macOS/MacStatusBar.h"
 #import "Platform/macOS/MacUpdater.h"
-#import "Platform/macOS/MacWindows.h"
+#import "Platform/macOS/NativeViews.h"
 #import "Platform/macOS/Retained.h"
 
 namespace zephlin {

@@ -1,5 +1,3 @@
-#import "Platform/macOS/MacStatusBar.h"
-
 #import <AppKit/AppKit.h>
 
 #include <utility>

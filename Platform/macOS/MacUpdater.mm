@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#import "Platform/macOS/MacWindows.h"
+#import "Platform/macOS/NativeViews.h"
 #import "Platform/macOS/Retained.h"
 
 /// How a controller of Sparkle's is made. Its class is found when the program runs, so that it

@@ -1,5 +1,3 @@
-#import "Platform/macOS/MacWindows.h"
-
 #import <AppKit/AppKit.h>
 
 #include <utility>

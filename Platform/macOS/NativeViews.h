@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Platform/Views.h"
+#include "Platform/Window.h"
 #import "Platform/macOS/Bridge.h"
 #import "Platform/macOS/Retained.h"
 
@@ -43,6 +44,17 @@ class NativeViews final : private ViewVisitor {
   Retained<NSView*> made_;
   Retained<NSArray*> pins_;
   Retained<NSView*> root_;
+};
+
+class MacWindows final : public WindowServer {
+ public:
+  std::unique_ptr<Window> makeWindow(const WindowDescription& description,
+                                     std::shared_ptr<View> contentView) override;
+};
+
+class MacAlerts final : public AlertPresenter {
+ public:
+  void runModal(const Alert& alert) override;
 };
 
 }  // namespace zephlin

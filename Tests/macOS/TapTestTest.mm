@@ -2,7 +2,7 @@
 #import "Support/Mac.h"
 #include "Tests/Support/EnvironmentVariable.h"
 #include "Tests/Support/TemporaryDirectory.h"
-#include "Zephlin/RunApplication.h"
+#include "Zephlin/StartApplication.h"
 
 namespace zephlin::test {
 namespace {

@@ -114,7 +114,7 @@ bool RunningInstance::becomeTheInstance() {
       return false;
     }
     if (reply == InstanceReply::Unreachable || std::chrono::steady_clock::now() >= deadline) {
-      log_.log("Zephlin: already running (process " + std::to_string(*holder) + ")");
+      log_.log("Zephlin: already running with PID " + std::to_string(*holder));
       return false;
     }
     std::this_thread::sleep_for(pause);

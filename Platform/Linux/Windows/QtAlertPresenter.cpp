@@ -1,9 +1,8 @@
-#include "Platform/Linux/Windows/QtAlertPresenter.h"
-
 #include <QApplication>
 #include <QIcon>
 #include <QPushButton>
 
+#include "Platform/Linux/Windows/QtWindowServer.h"
 #include "Platform/Linux/Windows/ViewRealiser.h"
 
 namespace zephlin {

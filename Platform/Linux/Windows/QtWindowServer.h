@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QList>
+#include <QMessageBox>
+#include <QPointer>
 #include <QWidget>
 #include <memory>
 
@@ -23,5 +25,17 @@ class QtWindowServer final : public WindowServer {
 /// The windows that the user sees and can open again. Leaves out menus and the icon in an XEmbed
 /// tray, which Qt shows in a window of its own. Main thread.
 QList<QWidget*> shownWindows();
+
+/// Alerts as Qt's message boxes, above all other windows. Needs a QApplication while it is used.
+/// Main thread.
+class QtAlertPresenter final : public AlertPresenter {
+ public:
+  /// Also returns when the user closes or hides the alert, and when the application quits. If an
+  /// alert is already shown, brings that one to the front and returns at once.
+  void runModal(const Alert& alert) override;
+
+ private:
+  QPointer<QMessageBox> shown_;
+};
 
 }  // namespace zephlin

@@ -15,7 +15,6 @@
 
 #include "Platform/Linux/LinuxApplication.h"
 #include "Platform/Linux/LinuxDispatch.h"
-#include "Platform/Linux/LoopTimer.h"
 
 namespace zephlin {
 namespace {

@@ -8,7 +8,7 @@
 #include "Platform/Simulated/SimulatedDesktop.h"
 #include "Tests/Support/DelegatingPlatform.h"
 #include "Zephlin/AppDelegate.h"
-#include "Zephlin/RunApplication.h"
+#include "Zephlin/StartApplication.h"
 
 namespace zephlin {
 namespace {

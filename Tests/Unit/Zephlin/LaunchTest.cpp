@@ -9,7 +9,7 @@
 #include "Tests/Support/Files.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Unit/Zephlin/AppDelegateFixture.h"
-#include "Zephlin/RunApplication.h"
+#include "Zephlin/StartApplication.h"
 
 namespace zephlin {
 namespace {

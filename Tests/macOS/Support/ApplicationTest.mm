@@ -1,7 +1,7 @@
 #import "Support/ApplicationTest.h"
 
 #import "Support/Mac.h"
-#include "Zephlin/RunApplication.h"
+#include "Zephlin/StartApplication.h"
 
 namespace zephlin::test {
 

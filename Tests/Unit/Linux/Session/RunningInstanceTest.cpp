@@ -78,8 +78,8 @@ TEST_F(RunningInstanceTest, AnInstanceThatCannotBeAskedIsNamed) {
   ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent", 1);
   Instance first;
   EXPECT_EQ(start().wait(), (test::Outcome{0, "",
-                                           "Zephlin: already running (process " +
-                                               std::to_string(first.id()) + ")\nhanded over\n"}));
+                                           "Zephlin: already running with PID " +
+                                               std::to_string(first.id()) + "\nhanded over\n"}));
 }
 
 TEST_F(RunningInstanceTest, TheLockDecidesAndNotTheNameOnTheBus) {

@@ -8,7 +8,7 @@
 #include <QTimer>
 #include <functional>
 
-#include "Platform/Linux/Windows/QtAlertPresenter.h"
+#include "Platform/Linux/Windows/QtWindowServer.h"
 #include "Platform/Simulated/SimulatedDesktop.h"
 #include "Tests/Support/DelegatingPlatform.h"
 #include "Zephlin/About.h"

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "Platform/Linux/Windows/KeyEquivalents.h"
-#include "Platform/Linux/Windows/QtAlertPresenter.h"
+#include "Platform/Linux/Windows/QtWindowServer.h"
 #include "Platform/Simulated/SimulatedDesktop.h"
 #include "Tests/Unit/Linux/Windows/TreeFixture.h"
 #include "Zephlin/MainMenu.h"
