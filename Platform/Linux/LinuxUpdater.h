@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Window.h"
 #include "Platform/Services.h"
+#include "Platform/Window.h"
 
 namespace zephlin {
 

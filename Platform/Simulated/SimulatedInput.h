@@ -82,8 +82,8 @@ class SimulatedCapsLockKey {
   SimulatedCapsLockKey(VirtualLoop& loop, SimulatedHidDevices& devices, SimulatedEventTaps& taps)
       : loop_(loop), devices_(devices), taps_(taps) {}
 
-  /// The key goes down. If the press registers, the system's Caps Lock changes after the latency and
-  /// the event taps are called.
+  /// The key goes down. If the press registers, the system's Caps Lock changes after the latency
+  /// and the event taps are called.
   void press(bool registers = true);
   void release();
   void tap(bool registers = true);

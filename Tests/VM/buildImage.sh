@@ -3,7 +3,7 @@
 #
 # Puts "kernel" and "initramfs" into FOLDER: Debian's kernel with the modules for USB keyboards, its
 # udev, a shell, and the files with the libraries that they need. Files of the system keep their
-# place, all others stand in /usr/bin. The kernel's package is downloaded once, by apt-get, and only
+# place; all others go into /usr/bin. The kernel's package is downloaded once, by apt-get, and only
 # unpacked.
 set -euo pipefail
 

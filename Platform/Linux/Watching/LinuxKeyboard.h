@@ -37,10 +37,10 @@ class LinuxHidDevices final : public HidDevices {
   std::string socketPath_;
 };
 
-/// Changes of modifiers. Under X11 they come from the X server's keyboard state, with Control as the
-/// command key. Under Wayland only Caps Lock is known, from the keyboards' LEDs, which the compositor
-/// sets: changes only if the user may read the event devices, the first one preceded by the state
-/// before it; the current state in any case.
+/// Changes of modifiers. Under X11 they come from the X server's keyboard state, with Control as
+/// the command key. Under Wayland only Caps Lock is known, from the keyboards' LEDs, which the
+/// compositor sets: changes only if the user may read the event devices, the first one preceded by
+/// the state before it; the current state in any case.
 class LinuxEventTaps final : public EventTaps {
  public:
   static constexpr const char* systemLedFolder = "/sys/class/leds";
