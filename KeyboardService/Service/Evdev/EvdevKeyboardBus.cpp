@@ -38,11 +38,11 @@ void EvdevKeyboardBus::applyProperties(BusHandle handle, const PropertySet& prop
   Entry& entry = found->second;
   const auto delay = capsLockDelay(properties);
   if (!delay) {
-    entry.rewritten.reset();
-  } else if (entry.rewritten) {
-    entry.rewritten->setRule({*delay, tapGap_});
+    entry.grabbed.reset();
+  } else if (entry.grabbed) {
+    entry.grabbed->setRule({*delay, tapGap_});
   } else {
-    rewrite(handle, entry, {*delay, tapGap_});
+    grab(handle, entry, {*delay, tapGap_});
   }
 }
 
@@ -57,16 +57,16 @@ void EvdevKeyboardBus::disappeared(dev_t number) {
   observer_->keyboardDisappeared(*this, handleOf(number));
 }
 
-void EvdevKeyboardBus::rewrite(BusHandle handle, Entry& entry, CapsLockRule rule) {
+void EvdevKeyboardBus::grab(BusHandle handle, Entry& entry, CapsLockRule rule) {
   const auto ended = [this, handle](GrabbedKeyboard::End end) {
     if (end == GrabbedKeyboard::End::EmergencyChord) {
-      letGoOfAll();
+      releaseAll();
     } else {
-      entries_.at(handle).rewritten.reset();  // The node is removed when udev says so.
+      entries_.at(handle).grabbed.reset();  // The node is removed when udev says so.
     }
   };
   try {
-    entry.rewritten = std::make_unique<GrabbedKeyboard>(loop_, entry.node.path, rule, log_, ended);
+    entry.grabbed = std::make_unique<GrabbedKeyboard>(loop_, entry.node.path, rule, log_, ended);
   } catch (const std::system_error& error) {
     if (error.code() != std::errc::no_such_device) {
       throw RequestError("cannot watch " + entry.node.path + errnoText(error.code().value()));
@@ -74,12 +74,12 @@ void EvdevKeyboardBus::rewrite(BusHandle handle, Entry& entry, CapsLockRule rule
   }
 }
 
-void EvdevKeyboardBus::letGoOfAll() {
+void EvdevKeyboardBus::releaseAll() {
   log_(
       "Backspace, Enter and Escape were held together: all keyboards are released and their "
       "properties cleared");
   for (auto& [handle, entry] : entries_) {
-    entry.rewritten.reset();
+    entry.grabbed.reset();
     observer_->propertiesDropped(*this, handle);
   }
 }

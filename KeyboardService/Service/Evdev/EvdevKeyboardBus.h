@@ -26,13 +26,13 @@ class EvdevKeyboardBus final : public KeyboardBus {
  private:
   struct Entry {
     KeyboardNode node;
-    std::unique_ptr<GrabbedKeyboard> rewritten;
+    std::unique_ptr<GrabbedKeyboard> grabbed;
   };
 
   void appeared(const KeyboardNode& node);
   void disappeared(dev_t number);
-  void rewrite(BusHandle handle, Entry& entry, CapsLockRule rule);
-  void letGoOfAll();
+  void grab(BusHandle handle, Entry& entry, CapsLockRule rule);
+  void releaseAll();
 
   EventLoop& loop_;
   std::chrono::milliseconds tapGap_;

@@ -12,9 +12,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Several times what a desktop needs to open a new keyboard: what is typed on a clone before that
-/// is lost.
-constexpr std::chrono::milliseconds timeToFindTheClone = 500ms;
+/// Several times what a desktop needs to open a new keyboard: what is typed before that is lost.
+constexpr std::chrono::milliseconds timeToFindUinputKeyboard = 500ms;
 
 constexpr std::chrono::seconds timeBetweenTries = 5s;
 
@@ -59,23 +58,23 @@ GrabbedKeyboard::GrabbedKeyboard(EventLoop& loop, const std::string& path, CapsL
       log_(std::move(log)),
       ended_(std::move(ended)),
       keyboard_(path),
-      clone_(keyboard_),
+      uinput_(keyboard_),
       rewriter_(rule),
       watchKeyboard_(
           loop.watch(keyboard_.descriptor(), EPOLLIN, [this](std::uint32_t) { onKeyboard(); })),
       watchLeds_(
-          loop.watch(clone_.descriptor(), EPOLLIN, [this](std::uint32_t) { onLedEvents(); })),
+          loop.watch(uinput_.descriptor(), EPOLLIN, [this](std::uint32_t) { onLedEvents(); })),
       nextTry_(loop.timer([this] { unlessGone([this] { tryToGrab(); }); })),
       deadline_(loop.timer([this] { onDeadline(); })) {
   for (EventSource* const each : {&watchKeyboard_, &watchLeds_, &deadline_}) {
     each->putFirst();
   }
   watchKeyboard_.disable();
-  nextTry_.setDelay(timeToFindTheClone);
+  nextTry_.setDelay(timeToFindUinputKeyboard);
 }
 
 GrabbedKeyboard::~GrabbedKeyboard() {
-  clone_.write(rewriter_.releaseAll());
+  uinput_.write(rewriter_.releaseAll());
 }
 
 void GrabbedKeyboard::onKeyboard() {
@@ -96,14 +95,14 @@ void GrabbedKeyboard::onDeadline() {
     // What was typed before the deadline may not have been read yet.
     if (rewriteTyped()) {
       onLedEvents();
-      clone_.write(rewriter_.expire(now));
+      uinput_.write(rewriter_.expire(now));
       waitForDeadline();
     }
   });
 }
 
 void GrabbedKeyboard::onLedEvents() {
-  for (const InputEvent& led : clone_.takeLedEvents()) {
+  for (const InputEvent& led : uinput_.takeLedEvents()) {
     setLed(led);
   }
 }
@@ -134,7 +133,7 @@ void GrabbedKeyboard::startRewriting() {
   std::vector<InputEvent> leds = keyboard_.leds();
   std::for_each(leds.begin(), leds.end(), [this](const auto& each) { setLed(each); });
   leds.push_back(endOfFrame);
-  clone_.write(leds);
+  uinput_.write(leds);
 }
 
 /// Returns false after the emergency chord, which has destroyed this object.
@@ -148,7 +147,7 @@ bool GrabbedKeyboard::rewriteTyped() {
     if (isCapsLock(event)) {
       onLedEvents();  // It was pressed with the LED as it is now.
     }
-    clone_.write(rewriter_.take(event, typed->time, now));
+    uinput_.write(rewriter_.take(event, typed->time, now));
     if (endsFrame(event)) {
       // Scan codes come back here as well, and the kernel keeps no more than sixteen events
       // (drivers/input/misc/uinput.c): an LED event would be lost among them.

@@ -58,7 +58,7 @@ class GrabbedKeyboard {
   Log log_;
   std::function<void(End)> ended_;
   PhysicalKeyboard keyboard_;
-  UinputKeyboard clone_;
+  UinputKeyboard uinput_;
   CapsLockRewriter rewriter_;
   EmergencyChord chord_;
   bool isGrabbed_ = false;
