@@ -1,5 +1,6 @@
 #include "Tests/Support/PrivateXServer.h"
 
+#include <array>
 #include <stdexcept>
 
 namespace zephlin::test {
@@ -16,6 +17,12 @@ void PrivateXServer::setKeyboardMap(const std::vector<std::string>& arguments) {
 void PrivateXServer::tap(std::uint8_t keycode) const {
   press(keycode);
   release(keycode);
+}
+
+void PrivateXServer::letRepeat(std::uint8_t keycode) const {
+  const std::array<std::uint32_t, 2> values{keycode, XCB_AUTO_REPEAT_MODE_ON};
+  xcb_change_keyboard_control(connection_->get(), XCB_KB_KEY | XCB_KB_AUTO_REPEAT_MODE,
+                              values.data());
 }
 
 void PrivateXServer::kill() {

@@ -24,6 +24,9 @@ class PrivateXServer {
   void press(std::uint8_t keycode) const { connection_->fakeInput(XCB_KEY_PRESS, keycode); }
   void release(std::uint8_t keycode) const { connection_->fakeInput(XCB_KEY_RELEASE, keycode); }
   void tap(std::uint8_t keycode) const;
+  /// Without this, a further press of a modifier key that is down gives no event, even under a map
+  /// that makes it an ordinary key. Call it after `setKeyboardMap`.
+  void letRepeat(std::uint8_t keycode) const;
   void kill();
 
  private:

@@ -78,6 +78,7 @@ TEST_F(X11CapsLockKeyTest, StaysThatKeyWhenTheMapChanges) {
 
 TEST_F(X11CapsLockKeyTest, CountsARepeatingKeyOnce) {
   server_.setKeyboardMap({"-option", "caps:backspace"});
+  server_.letRepeat(PrivateXServer::capsLock);
   open();
   server_.press(PrivateXServer::capsLock);
   server_.press(PrivateXServer::capsLock);
