@@ -23,6 +23,18 @@ TEST_F(ViewsTest, TheContentIsPinnedAndItsWidthsAreFixedAllAtOnce) {
   EXPECT_EQ([stack edgeInsets].bottom, 16);
 }
 
+TEST_F(ViewsTest, AChildIsInsideItsBoxAtItsInsets) {
+  makeWindow().setContentSizeToFit();
+  NSTextField* const label = find<NSTextField>(nativeContent());
+  const NSSize box = [[label superview] frame].size;
+  const NSRect frame = [label frame];
+  EXPECT_EQ(frame.origin.x, 14);
+  EXPECT_EQ(frame.origin.y, 7);
+  EXPECT_EQ(frame.size.width, box.width - 14 - 10);
+  EXPECT_EQ(frame.size.height, box.height - 9 - 7);
+  EXPECT_GT(frame.size.height, 10);
+}
+
 TEST_F(ViewsTest, ARowSharesItsWidthEquallyWhereItIsToldSo) {
   const auto row = std::make_shared<StackView>(
       StackView::Layout{.orientation = StackView::Orientation::Horizontal,
