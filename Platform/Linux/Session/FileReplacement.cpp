@@ -22,7 +22,7 @@ constexpr auto lockPause = 10ms;
 /// As many as the kernel follows (path_resolution(7)).
 constexpr int maximumLinks = 40;
 /// Of a file that is read: parsing a few hundred megabytes takes many seconds.
-constexpr std::size_t maximumBytes = std::size_t{1} << 20U;
+constexpr std::size_t maximumFileBytes = std::size_t{1} << 20U;
 
 [[noreturn]] void fail(const std::string& what, const std::string& path, int error = errno) {
   throw std::system_error(error, std::generic_category(), "cannot " + what + " " + path);
@@ -87,7 +87,7 @@ std::optional<std::string> readFile(const std::string& path) {
   ssize_t count = 0;
   while ((count = ::read(file.get(), chunk.data(), chunk.size())) > 0) {
     content.append(chunk.data(), static_cast<std::size_t>(count));
-    if (content.size() > maximumBytes) {
+    if (content.size() > maximumFileBytes) {
       fail("read", path, EFBIG);
     }
   }
