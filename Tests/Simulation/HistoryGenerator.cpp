@@ -1,10 +1,10 @@
-#include "Tests/Simulation/HistoryGenerator.h"
-
 #include <array>
 #include <random>
 #include <span>
 #include <string>
 #include <utility>
+
+#include "Tests/Simulation/History.h"
 
 namespace zephlin {
 

@@ -1,8 +1,8 @@
-#include "Tests/Simulation/HistoryShrinker.h"
-
 #include <algorithm>
 #include <iterator>
 #include <utility>
+
+#include "Tests/Simulation/History.h"
 
 namespace zephlin {
 

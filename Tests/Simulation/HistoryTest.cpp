@@ -6,9 +6,7 @@
 #include <string>
 
 #include "Tests/Simulation/History.h"
-#include "Tests/Simulation/HistoryGenerator.h"
 #include "Tests/Simulation/HistoryRunner.h"
-#include "Tests/Simulation/HistoryShrinker.h"
 
 namespace zephlin {
 namespace {

@@ -11,9 +11,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "Tests/Simulation/HistoryGenerator.h"
 #include "Tests/Simulation/HistoryRunner.h"
-#include "Tests/Simulation/HistoryShrinker.h"
 
 namespace zephlin {
 namespace {
