@@ -1,5 +1,4 @@
-#import "StandIns/AppKit/StatusMenu.h"
-#import "StandIns/AppKit/SymbolImage.h"
+#import "StandIns/AppKit/Shown.h"
 #include "StandIns/CallLog.h"
 #include "StandIns/Knobs.h"
 #import "Support/StandInMac.h"

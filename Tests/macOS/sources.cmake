@@ -6,7 +6,6 @@ set(MAC_TEST_SUPPORT_SOURCES
 set(MAC_APPLICATION_TEST_SOURCES
   LaunchTest.mm
   MenuActionsTest.mm
-  Support/ApplicationTest.mm
   TapTestTest.mm)
 set(MAC_CONTRACT_DESKTOP_SOURCES
   MacContractDesktop.mm

@@ -26,6 +26,26 @@ class Live {
   const char* const kind_;
 };
 
+// For the members of objects of Objective-C, which have no initializers.
+struct LiveStatusItem : Live {
+  LiveStatusItem() : Live("NSStatusItem") {}
+};
+struct LiveSource : Live {
+  LiveSource() : Live("CFRunLoopSource") {}
+};
+struct LivePort : Live {
+  LivePort() : Live("CFMachPort") {}
+};
+struct LiveController : Live {
+  LiveController() : Live("SPUStandardUpdaterController") {}
+};
+struct LiveManager : Live {
+  LiveManager() : Live("IOHIDManager") {}
+};
+struct LiveQueue : Live {
+  LiveQueue() : Live("dispatch_queue") {}
+};
+
 /// The kinds of which there are live objects, with how many.
 std::map<std::string, int> liveObjects();
 

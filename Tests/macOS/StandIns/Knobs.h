@@ -38,6 +38,9 @@ struct Knobs {
   bool imagesCanBeEncoded = true;
 };
 
-Knobs& knobs();
+inline Knobs& knobs() {
+  static Knobs instance;
+  return instance;
+}
 
 }  // namespace standins

@@ -20,8 +20,4 @@ void postInModes(NSArray* modes, std::function<void()> work);
 /// The same after so many seconds. Main thread.
 void postInModesAfter(double seconds, NSArray* modes, std::function<void()> work);
 
-/// Exchanges the body of an instance method, and returns the former one. The class is not yet made
-/// ready by that, so this is allowed while classes are loaded.
-IMP replaceMethod(const char* className, SEL selector, IMP body);
-
 }  // namespace standins

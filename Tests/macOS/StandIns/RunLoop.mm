@@ -1,7 +1,6 @@
 #import "StandIns/RunLoop.h"
 
 #import <AppKit/AppKit.h>
-#include <objc/runtime.h>
 
 #include <utility>
 
@@ -74,11 +73,6 @@ void postInModesAfter(double seconds, NSArray* modes, std::function<void()> work
     [[NSRunLoop mainRunLoop] addTimer:timer forMode:mode];
   }
   [posted release];
-}
-
-IMP replaceMethod(const char* className, SEL selector, IMP body) {
-  const Class owner = static_cast<Class>(objc_getClass(className));
-  return method_setImplementation(class_getInstanceMethod(owner, selector), body);
 }
 
 }  // namespace standins

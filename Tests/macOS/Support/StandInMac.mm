@@ -4,9 +4,7 @@
 #include <utility>
 
 #include "StandIns/Actions.h"
-#import "StandIns/AppKit/ModalAlert.h"
-#import "StandIns/AppKit/StatusMenu.h"
-#import "StandIns/AppKit/SymbolImage.h"
+#import "StandIns/AppKit/Shown.h"
 #include "StandIns/CallLog.h"
 #include "StandIns/Knobs.h"
 #import "StandIns/RunLoop.h"

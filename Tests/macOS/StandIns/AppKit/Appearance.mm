@@ -5,7 +5,7 @@
 
 #import "StandIns/Actions.h"
 #import "StandIns/Knobs.h"
-#import "StandIns/RunLoop.h"
+#import "StandIns/ReplacedMethod.h"
 
 // Some values in place of the system's, so that pictures can be looked at.
 
@@ -29,23 +29,12 @@ NSFont* systemFont(CGFloat size, NSFontWeight weight, bool hasMonospacedDigits) 
   return font;
 }
 
-BOOL isSameFont(id self, SEL selector, id other) {
-  (void)selector;
-  return self == other ? YES : NO;
-}
+const standins::ReplacedMethod<BOOL, id> isSameFont("NSFont",
+                                                    "isEqual:", [](id self, SEL, id other) -> BOOL {
+                                                      return self == other ? YES : NO;
+                                                    });
 
 }  // namespace
-
-@interface StandInFonts : NSObject
-@end
-
-@implementation StandInFonts
-
-+ (void)load {
-  standins::replaceMethod("NSFont", @selector(isEqual:), reinterpret_cast<IMP>(isSameFont));
-}
-
-@end
 
 @implementation NSFont (StandIn)
 
@@ -82,13 +71,9 @@ BOOL isSameFont(id self, SEL selector, id other) {
 
 @end
 
-namespace standins {
-
-void setDark(bool isDark) {
+void standins::setDark(bool isDark) {
   knobs().isDark = isDark;
   for (NSWindow* window in [NSApp windows]) {
     [[window contentView] setNeedsDisplay:YES];
   }
 }
-
-}  // namespace standins

@@ -1,6 +1,6 @@
 #import <AppKit/AppKit.h>
 
-#import "StandIns/AppKit/SymbolImage.h"
+#import "StandIns/AppKit/Shown.h"
 #import "StandIns/AppKit/ViewState.h"
 #import "StandIns/CallLog.h"
 #import "StandIns/Knobs.h"

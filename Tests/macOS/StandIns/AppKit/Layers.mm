@@ -3,7 +3,7 @@
 #import "StandIns/AppKit/ViewState.h"
 #import "StandIns/CallLog.h"
 #import "StandIns/Knobs.h"
-#import "StandIns/RunLoop.h"
+#import "StandIns/ReplacedMethod.h"
 
 namespace {
 
@@ -25,42 +25,27 @@ void paint(CALayer* layer, NSRect bounds) {
 }
 
 // A view with a layer that wants to update it is asked for that instead of being drawn.
-void drawRect(id self, SEL selector, NSRect rect) {
-  (void)selector;
-  (void)rect;
-  if ([self wantsUpdateLayer] && [self wantsLayer]) {
-    standins::record("NSView updateLayer");
-    [self updateLayer];
-    paint([self layer], [self bounds]);
-  }
-}
+const standins::ReplacedMethod<void, NSRect> drawRect("NSView",
+                                                      "drawRect:", [](id self, SEL, NSRect) {
+                                                        if ([self wantsUpdateLayer] &&
+                                                            [self wantsLayer]) {
+                                                          [self updateLayer];
+                                                          paint([self layer], [self bounds]);
+                                                        }
+                                                      });
 
-using Encode = NSData* (*)(id, SEL, NSBitmapImageFileType, NSDictionary*);
-Encode originalEncode = nullptr;
-
-NSData* encode(id self, SEL selector, NSBitmapImageFileType type, NSDictionary* properties) {
-  standins::record("NSBitmapImageRep representationUsingType:%lu properties:%lu",
-                   static_cast<unsigned long>(type),
-                   static_cast<unsigned long>([properties count]));
-  return standins::knobs().imagesCanBeEncoded ? originalEncode(self, selector, type, properties)
-                                              : nil;
-}
+const standins::ReplacedMethod<NSData*, NSBitmapImageFileType, NSDictionary*> encode(
+    "NSBitmapImageRep", "representationUsingType:properties:",
+    [](id self, SEL selector, NSBitmapImageFileType type, NSDictionary* properties) -> NSData* {
+      standins::record("NSBitmapImageRep representationUsingType:%lu properties:%lu",
+                       static_cast<unsigned long>(type),
+                       static_cast<unsigned long>([properties count]));
+      return standins::knobs().imagesCanBeEncoded
+                 ? encode.original(self, selector, type, properties)
+                 : nil;
+    });
 
 }  // namespace
-
-@interface StandInLayers : NSObject
-@end
-
-@implementation StandInLayers
-
-+ (void)load {
-  standins::replaceMethod("NSView", @selector(drawRect:), reinterpret_cast<IMP>(drawRect));
-  originalEncode = reinterpret_cast<Encode>(
-      standins::replaceMethod("NSBitmapImageRep", @selector(representationUsingType:properties:),
-                              reinterpret_cast<IMP>(encode)));
-}
-
-@end
 
 @implementation NSView (StandInLayers)
 
@@ -93,8 +78,6 @@ NSData* encode(id self, SEL selector, NSBitmapImageFileType type, NSDictionary* 
 }
 
 - (NSBitmapImageRep*)bitmapImageRepForCachingDisplayInRect:(NSRect)rect {
-  standins::record("NSView bitmapImageRepForCachingDisplayInRect:%gx%g", rect.size.width,
-                   rect.size.height);
   if (!standins::knobs().viewsCanBeCached) {
     return nil;
   }

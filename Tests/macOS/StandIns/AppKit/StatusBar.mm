@@ -1,6 +1,6 @@
 #import <AppKit/AppKit.h>
 
-#import "StandIns/AppKit/StatusMenu.h"
+#import "StandIns/AppKit/Shown.h"
 #import "StandIns/CallLog.h"
 #import "StandIns/Knobs.h"
 
@@ -30,9 +30,7 @@ NSMutableArray* shownItems() {
   [super dealloc];
 }
 
-- (NSStatusBarButton*)button {
-  return _button;
-}
+@synthesize button = _button;
 
 - (NSMenu*)menu {
   return _menu;
@@ -70,10 +68,6 @@ NSMutableArray* shownItems() {
 
 @end
 
-namespace standins {
-
-NSStatusItem* shownStatusItem() {
+NSStatusItem* standins::shownStatusItem() {
   return [shownItems() lastObject];
 }
-
-}  // namespace standins

@@ -2,7 +2,7 @@
 
 #include <unordered_map>
 
-#import "StandIns/RunLoop.h"
+#import "StandIns/ReplacedMethod.h"
 
 namespace {
 
@@ -11,10 +11,7 @@ std::unordered_map<NSView*, standins::ViewState>& states() {
   return instance;
 }
 
-using Dealloc = void (*)(id, SEL);
-Dealloc originalDealloc = nullptr;
-
-void dealloc(id self, SEL selector) {
+const standins::ReplacedMethod<void> dealloc("NSView", "dealloc", [](id self, SEL selector) {
   if (const auto found = states().find(self); found != states().end()) {
     [found->second.layer release];
     for (NSLayoutConstraint* constraint : found->second.constraints) {
@@ -22,27 +19,11 @@ void dealloc(id self, SEL selector) {
     }
     states().erase(found);
   }
-  originalDealloc(self, selector);
-}
+  dealloc.original(self, selector);
+});
 
 }  // namespace
 
-@interface StandInViewState : NSObject
-@end
-
-@implementation StandInViewState
-
-+ (void)load {
-  originalDealloc = reinterpret_cast<Dealloc>(
-      standins::replaceMethod("NSView", @selector(dealloc), reinterpret_cast<IMP>(dealloc)));
-}
-
-@end
-
-namespace standins {
-
-ViewState& viewState(NSView* view) {
+standins::ViewState& standins::viewState(NSView* view) {
   return states()[view];
 }
-
-}  // namespace standins

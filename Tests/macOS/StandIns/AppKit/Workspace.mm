@@ -43,6 +43,8 @@
 
 @implementation StandInRunningApplication
 
+@synthesize processIdentifier = _processIdentifier;
+
 + (NSArray*)runningApplicationsWithBundleIdentifier:(NSString*)bundleIdentifier {
   NSMutableArray* const found = [NSMutableArray array];
   for (const auto& [identifier, process] : standins::knobs().runningApplications) {
@@ -54,24 +56,6 @@
     }
   }
   return found;
-}
-
-- (pid_t)processIdentifier {
-  return _processIdentifier;
-}
-
-@end
-
-// GNUstep's own would start a daemon of the session, which tests may not leave behind.
-@implementation NSDistributedNotificationCenter (StandIn)
-
-+ (NSNotificationCenter*)defaultCenter {
-  return nil;
-}
-
-+ (NSNotificationCenter*)notificationCenterForType:(NSString*)type {
-  (void)type;
-  return nil;
 }
 
 @end

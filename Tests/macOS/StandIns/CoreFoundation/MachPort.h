@@ -5,17 +5,6 @@
 
 #import "StandIns/CallLog.h"
 
-namespace standins {
-
-struct LiveSource : Live {
-  LiveSource() : Live("CFRunLoopSource") {}
-};
-struct LivePort : Live {
-  LivePort() : Live("CFMachPort") {}
-};
-
-}  // namespace standins
-
 /// What a CFRunLoopSourceRef points to.
 @interface StandInRunLoopSource : NSObject {
  @public

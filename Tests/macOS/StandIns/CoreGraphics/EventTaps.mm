@@ -68,9 +68,7 @@ CGEventFlags CGEventGetFlags(CGEventRef event) {
 
 @end
 
-namespace standins {
-
-void postEvent(std::uint32_t type, std::uint64_t flags) {
+void standins::postEvent(std::uint32_t type, std::uint64_t flags) {
   const auto eventType = static_cast<CGEventType>(type);
   performInModes([NSArray arrayWithObject:NSDefaultRunLoopMode], [eventType, flags] {
     __CGEventTapProxy proxy;
@@ -85,5 +83,3 @@ void postEvent(std::uint32_t type, std::uint64_t flags) {
     }
   });
 }
-
-}  // namespace standins

@@ -137,9 +137,7 @@ kern_return_t IOObjectRelease(io_object_t object) {
   return KERN_SUCCESS;
 }
 
-namespace standins {
-
-void attachDevice(const std::string& serviceClass) {
+void standins::attachDevice(const std::string& serviceClass) {
   for (auto& [handle, notification] : registry().notifications) {
     if (notification.port != nullptr && notification.serviceClass == serviceClass) {
       notification.waiting.push_back(newDevice());
@@ -149,5 +147,3 @@ void attachDevice(const std::string& serviceClass) {
     }
   }
 }
-
-}  // namespace standins

@@ -4,14 +4,6 @@
 
 // Sparkle's standard updater controller, as its documentation declares it.
 
-namespace standins {
-
-struct LiveController : Live {
-  LiveController() : Live("SPUStandardUpdaterController") {}
-};
-
-}  // namespace standins
-
 @interface SPUStandardUpdaterController : NSObject {
  @private
   standins::LiveController _live;

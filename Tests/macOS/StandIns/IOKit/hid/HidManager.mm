@@ -9,14 +9,6 @@
 #import "StandIns/Knobs.h"
 #import "StandIns/RunLoop.h"
 
-namespace standins {
-
-struct LiveManager : Live {
-  LiveManager() : Live("IOHIDManager") {}
-};
-
-}  // namespace standins
-
 struct __IOHIDValue {
   CFIndex integer;
 };
@@ -142,9 +134,7 @@ CFIndex IOHIDValueGetIntegerValue(IOHIDValueRef value) {
   return value->integer;
 }
 
-namespace standins {
-
-void reportKey(int usagePage, int usage, long value) {
+void standins::reportKey(int usagePage, int usage, long value) {
   performInModes([NSArray arrayWithObject:NSDefaultRunLoopMode], [=] {
     __IOHIDValue reported{value};
     const std::vector<StandInHidManager*> existing = managers();
@@ -155,5 +145,3 @@ void reportKey(int usagePage, int usage, long value) {
     }
   });
 }
-
-}  // namespace standins
