@@ -5,25 +5,107 @@
 #include <QCloseEvent>
 #include <QMessageBox>
 #include <QWindow>
+#include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "Tests/Contract/ContractDesktop.h"
 #include "Tests/Contract/LinuxShownWindow.h"
-#include "Tests/Contract/PanelItem.h"
-#include "Tests/Contract/UserFolders.h"
 #include "Tests/Support/FakeLogind.h"
 #include "Tests/Support/FakePanel.h"
 #include "Tests/Support/FakeService.h"
 #include "Tests/Support/Files.h"
 #include "Tests/Support/PrivateDesktop.h"
 #include "Tests/Support/QtLoop.h"
+#include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TrayItem.h"
 
 namespace zephlin::contract {
 namespace {
+
+/// Empty folders for the user's files, which the environment names from then on.
+class UserFolders {
+ public:
+  UserFolders() {
+    ::setenv("XDG_CONFIG_HOME", folder_.file("configuration").c_str(), 1);
+    ::setenv("XDG_CONFIG_DIRS", folder_.file("system").c_str(), 1);
+    std::filesystem::create_directory(folder_.file("runtime"));
+    std::filesystem::permissions(folder_.file("runtime"), std::filesystem::perms(0700));
+    ::setenv("XDG_RUNTIME_DIR", folder_.file("runtime").c_str(), 1);
+  }
+
+  [[nodiscard]] std::string autostart() const { return folder_.file("configuration/autostart"); }
+  [[nodiscard]] std::string defaults() const {
+    return folder_.file("configuration/zephlin/defaults.json");
+  }
+
+ private:
+  test::TemporaryDirectory folder_;
+};
+
+/// A label as a panel shows it: an underscore marks a shortcut, two are one
+/// (com.canonical.dbusmenu).
+std::string withoutMnemonic(const std::string& label) {
+  std::string shown;
+  for (std::size_t index = 0; index < label.size(); ++index) {
+    if (label[index] == '_') {
+      ++index;
+    }
+    shown += label.substr(index, 1);
+  }
+  return shown;
+}
+
+std::string keyEquivalentOf(const test::MenuEntry& entry) {
+  QString keys = QString::fromStdString(entry.shortcut());
+  return keys.replace("Control", "Command").replace('+', '-').toStdString();
+}
+
+/// Whether any pixel is not transparent.
+bool isVisible(const test::TrayPicture& picture) {
+  constexpr qsizetype bytesPerPixel = 4;
+  for (qsizetype alpha = 0; alpha < picture.pixels.size(); alpha += bytesPerPixel) {
+    if (picture.pixels[alpha] != 0) {
+      return true;
+    }
+  }
+  return false;
+}
+
+/// What a panel shows of an item that it knows over D-Bus.
+std::vector<ShownMenuItem> panelMenuItems(test::TrayItem& item) {
+  std::vector<ShownMenuItem> items;
+  for (const test::MenuEntry& entry : item.entries()) {
+    items.push_back({.title = withoutMnemonic(entry.label()),
+                     .isSeparator = entry.isSeparator(),
+                     .isEnabled = entry.isEnabled(),
+                     .isChecked = entry.isChecked(),
+                     .keyEquivalent = keyEquivalentOf(entry)});
+  }
+  return items;
+}
+
+/// False where the menu has no such entry.
+bool choosePanelMenuItem(test::TrayItem& item, const std::string& title) {
+  for (const test::MenuEntry& entry : item.entries()) {
+    if (withoutMnemonic(entry.label()) == title) {
+      item.click(entry.id);
+      return true;
+    }
+  }
+  return false;
+}
+
+/// Whether there is anything to be seen.
+bool hasPanelImage(test::TrayItem& item) {
+  const auto pictures = item.pictures();
+  return !item.text("IconName").empty() || std::any_of(pictures.begin(), pictures.end(), isVisible);
+}
 
 using test::PrivateDesktop;
 using test::PrivateXServer;
