@@ -1,7 +1,9 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -20,14 +22,34 @@ class PrivateXServer {
   static constexpr std::uint8_t capsLock = 66;
 
   /// Runs setxkbmap. Throws std::runtime_error if it fails.
-  static void setKeyboardMap(const std::vector<std::string>& arguments);
+  static void setKeyboardMap(const std::vector<std::string>& arguments) {
+    std::vector<std::string> command{"/usr/bin/setxkbmap"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    const Outcome outcome = run(command);
+    if (outcome.status != 0) {
+      throw std::runtime_error("setxkbmap: " + outcome.errors);
+    }
+  }
+
   void press(std::uint8_t keycode) const { connection_->fakeInput(XCB_KEY_PRESS, keycode); }
   void release(std::uint8_t keycode) const { connection_->fakeInput(XCB_KEY_RELEASE, keycode); }
-  void tap(std::uint8_t keycode) const;
+  void tap(std::uint8_t keycode) const {
+    press(keycode);
+    release(keycode);
+  }
+
   /// Without this, a further press of a modifier key that is down gives no event, even under a map
   /// that makes it an ordinary key. Call it after `setKeyboardMap`.
-  void letRepeat(std::uint8_t keycode) const;
-  void kill();
+  void letRepeat(std::uint8_t keycode) const {
+    const std::array<std::uint32_t, 2> values{keycode, XCB_AUTO_REPEAT_MODE_ON};
+    xcb_change_keyboard_control(connection_->get(), XCB_KB_KEY | XCB_KB_AUTO_REPEAT_MODE,
+                                values.data());
+  }
+
+  void kill() {
+    connection_.reset();
+    server_.kill();
+  }
 
  private:
   XServer server_;

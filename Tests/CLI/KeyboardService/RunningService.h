@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <string>
 #include <vector>
 
@@ -16,20 +17,34 @@ inline const std::string serviceProgram = SERVICE_PROGRAM;
 class RunningService {
  public:
   explicit RunningService(
-      int virtualKeyboards = 2, const test::TestProcess::Body& prepare = [] {});
+      int virtualKeyboards = 2, const test::TestProcess::Body& prepare = [] {})
+      : process_({serviceProgram, "--socket", socketPath(), "--virtual-keyboards",
+                  std::to_string(virtualKeyboards)},
+                 prepare) {
+    process_.waitForErrors("zephlin-hidd: ready on " + socketPath());
+  }
 
   [[nodiscard]] std::string socketPath() const { return directory_.file("hidd.sock"); }
   [[nodiscard]] test::TestProcess& process() { return process_; }
   [[nodiscard]] RawClient connect() const { return RawClient(socketPath()); }
 
   /// hidutil's arguments, with the program and this service's socket before them.
-  [[nodiscard]] std::vector<std::string> command(const std::vector<std::string>& arguments) const;
+  [[nodiscard]] std::vector<std::string> command(const std::vector<std::string>& arguments) const {
+    std::vector<std::string> result{hidutilProgram, "--socket", socketPath()};
+    result.insert(result.end(), arguments.begin(), arguments.end());
+    return result;
+  }
 
   /// Runs hidutil against this service.
-  [[nodiscard]] test::Outcome hidutil(const std::vector<std::string>& arguments) const;
+  [[nodiscard]] test::Outcome hidutil(const std::vector<std::string>& arguments) const {
+    return test::run(command(arguments));
+  }
 
   /// Ends the service with SIGTERM.
-  test::Outcome stop();
+  test::Outcome stop() {
+    process_.send(SIGTERM);
+    return process_.wait();
+  }
 
  private:
   test::TemporaryDirectory directory_;
@@ -37,9 +52,15 @@ class RunningService {
 };
 
 /// What hidutil does when it fails: status 1 and one line.
-test::Outcome failure(const std::string& message);
+inline test::Outcome failure(const std::string& message) {
+  return {1, "", "hidutil: " + message + "\n"};
+}
 
 /// What hidutil does when nobody listens at a path.
-test::Outcome absence(const std::string& path, const std::string& reason);
+inline test::Outcome absence(const std::string& path, const std::string& reason) {
+  return failure("no keyboard service at " + path + " (" + reason +
+                 R"(); start it as root with "systemctl start zephlin-hidd.socket", or without )"
+                 R"(systemd with "zephlin-hidd")");
+}
 
 }  // namespace zephlin
