@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -19,21 +21,42 @@ struct HidutilRun {
 /// back.
 class HidutilRuns {
  public:
-  HidutilRuns();
+  HidutilRuns() {
+    std::filesystem::create_directories(std::filesystem::path(hidutilRecordFile).parent_path());
+  }
+
   HidutilRuns(const HidutilRuns&) = delete;
   HidutilRuns& operator=(const HidutilRuns&) = delete;
-  ~HidutilRuns();
+  ~HidutilRuns() {
+    recover();
+    release();
+  }
 
-  [[nodiscard]] std::vector<HidutilRun> all() const;
+  [[nodiscard]] std::vector<HidutilRun> all() const {
+    std::vector<HidutilRun> runs;
+    std::ifstream record(hidutilRecordFile);
+    for (HidutilRun run; record >> run.startedAt >> run.sets;) {
+      runs.push_back(run);
+    }
+    return runs;
+  }
+
   /// The ones that set a property, from this time on.
-  [[nodiscard]] std::vector<HidutilRun> settingSince(double time) const;
+  [[nodiscard]] std::vector<HidutilRun> settingSince(double time) const {
+    std::vector<HidutilRun> runs = all();
+    std::erase_if(runs, [&](const HidutilRun& run) { return !run.sets || run.startedAt < time; });
+    return runs;
+  }
 
   /// Lets it print the text and exit with status 1.
-  void fail(const std::string& text) const;
-  void recover() const;
+  void fail(const std::string& text) const { std::ofstream(hidutilFailureFile) << text; }
+
+  void recover() const { std::filesystem::remove(hidutilFailureFile); }
+
   /// Lets it wait, until it is released, before it does anything.
-  void hold() const;
-  void release() const;
+  void hold() const { std::ofstream{hidutilHoldFile}; }
+
+  void release() const { std::filesystem::remove(hidutilHoldFile); }
 };
 
 }  // namespace zephlin::test
