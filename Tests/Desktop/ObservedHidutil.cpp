@@ -27,6 +27,9 @@ void record(bool sets) {
 int main(int argc, char* argv[]) {
   record(std::any_of(argv, argv + argc,
                      [](const char* word) { return std::string_view(word) == "--set"; }));
+  if (std::filesystem::exists(zephlin::test::hidutilHoldFile)) {
+    std::ofstream{zephlin::test::hidutilHeldFile};
+  }
   while (std::filesystem::exists(zephlin::test::hidutilHoldFile)) {
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }

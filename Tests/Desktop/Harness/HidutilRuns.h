@@ -11,6 +11,7 @@ namespace zephlin::test {
 inline const std::string hidutilRecordFile = "/run/observed-hidutil/runs";
 inline const std::string hidutilFailureFile = "/run/observed-hidutil/failure";
 inline const std::string hidutilHoldFile = "/run/observed-hidutil/hold";
+inline const std::string hidutilHeldFile = "/run/observed-hidutil/held";
 
 struct HidutilRun {
   double startedAt = 0;  ///< Seconds of CLOCK_MONOTONIC.
@@ -56,7 +57,13 @@ class HidutilRuns {
   /// Lets it wait, until it is released, before it does anything.
   void hold() const { std::ofstream{hidutilHoldFile}; }
 
-  void release() const { std::filesystem::remove(hidutilHoldFile); }
+  /// Whether a run has begun to wait. It may have started before the order.
+  [[nodiscard]] bool isHeld() const { return std::filesystem::exists(hidutilHeldFile); }
+
+  void release() const {
+    std::filesystem::remove(hidutilHoldFile);
+    std::filesystem::remove(hidutilHeldFile);
+  }
 };
 
 }  // namespace zephlin::test
