@@ -23,13 +23,16 @@ RequestHandler::RequestHandler(KeyboardRegistry& registry, VirtualKeyboardBus& v
       permissions_(permissions),
       log_(std::move(log)) {}
 
-Response RequestHandler::respond(std::string_view line, uid_t user) {
-  try {
-    return std::visit([&](const auto& request) { return perform(request, user); },
-                      decodeRequest(line));
-  } catch (const RequestError& error) {
-    return ErrorResponse{error.what()};
-  }
+void RequestHandler::respond(std::string_view line, uid_t user, const Reply& reply) {
+  const auto response = [&]() -> Response {
+    try {
+      return std::visit([&](const auto& request) { return perform(request, user); },
+                        decodeRequest(line));
+    } catch (const RequestError& error) {
+      return ErrorResponse{error.what()};
+    }
+  };
+  reply(response());
 }
 
 Response RequestHandler::perform(const ListRequest& request, uid_t /*user*/) {

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -19,9 +20,12 @@ class RequestHandler {
   RequestHandler(KeyboardRegistry& registry, VirtualKeyboardBus& virtualKeyboards,
                  const Permissions& permissions, Log log);
 
-  /// `user` is the client's, as reported by the kernel. A request that fails has changed nothing,
-  /// or the response says what. The caller, which owns the connections, carries out a subscription.
-  Response respond(std::string_view line, uid_t user);
+  using Reply = std::function<void(const Response& response)>;
+
+  /// Calls `reply` exactly once, within this call or later from the event loop. `user` is the
+  /// client's, as reported by the kernel. A request that fails has changed nothing, or the response
+  /// says what. The caller, which owns the connections, carries out a subscription.
+  void respond(std::string_view line, uid_t user, const Reply& reply);
 
  private:
   Response perform(const ListRequest& request, uid_t user);

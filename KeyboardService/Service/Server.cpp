@@ -69,9 +69,12 @@ void Server::announce(const AppearedNotice& notice) {
 }
 
 std::string Server::respond(std::string_view line, Connection& connection) {
-  const Response response = handler_.respond(line, connection.user());
-  const bool subscribes = std::holds_alternative<SubscribeResponse>(response);
-  return encode(subscribes ? subscribe(connection) : response);
+  std::string answer;
+  handler_.respond(line, connection.user(), [&](const Response& response) {
+    const bool subscribes = std::holds_alternative<SubscribeResponse>(response);
+    answer = encode(subscribes ? subscribe(connection) : response);
+  });
+  return answer;
 }
 
 std::chrono::microseconds Server::restBeforeRequest() {

@@ -24,7 +24,9 @@ class RequestHandlerTest : public testing::Test {
   }
 
   std::string respond(std::string_view line, uid_t user) {
-    return encode(handler.respond(line, user));
+    std::string answer;
+    handler.respond(line, user, [&](const Response& response) { answer += encode(response); });
+    return answer;
   }
 
   std::vector<std::string> log;
