@@ -10,7 +10,7 @@ namespace {
 
 void measure() {
   // As any computer has; a program that has to be woken need not wait for the one that wakes it.
-  zephlin::VirtualMachine machine(VIRTUAL_MACHINE_IMAGES, 2);
+  zephlin::VirtualMachine machine(VIRTUAL_MACHINE_IMAGES, {.processors = 2});
   machine.output(
       "zephlin-hidd 2>/dev/null & mkfifo /tmp/go; KeyDelays </tmp/go >/tmp/delays 2>&1 & "
       "delays=$!; exec 9>/tmp/go");

@@ -72,11 +72,12 @@ std::string LineStream::receive() {
 
 /// clang-format would put each word on a line of its own.
 // clang-format off
-std::vector<std::string> VirtualMachine::command(const std::string& images, int processors) const {
+std::vector<std::string> VirtualMachine::command(const std::string& images,
+                                                 const VirtualHardware& hardware) const {
   std::vector<std::string> command{
           "/usr/bin/qemu-system-x86_64",
-          "-machine", "pc,i8042=off", "-m", "512",
-          "-smp", std::to_string(processors),
+          "-machine", hardware.hasPs2Keyboard ? "pc" : "pc,i8042=off", "-m", "512",
+          "-smp", std::to_string(hardware.processors),
           "-nodefaults", "-no-user-config", "-no-reboot", "-display", "none",
           "-kernel", images + "/kernel", "-initrd", images + "/initramfs",
           "-append", "console=ttyS0 quiet panic=-1 no_console_suspend mem_sleep_default=deep "
@@ -90,9 +91,10 @@ std::vector<std::string> VirtualMachine::command(const std::string& images, int 
     command.insert(command.end(), {"-device", "bochs-display,id=video" + number,
                                    "-device", "qemu-xhci,id=usb" + number});
   }
-  if (processors == 1) {
+  if (hardware.processors == 1) {
     // The machine's clock counts its instructions, so it does not run on while the host is busy.
-    command.insert(command.end(), {"-accel", "tcg,thread=single", "-icount", "shift=3"});
+    command.insert(command.end(), {"-accel", "tcg,thread=single", "-icount",
+                                   "shift=" + std::to_string(hardware.instructionShift)});
   } else {
     command.insert(command.end(), {"-accel", "tcg,thread=multi"});
   }
@@ -100,9 +102,9 @@ std::vector<std::string> VirtualMachine::command(const std::string& images, int 
 }
 // clang-format on
 
-VirtualMachine::VirtualMachine(const std::string& images, int processors)
+VirtualMachine::VirtualMachine(const std::string& images, const VirtualHardware& hardware)
     // It ends with this process, also on a crash.
-    : process_(command(images, processors), [] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); }),
+    : process_(command(images, hardware), [] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); }),
       shell_(directory_.file("shell")),
       control_(directory_.file("control")) {
   control("qmp_capabilities");
@@ -180,11 +182,15 @@ void VirtualMachine::pull(const std::vector<int>& keyboards) {
 }
 
 void VirtualMachine::turn(int keyboard, const std::string& key, bool isDown) {
-  control("input-send-event",
-          {{"device", "video" + std::to_string(keyboard)},
-           {"events",
-            {{{"type", "key"},
-              {"data", {{"down", isDown}, {"key", {{"type", "qcode"}, {"data", key}}}}}}}}});
+  json arguments = {
+      {"events",
+       {{{"type", "key"},
+         {"data", {{"down", isDown}, {"key", {{"type", "qcode"}, {"data", key}}}}}}}}};
+  // The PS/2 keyboard alone belongs to no display, and gets what is sent to none.
+  if (keyboard != ps2Keyboard) {
+    arguments["device"] = "video" + std::to_string(keyboard);
+  }
+  control("input-send-event", arguments);
 }
 
 void VirtualMachine::suspendAndWake() {

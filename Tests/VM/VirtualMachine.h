@@ -25,6 +25,14 @@ class LineStream {
   std::string buffer_;
 };
 
+struct VirtualHardware {
+  int processors = 1;
+  /// The machine has a PS/2 keyboard from its start.
+  bool hasPs2Keyboard = false;
+  /// With one processor, an instruction takes 2 to the power of this nanoseconds.
+  int instructionShift = 3;
+};
+
 /// A virtual machine with USB keyboards that are plugged and typed on from outside, and a shell.
 /// Everything that fails throws std::runtime_error.
 class VirtualMachine {
@@ -35,7 +43,7 @@ class VirtualMachine {
   };
 
   /// `images` has what buildImage.sh has made. Returns when the machine has booted.
-  explicit VirtualMachine(const std::string& images, int processors = 1);
+  explicit VirtualMachine(const std::string& images, const VirtualHardware& hardware = {});
 
   /// Runs a command line in the machine's shell.
   Outcome run(const std::string& command);
@@ -46,8 +54,11 @@ class VirtualMachine {
   /// Waits until a command line succeeds, half a minute or so.
   void waitUntil(const std::string& condition);
 
-  /// How many keyboards have places.
+  /// How many USB keyboards have places, numbered from 0.
   static constexpr int places = 4;
+
+  /// The number of the PS/2 keyboard, which is never plugged or pulled.
+  static constexpr int ps2Keyboard = -1;
 
   /// Plugs keyboards into their places, each on a bus of its own, and waits until the kernel has
   /// them.
@@ -67,7 +78,8 @@ class VirtualMachine {
   void turn(int keyboard, const std::string& key, bool isDown);
   void control(const std::string& command,
                const nlohmann::json& arguments = nlohmann::json::object());
-  [[nodiscard]] std::vector<std::string> command(const std::string& images, int processors) const;
+  [[nodiscard]] std::vector<std::string> command(const std::string& images,
+                                                 const VirtualHardware& hardware) const;
   Outcome receiveOutcome();
   static std::string keyboardIsThere(int keyboard);
 
