@@ -43,15 +43,15 @@ Row propertyHeader() {
 }  // namespace
 
 std::string listing(const ListRequest& /*request*/, const ListResponse& response) {
-  std::vector<Row> rows{
-      {"RegistryID", "VendorID", "ProductID", "UsagePage", "Usage", "Transport", "Product"}};
+  std::vector<Row> rows{{"RegistryID", "VendorID", "ProductID", "UsagePage", "Usage", "Transport",
+                         "State", "Product"}};
   for (const Keyboard& each : response.keyboards) {
     const KeyboardDescription& description = each.description;
-    rows.push_back({toText(each.registryID), std::to_string(description.vendorID),
-                    std::to_string(description.productID),
-                    std::to_string(description.primaryUsagePage),
-                    std::to_string(description.primaryUsage), printable(description.transport),
-                    printable(description.product)});
+    rows.push_back(
+        {toText(each.registryID), std::to_string(description.vendorID),
+         std::to_string(description.productID), std::to_string(description.primaryUsagePage),
+         std::to_string(description.primaryUsage), printable(description.transport),
+         each.state.empty() ? "-" : printable(each.state), printable(description.product)});
   }
   return table(rows);
 }
@@ -65,6 +65,9 @@ std::string listing(const GetRequest& request, const GetResponse& response) {
 }
 
 std::string listing(const SetRequest& request, const SetResponse& response) {
+  if (hasFailed(response)) {
+    return {};
+  }
   std::vector<Row> rows{propertyHeader()};
   for (const RegistryID each : response.keyboards) {
     for (const auto& [key, value] : request.properties) {
@@ -80,6 +83,19 @@ std::string listing(const PlugRequest& /*request*/, const PlugResponse& response
 
 std::string listing(const PullRequest& /*request*/, const PullResponse& /*response*/) {
   return {};
+}
+
+std::vector<std::string> complaints(const SetResponse& response) {
+  std::vector<std::string> lines;
+  for (const UnsetKeyboard& each : response.unset) {
+    lines.push_back("keyboard " + toText(each.registryID) +
+                    " is not set: " + printable(each.reason));
+  }
+  return lines;
+}
+
+bool hasFailed(const SetResponse& response) {
+  return response.keyboards.empty() && !response.unset.empty();
 }
 
 }  // namespace zephlin

@@ -7,6 +7,7 @@
 
 #include "Base/FileDescriptor.h"
 #include "KeyboardService/Client/CommandLine.h"
+#include "KeyboardService/Client/Listing.h"
 #include "KeyboardService/Client/ServiceClient.h"
 #include "KeyboardService/Protocol/Errors.h"
 
@@ -14,23 +15,6 @@ namespace zephlin {
 namespace {
 
 enum ExitStatus : int { Done = 0, Failed = 1, WrongUsage = 64 };
-
-std::string run(const ShowHelp& /*command*/) {
-  return commandHelp();
-}
-
-std::string run(const ShowVersion& /*command*/) {
-  return "hidutil (Zephlin) " ZEPHLIN_VERSION "\n";
-}
-
-std::string run(const Invocation& invocation) {
-  const std::string line = askService(invocation.socketPath, encode(invocation.request));
-  try {
-    return listing(invocation.request, decodeResponse(line));
-  } catch (const ResponseError&) {
-    throw RequestError(misunderstoodService(invocation.socketPath));
-  }
-}
 
 void print(const std::string& text) {
   const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
@@ -40,21 +24,52 @@ void print(const std::string& text) {
   }
 }
 
-int fail(const std::exception& error, ExitStatus status) {
+void complain(const std::string& text) {
   // One write for the whole line, so that it stays whole among other programs' lines.
-  const std::string line = std::string("hidutil: ") + error.what() + '\n';
+  const std::string line = "hidutil: " + text + '\n';
   std::fwrite(line.data(), 1, line.size(), stderr);
-  return status;
+}
+
+ExitStatus run(const ShowHelp& /*command*/) {
+  print(commandHelp());
+  return Done;
+}
+
+ExitStatus run(const ShowVersion& /*command*/) {
+  print("hidutil (Zephlin) " ZEPHLIN_VERSION "\n");
+  return Done;
+}
+
+ExitStatus show(const Request& request, const Response& response) {
+  print(listing(request, response));
+  const auto* const set = std::get_if<SetResponse>(&response);
+  if (set == nullptr) {
+    return Done;
+  }
+  for (const std::string& each : complaints(*set)) {
+    complain(each);
+  }
+  return hasFailed(*set) ? Failed : Done;
+}
+
+ExitStatus run(const Invocation& invocation) {
+  const std::string line = askService(invocation.socketPath, encode(invocation.request));
+  try {
+    return show(invocation.request, decodeResponse(line));
+  } catch (const ResponseError&) {
+    throw RequestError(misunderstoodService(invocation.socketPath));
+  }
 }
 
 int runCommandLine(const std::vector<std::string>& arguments) {
   try {
-    print(std::visit([](const auto& each) { return run(each); }, parseCommandLine(arguments)));
-    return Done;
+    return std::visit([](const auto& each) { return run(each); }, parseCommandLine(arguments));
   } catch (const UsageError& error) {
-    return fail(error, WrongUsage);
+    complain(error.what());
+    return WrongUsage;
   } catch (const std::exception& error) {
-    return fail(error, Failed);
+    complain(error.what());
+    return Failed;
   }
 }
 

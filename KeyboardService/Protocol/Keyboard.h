@@ -29,6 +29,7 @@ struct KeyboardDescription {
   std::int64_t productID = 0;
   std::string product;
   std::string transport;  ///< The bus by name, such as "USB" or "Virtual".
+  std::string seat;       ///< As logind names it, or empty for a keyboard of no seat.
 
   bool operator==(const KeyboardDescription&) const = default;
 };
@@ -36,6 +37,7 @@ struct KeyboardDescription {
 struct Keyboard {
   RegistryID registryID{};
   KeyboardDescription description;
+  std::string state;  ///< For people: whether and how `CapsLockDelayOverride` is in force.
 
   bool operator==(const Keyboard&) const = default;
 };

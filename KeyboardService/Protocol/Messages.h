@@ -73,9 +73,18 @@ struct GetResponse {
   bool operator==(const GetResponse&) const = default;
 };
 
-/// The keyboards on which the properties of the request are now set.
+/// A keyboard that does not do as asked, and why: a few words for the user.
+struct UnsetKeyboard {
+  RegistryID registryID{};
+  std::string reason;
+  bool operator==(const UnsetKeyboard&) const = default;
+};
+
+/// The keyboards that matched the request: those on which its properties are in force, and the
+/// others.
 struct SetResponse {
   std::vector<RegistryID> keyboards;
+  std::vector<UnsetKeyboard> unset;
   bool operator==(const SetResponse&) const = default;
 };
 

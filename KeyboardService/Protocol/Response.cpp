@@ -19,7 +19,9 @@ json toJson(const Keyboard& keyboard) {
           {"vendorID", description.vendorID},
           {"productID", description.productID},
           {"product", description.product},
-          {"transport", description.transport}};
+          {"transport", description.transport},
+          {"seat", description.seat},
+          {"state", keyboard.state}};
 }
 
 json toJson(const ListResponse& response) {
@@ -44,7 +46,11 @@ json toJson(const SetResponse& response) {
   for (const RegistryID each : response.keyboards) {
     keyboards.push_back(toText(each));
   }
-  return {{"response", "set"}, {"keyboards", std::move(keyboards)}};
+  json unset = json::array();
+  for (const UnsetKeyboard& each : response.unset) {
+    unset.push_back({{"registryID", toText(each.registryID)}, {"reason", each.reason}});
+  }
+  return {{"response", "set"}, {"keyboards", std::move(keyboards)}, {"unset", std::move(unset)}};
 }
 
 json toJson(const PlugResponse& response) {
@@ -91,11 +97,15 @@ const json& list(const json& object, const char* name) {
   return value;
 }
 
+/// A service of an older version sends no "seat", no "state" and, in setResponseFromJson, no
+/// "unset".
 Keyboard keyboardFromJson(const json& value) {
   return {registryID(value.at("registryID")),
           {number(value.at("primaryUsagePage")), number(value.at("primaryUsage")),
            number(value.at("vendorID")), number(value.at("productID")),
-           value.at("product").get<std::string>(), value.at("transport").get<std::string>()}};
+           value.at("product").get<std::string>(), value.at("transport").get<std::string>(),
+           value.value("seat", "")},
+          value.value("state", "")};
 }
 
 ListResponse listResponseFromJson(const json& object) {
@@ -121,6 +131,12 @@ SetResponse setResponseFromJson(const json& object) {
   SetResponse response;
   for (const json& each : list(object, "keyboards")) {
     response.keyboards.push_back(registryID(each));
+  }
+  if (object.contains("unset")) {
+    for (const json& each : list(object, "unset")) {
+      response.unset.push_back(
+          {registryID(each.at("registryID")), each.at("reason").get<std::string>()});
+    }
   }
   return response;
 }

@@ -13,7 +13,7 @@ std::string countedKeyboards(std::size_t count) {
 void KeyboardRegistry::keyboardAppeared(KeyboardBus& bus, BusHandle handle,
                                         const KeyboardDescription& description) {
   const RegistryID registryID{nextRegistryID_++};
-  entries_.emplace(registryID, Entry{{registryID, description}, {&bus, handle}, {}});
+  entries_.emplace(registryID, Entry{{registryID, description, {}}, {&bus, handle}, {}});
   log_("keyboard " + toText(registryID) + " plugged: " + inQuotes(description.product) + ", " +
        printable(description.transport));
   appeared_(registryID);

@@ -45,7 +45,7 @@ Response RequestHandler::perform(const GetRequest& request, uid_t /*user*/) {
 
 Response RequestHandler::perform(const SetRequest& request, uid_t user) {
   permissions_.requireChangeBy(user);
-  SetResponse response{registry_.set(request.matching, request.properties)};
+  SetResponse response{registry_.set(request.matching, request.properties), {}};
   log_(description(request.properties) + " set on " + countedKeyboards(response.keyboards.size()) +
        " by user " + std::to_string(user));
   return response;

@@ -36,8 +36,9 @@ TEST(Environment, TheServiceWorksWithoutStandardDescriptors) {
     list =
         test::run({hidutilProgram, "--socket", socket, "list", "--matching", R"({"ProductID":2})"});
   } while (list.status != 0);
-  EXPECT_EQ(list.output,
-            "RegistryID   VendorID   ProductID   UsagePage   Usage   Transport   Product\n");
+  EXPECT_EQ(
+      list.output,
+      "RegistryID   VendorID   ProductID   UsagePage   Usage   Transport   State   Product\n");
   service.send(SIGTERM);
   EXPECT_EQ(service.wait(), test::Outcome{});
 }

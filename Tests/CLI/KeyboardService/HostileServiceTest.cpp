@@ -1,5 +1,5 @@
-// What hidutil says about a keyboard service that misbehaves or cannot be reached: why, and what to
-// do next.
+// What hidutil says about a keyboard service that misbehaves, that cannot be reached or that could
+// not do as asked: why, and what to do next.
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -40,11 +40,14 @@ class FakeService {
 
   [[nodiscard]] std::string socketPath() const { return directory_.file("s"); }
 
-  [[nodiscard]] test::Outcome hidutil() const {
-    return test::run({hidutilProgram, "--socket", socketPath(), "property", "--get", "A"});
-  }
+  [[nodiscard]] test::Outcome hidutil() const { return property("--get", "A"); }
+  [[nodiscard]] test::Outcome set() const { return property("--set", R"({"A":1})"); }
 
  private:
+  [[nodiscard]] test::Outcome property(const std::string& option, const std::string& value) const {
+    return test::run({hidutilProgram, "--socket", socketPath(), "property", option, value});
+  }
+
   static FileDescriptor listenAt(const std::string& path) {
     FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     const SocketAddress address(path);
@@ -137,6 +140,30 @@ TEST(HostileService, AnErrorTextStaysOneShortLine) {
   };
   EXPECT_EQ(errorText(R"(first\nsecond\u001b[2J)"), failure(R"(first\x0asecond\x1b[2J)"));
   EXPECT_EQ(errorText(std::string(100'000, 'x')), failure(std::string(1024, 'x') + "…"));
+}
+
+constexpr const char* twoKeyboardsUnset =
+    R"json("unset":[{"registryID":"2","reason":"held by another program: keyd (pid 412)"},)json"
+    R"json({"registryID":"3","reason":"a key\nis held down"}]})json";
+
+TEST(UnsetKeyboards, AreNamedBesideTheOthers) {
+  const FakeService service(
+      answer(std::string(R"({"response":"set","keyboards":["1"],)") + twoKeyboardsUnset));
+  EXPECT_EQ(service.set(),
+            (test::Outcome{0,
+                           "RegistryID   Key   Value\n"
+                           "1            A     1\n",
+                           "hidutil: keyboard 2 is not set: held by another program: keyd (pid "
+                           "412)\n"
+                           "hidutil: keyboard 3 is not set: a key\\x0ais held down\n"}));
+}
+
+TEST(UnsetKeyboards, AreAFailureIfThereAreNoOthers) {
+  const FakeService service(
+      answer(std::string(R"({"response":"set","keyboards":[],)") + twoKeyboardsUnset));
+  EXPECT_EQ(service.set(),
+            failure("keyboard 2 is not set: held by another program: keyd (pid 412)\n"
+                    "hidutil: keyboard 3 is not set: a key\\x0ais held down"));
 }
 
 /// The file modes mean nothing to root.

@@ -7,7 +7,8 @@
 namespace zephlin {
 namespace {
 
-const Keyboard tastyKeys{RegistryID{0x10000046a}, {1, 6, 1133, 49948, "Tasty Keys", "USB"}};
+const Keyboard tastyKeys{
+    RegistryID{0x10000046a}, {1, 6, 1133, 49948, "Tasty Keys", "USB", "seat0"}, "default"};
 
 std::string errorOf(const std::string& text) {
   return requestErrorOf([&] { parseMatching(text); });

@@ -26,11 +26,12 @@ TEST(Protocol, EveryRequestSurvivesTheWay) {
 }
 
 TEST(Protocol, EveryResponseSurvivesTheWay) {
-  const Keyboard keyboard{RegistryID{0xabc}, {1, 6, -1, INT64_MAX, "Keys \"ü\"\n", "USB"}};
+  const Keyboard keyboard{
+      RegistryID{0xabc}, {1, 6, -1, INT64_MAX, "Keys \"ü\"\n", "USB", "seat0"}, "watched"};
   for (const Response& response :
        {Response(ListResponse{{keyboard, {}}}), Response(ListResponse{}),
         Response(GetResponse{{{RegistryID{1}, 0}, {RegistryID{2}, std::nullopt}}}),
-        Response(SetResponse{{RegistryID{1}, RegistryID{2}}}),
+        Response(SetResponse{{RegistryID{1}, RegistryID{2}}, {{RegistryID{3}, "no\nway"}}}),
         Response(PlugResponse{RegistryID{3}}), Response(PullResponse{}),
         Response(SubscribeResponse{}), Response(AppearedNotice{RegistryID{0xabc}}),
         Response(ErrorResponse{"no\nway"})}) {
@@ -56,9 +57,18 @@ TEST(Protocol, SubscriptionsLookLikeThis) {
 
 TEST(Protocol, ADeviceNameThatIsNotUtf8IsStillSent) {
   const std::string line =
-      encode(Response(ListResponse{{{RegistryID{1}, {1, 6, 0, 0, "\xff", ""}}}}));
+      encode(Response(ListResponse{{{RegistryID{1}, {1, 6, 0, 0, "\xff", "", ""}, ""}}}));
   EXPECT_EQ(std::get<ListResponse>(decodeResponse(line)).keyboards.front().description.product,
             "\uFFFD");
+}
+
+TEST(Protocol, AServiceOfAnOlderVersionIsUnderstood) {
+  EXPECT_EQ(decodeResponse(R"({"keyboards":[{"primaryUsage":6,"primaryUsagePage":1,"product":"K",)"
+                           R"("productID":0,"registryID":"1","transport":"USB","vendorID":0}],)"
+                           R"("response":"list"})"),
+            Response(ListResponse{{{RegistryID{1}, {1, 6, 0, 0, "K", "USB", ""}, ""}}}));
+  EXPECT_EQ(decodeResponse(R"({"keyboards":["1"],"response":"set"})"),
+            Response(SetResponse{{RegistryID{1}}, {}}));
 }
 
 std::string refusalOf(std::string_view line) {
@@ -122,6 +132,9 @@ TEST(Protocol, LinesThatAreNoResponseAreRefused) {
                                  R"({"response":"get","values":[{"registryID":"1","value":1.5}]})",
                                  R"({"response":"get","values":[{"registryID":"XYZ","value":1}]})",
                                  R"({"response":"set","keyboards":[1]})",
+                                 R"({"response":"set","keyboards":[],"unset":{}})",
+                                 R"({"response":"set","keyboards":[],"unset":[1]})",
+                                 R"({"response":"set","keyboards":[],"unset":[{"reason":""}]})",
                                  R"({"response":"plug"})",
                                  R"({"subscribed":false})",
                                  R"({"subscribed":1})",

@@ -192,7 +192,7 @@ TEST(VirtualKeyboardBus, DescribesItsKeyboards) {
   KeyboardRegistry registry([](const std::string&) {});
   VirtualKeyboardBus bus(2);
   bus.start(registry);
-  const KeyboardDescription expected{1, 6, 0, 2, "Virtual Keyboard 2", "Virtual"};
+  const KeyboardDescription expected{1, 6, 0, 2, "Virtual Keyboard 2", "Virtual", ""};
   EXPECT_EQ(registry.list({}).back().description, expected);
 }
 

@@ -45,13 +45,14 @@ TEST_F(RequestHandlerTest, ListsForEveryone) {
   EXPECT_EQ(
       respond(R"({"request":"list","matching":{"Product":"Real"}})", stranger),
       R"({"keyboards":[{"primaryUsage":6,"primaryUsagePage":1,"product":"Real","productID":0,)"
-      R"("registryID":"100000003","transport":"USB","vendorID":0}],"response":"list"})");
+      R"("registryID":"100000003","seat":"","state":"","transport":"USB","vendorID":0}],)"
+      R"("response":"list"})");
 }
 
 TEST_F(RequestHandlerTest, SetsForWhoMayAndTellsEveryone) {
   EXPECT_EQ(
       respond(R"({"request":"set","matching":{"ProductID":2},"properties":{"A":5,"B":6}})", root),
-      R"({"keyboards":["100000002"],"response":"set"})");
+      R"({"keyboards":["100000002"],"response":"set","unset":[]})");
   EXPECT_EQ(respond(R"({"request":"get","matching":{},"key":"A"})", stranger),
             R"({"response":"get","values":[{"registryID":"100000001","value":null},)"
             R"({"registryID":"100000002","value":5},{"registryID":"100000003","value":null}]})");

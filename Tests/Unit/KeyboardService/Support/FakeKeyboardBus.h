@@ -30,7 +30,7 @@ class FakeKeyboardBus final : public KeyboardBus {
 
   void plug(BusHandle handle, const std::string& product = "Fake") {
     carried[handle] = {};
-    observer_->keyboardAppeared(*this, handle, {1, 6, 0, 0, product, "USB"});
+    observer_->keyboardAppeared(*this, handle, {1, 6, 0, 0, product, "USB", ""});
   }
 
   void pull(BusHandle handle) {
