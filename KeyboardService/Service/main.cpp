@@ -13,15 +13,15 @@
 
 #include "Base/FileDescriptor.h"
 #include "KeyboardService/Protocol/Errors.h"
+#include "KeyboardService/Service/Clients/ListeningSocket.h"
+#include "KeyboardService/Service/Clients/Server.h"
 #include "KeyboardService/Service/CommandLine.h"
 #include "KeyboardService/Service/Evdev/EvdevKeyboardBus.h"
 #include "KeyboardService/Service/EventLoop.h"
 #include "KeyboardService/Service/KeyboardRegistry.h"
-#include "KeyboardService/Service/ListeningSocket.h"
 #include "KeyboardService/Service/Log.h"
 #include "KeyboardService/Service/Permissions.h"
 #include "KeyboardService/Service/RequestHandler.h"
-#include "KeyboardService/Service/Server.h"
 #include "KeyboardService/Service/VirtualKeyboardBus.h"
 
 namespace zephlin {

@@ -9,8 +9,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "KeyboardService/Service/ListeningSocket.h"
-#include "KeyboardService/Service/Server.h"
+#include "KeyboardService/Service/Clients/ListeningSocket.h"
+#include "KeyboardService/Service/Clients/Server.h"
 #include "KeyboardService/Service/VirtualKeyboardBus.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Unit/KeyboardService/Support/RawClient.h"

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <optional>
 
-#include "KeyboardService/Service/ListeningSocket.h"
+#include "KeyboardService/Service/Clients/ListeningSocket.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TestProcess.h"
 #include "Tests/Unit/KeyboardService/Support/ErrorText.h"

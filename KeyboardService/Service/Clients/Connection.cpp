@@ -1,4 +1,4 @@
-#include "KeyboardService/Service/Connection.h"
+#include "KeyboardService/Service/Clients/Connection.h"
 
 #include <sys/epoll.h>
 #include <sys/socket.h>
@@ -8,7 +8,7 @@
 
 #include "KeyboardService/Protocol/Messages.h"
 #include "KeyboardService/Protocol/Transport.h"
-#include "KeyboardService/Service/Server.h"
+#include "KeyboardService/Service/Clients/Server.h"
 
 namespace zephlin {
 namespace {

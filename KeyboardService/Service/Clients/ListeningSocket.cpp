@@ -1,4 +1,4 @@
-#include "KeyboardService/Service/ListeningSocket.h"
+#include "KeyboardService/Service/Clients/ListeningSocket.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

@@ -11,7 +11,7 @@
 #include <string_view>
 
 #include "Base/FileDescriptor.h"
-#include "KeyboardService/Service/Connection.h"
+#include "KeyboardService/Service/Clients/Connection.h"
 #include "KeyboardService/Service/EventLoop.h"
 #include "KeyboardService/Service/RequestHandler.h"
 

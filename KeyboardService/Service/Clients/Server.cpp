@@ -1,4 +1,4 @@
-#include "KeyboardService/Service/Server.h"
+#include "KeyboardService/Service/Clients/Server.h"
 
 #include <sys/epoll.h>
 #include <sys/socket.h>
