@@ -67,11 +67,19 @@ std::optional<KeyboardNode> keyboardNode(udev_device* device) {
       !hasCapsLockAndLetters(attribute(input, "capabilities/key"))) {
     return std::nullopt;
   }
-  KeyboardNode node{udev_device_get_devnum(device), udev_device_get_syspath(device), path, {}};
+  const unsigned bus = identity(input, "id/bustype");
+  KeyboardNode node{.number = udev_device_get_devnum(device),
+                    .systemPath = udev_device_get_syspath(device),
+                    .path = path,
+                    .hasCapsLockLed = hasCapsLockLed(attribute(input, "capabilities/led")),
+                    .repeatsInHardware = bus == BUS_I8042,
+                    .description = {}};
   node.description.vendorID = identity(input, "id/vendor");
   node.description.productID = identity(input, "id/product");
   node.description.product = attribute(input, "name");
-  node.description.transport = busName(identity(input, "id/bustype"));
+  node.description.transport = busName(bus);
+  const char* const seat = udev_device_get_property_value(device, "ID_SEAT");
+  node.description.seat = seat == nullptr ? "seat0" : seat;
   return node;
 }
 
@@ -86,6 +94,10 @@ bool hasCapsLockAndLetters(std::string_view keyBitmap) {
     }
   }
   return true;
+}
+
+bool hasCapsLockLed(std::string_view ledBitmap) {
+  return hasBit(ledBitmap, LED_CAPSL);
 }
 
 std::string busName(unsigned bus) {
@@ -154,12 +166,13 @@ void KeyboardNodes::add(udev_device* device) {
   if (!node) {
     return;
   }
+  const Identity identity{node->systemPath, node->description.seat};
   const auto known = known_.find(node->number);
-  if (known != known_.end() && known->second == node->systemPath) {
+  if (known != known_.end() && known->second == identity) {
     return;
   }
-  remove(node->number);  // Its removal was missed if it was known.
-  known_[node->number] = node->systemPath;
+  remove(node->number);  // It has moved to another seat, or its removal was missed.
+  known_[node->number] = identity;
   appeared_(*node);
 }
 

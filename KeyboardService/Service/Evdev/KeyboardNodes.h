@@ -19,6 +19,8 @@ struct KeyboardNode {
   dev_t number = 0;
   std::string systemPath;  ///< In /sys; differs from that of a later device with the same number.
   std::string path;        ///< In /dev.
+  bool hasCapsLockLed = false;
+  bool repeatsInHardware = false;  ///< A key that is held is sent again and again, as on PS/2.
   KeyboardDescription description;
 };
 
@@ -29,12 +31,15 @@ constexpr std::string_view clonePhysicalPath = "zephlin-hidd/";
 /// has Caps Lock and all letters. For the kernel, buttons and remote controls are keyboards too.
 bool hasCapsLockAndLetters(std::string_view keyBitmap);
 
+/// Whether the bitmap of LEDs has that of Caps Lock.
+bool hasCapsLockLed(std::string_view ledBitmap);
+
 /// The name of a bus of linux/input.h, or "Other".
 std::string busName(unsigned bus);
 
 /// Finds the keyboards among the kernel's event devices and reports those that come and go, through
-/// libudev, after udev's rules have set their permissions. Without udev only the keyboards
-/// that are present at the start are known.
+/// libudev, after udev's rules have set their permissions. One that moves to another seat goes and
+/// comes. Without udev only the keyboards that are present at the start are known.
 class KeyboardNodes {
  public:
   /// Throws std::system_error if the system refuses.
@@ -54,6 +59,12 @@ class KeyboardNodes {
   template <typename Object>
   using Owned = std::unique_ptr<Object, Release>;
 
+  struct Identity {
+    std::string systemPath;
+    std::string seat;
+    bool operator==(const Identity&) const = default;
+  };
+
   void receive();
   void add(udev_device* device);
   void remove(dev_t number);
@@ -63,7 +74,7 @@ class KeyboardNodes {
   EventSource watch_;
   std::function<void(const KeyboardNode& node)> appeared_;
   std::function<void(dev_t number)> disappeared_;
-  std::map<dev_t, std::string> known_;
+  std::map<dev_t, Identity> known_;
 };
 
 }  // namespace zephlin
