@@ -1,10 +1,11 @@
 #include "KeyboardService/Service/Evdev/EvdevKeyboardBus.h"
 
-#include <system_error>
 #include <utility>
 
 #include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Protocol/Properties.h"
+#include "KeyboardService/Service/Evdev/GrabbedKeyboard.h"
+#include "KeyboardService/Service/Evdev/WatchedKeyboard.h"
 
 namespace zephlin {
 namespace {
@@ -17,7 +18,11 @@ BusHandle handleOf(dev_t number) {
 }  // namespace
 
 EvdevKeyboardBus::EvdevKeyboardBus(EventLoop& loop, std::chrono::milliseconds tapGap, Log log)
-    : loop_(loop), tapGap_(tapGap), log_(std::move(log)), nodes_(loop) {}
+    : loop_(loop),
+      tapGap_(tapGap),
+      log_(std::move(log)),
+      nodes_(loop),
+      released_(loop.timer([this] { releaseAll(); })) {}
 
 void EvdevKeyboardBus::start(KeyboardBusObserver& observer) {
   observer_ = &observer;
@@ -38,11 +43,10 @@ void EvdevKeyboardBus::applyProperties(BusHandle handle, const PropertySet& prop
   Entry& entry = found->second;
   const auto delay = capsLockDelay(properties);
   if (!delay) {
-    entry.grabbed.reset();
-  } else if (entry.grabbed) {
-    entry.grabbed->setRule({*delay, tapGap_});
+    entry.handling.reset();
   } else {
-    grab(handle, entry, {*delay, tapGap_});
+    entry.handling.reset();
+    handleKeyboard(entry, {*delay, tapGap_});
   }
 }
 
@@ -57,20 +61,14 @@ void EvdevKeyboardBus::disappeared(dev_t number) {
   observer_->keyboardDisappeared(*this, handleOf(number));
 }
 
-void EvdevKeyboardBus::grab(BusHandle handle, Entry& entry, CapsLockRule rule) {
-  const auto ended = [this, handle](GrabbedKeyboard::End end) {
-    if (end == GrabbedKeyboard::End::EmergencyChord) {
-      releaseAll();
-    } else {
-      entries_.at(handle).grabbed.reset();  // The node is removed when udev says so.
-    }
-  };
-  try {
-    entry.grabbed = std::make_unique<GrabbedKeyboard>(loop_, entry.node.path, rule, log_, ended);
-  } catch (const std::system_error& error) {
-    if (error.code() != std::errc::no_such_device) {
-      throw RequestError("cannot watch " + entry.node.path + errnoText(error.code().value()));
-    }
+void EvdevKeyboardBus::handleKeyboard(Entry& entry, CapsLockRule rule) {
+  const auto report = [](const KeyboardState&) {};
+  const auto chord = [this] { released_.setDelay(std::chrono::microseconds(0)); };
+  if (rule.hold == std::chrono::milliseconds::zero() && entry.node.hasCapsLockLed) {
+    entry.handling = std::make_unique<WatchedKeyboard>(loop_, entry.node, log_, report);
+  } else {
+    entry.handling =
+        std::make_unique<GrabbedKeyboard>(loop_, entry.node, rule, log_, report, chord);
   }
 }
 
@@ -79,7 +77,7 @@ void EvdevKeyboardBus::releaseAll() {
       "Backspace, Enter and Escape were held together: all keyboards are released and their "
       "properties cleared");
   for (auto& [handle, entry] : entries_) {
-    entry.grabbed.reset();
+    entry.handling.reset();
     observer_->propertiesDropped(*this, handle);
   }
 }

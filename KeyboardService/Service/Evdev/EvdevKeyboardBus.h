@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "KeyboardService/Service/Evdev/GrabbedKeyboard.h"
+#include "KeyboardService/Service/Evdev/KeyboardHandling.h"
 #include "KeyboardService/Service/Evdev/KeyboardNodes.h"
 #include "KeyboardService/Service/KeyboardBus.h"
 #include "KeyboardService/Service/KeyboardRegistry.h"
@@ -26,12 +26,12 @@ class EvdevKeyboardBus final : public KeyboardBus {
  private:
   struct Entry {
     KeyboardNode node;
-    std::unique_ptr<GrabbedKeyboard> grabbed;
+    std::unique_ptr<KeyboardHandling> handling;
   };
 
   void appeared(const KeyboardNode& node);
   void disappeared(dev_t number);
-  void grab(BusHandle handle, Entry& entry, CapsLockRule rule);
+  void handleKeyboard(Entry& entry, CapsLockRule rule);
   void releaseAll();
 
   EventLoop& loop_;
@@ -40,6 +40,7 @@ class EvdevKeyboardBus final : public KeyboardBus {
   KeyboardBusObserver* observer_ = nullptr;
   std::map<BusHandle, Entry> entries_;
   KeyboardNodes nodes_;
+  EventSource released_;
 };
 
 }  // namespace zephlin

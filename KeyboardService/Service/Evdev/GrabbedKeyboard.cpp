@@ -2,31 +2,25 @@
 
 #include <sys/epoll.h>
 
-#include <algorithm>
 #include <ctime>
-#include <system_error>
 #include <utility>
+
+#include "KeyboardService/Protocol/Errors.h"
 
 namespace zephlin {
 namespace {
 
 using namespace std::chrono_literals;
+using Kind = KeyboardState::Kind;
 
 /// Several times what a desktop needs to open a new keyboard: what is typed before that is lost.
 constexpr std::chrono::milliseconds timeToFindUinputKeyboard = 500ms;
-
-constexpr std::chrono::seconds timeBetweenTries = 5s;
 
 std::chrono::microseconds monotonicTime() {
   timespec now{};
   ::clock_gettime(CLOCK_MONOTONIC, &now);
   return std::chrono::duration_cast<std::chrono::microseconds>(
       std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec));
-}
-
-/// LEDs, sounds and the repeat rate come back from the device to which they were sent.
-bool isTyped(const InputEvent& event) {
-  return event.type != EV_LED && event.type != EV_SND && event.type != EV_REP;
 }
 
 }  // namespace
@@ -52,121 +46,168 @@ bool EmergencyChord::completes(const InputEvent& event) {
   return backspace_ && enter_ && escape_;
 }
 
-GrabbedKeyboard::GrabbedKeyboard(EventLoop& loop, const std::string& path, CapsLockRule rule,
-                                 Log log, std::function<void(End)> ended)
-    : path_(path),
-      log_(std::move(log)),
-      ended_(std::move(ended)),
-      keyboard_(path),
-      uinput_(keyboard_),
+GrabbedKeyboard::GrabbedKeyboard(EventLoop& loop, const KeyboardNode& node, CapsLockRule rule,
+                                 Log log, Report report, std::function<void()> emergencyChord)
+    : NodeHandling(loop, node, std::move(log), std::move(report)),
+      emergencyChord_(std::move(emergencyChord)),
       rewriter_(rule),
-      watchKeyboard_(
-          loop.watch(keyboard_.descriptor(), EPOLLIN, [this](std::uint32_t) { onKeyboard(); })),
-      watchLeds_(
-          loop.watch(uinput_.descriptor(), EPOLLIN, [this](std::uint32_t) { onLedEvents(); })),
-      nextTry_(loop.timer([this] { unlessGone([this] { tryToGrab(); }); })),
-      deadline_(loop.timer([this] { onDeadline(); })) {
-  for (EventSource* const each : {&watchKeyboard_, &watchLeds_, &deadline_}) {
-    each->putFirst();
-  }
-  watchKeyboard_.disable();
-  nextTry_.setDelay(timeToFindUinputKeyboard);
+      settled_(loop.timer([this] { attempt([this] { grab(); }); })),
+      deadline_(loop.timer([this] { attempt([this] { onDeadline(); }); })) {
+  deadline_.putFirst();
+  tryAgain();
 }
 
 GrabbedKeyboard::~GrabbedKeyboard() {
-  uinput_.write(rewriter_.releaseAll());
+  close();
 }
 
-void GrabbedKeyboard::onKeyboard() {
-  unlessGone([this] {
-    if (isGrabbed_) {
-      rewriteTyped();
-    } else {
-      while (keyboard_.takeEvent()) {
-      }
-      tryToGrab();
-    }
-  });
+void GrabbedKeyboard::onOpen() {
+  // Scan codes would double what is read and written for a key. LEDs, sounds and the repeat rate
+  // are not typed: they come back from the device to which they were sent.
+  node().letIn(EV_SYN, {EV_KEY, EV_REL, EV_ABS, EV_MSC, EV_SW});
+  node().letIn(EV_MSC, {MSC_SERIAL, MSC_PULSELED, MSC_GESTURE, MSC_RAW, MSC_TIMESTAMP});
+  watchKeyboard_ = loop().watch(node().descriptor(), EPOLLIN,
+                                [this](std::uint32_t) { attempt([this] { onKeyboard(); }); });
+  watchKeyboard_.putFirst();
+  watchKeyboard_.disable();
 }
 
-void GrabbedKeyboard::onDeadline() {
-  unlessGone([this] {
-    const auto now = monotonicTime();
-    // What was typed before the deadline may not have been read yet.
-    if (rewriteTyped()) {
-      onLedEvents();
-      uinput_.write(rewriter_.expire(now));
-      waitForDeadline();
-    }
-  });
-}
-
-void GrabbedKeyboard::onLedEvents() {
-  for (const InputEvent& led : uinput_.takeLedEvents()) {
-    setLed(led);
+void GrabbedKeyboard::confirm() {
+  if (isGrabbed_) {
+    node().requireUsable();
+    return;
+  }
+  bool isHeard = false;
+  node().writeProbe();
+  node().readAll([&](const InputEvent&, std::chrono::microseconds) { isHeard = true; });
+  if (!isHeard) {
+    endClone();
+    becomeHeld();
+  } else if (!clone_) {
+    makeClone();
   }
 }
 
-void GrabbedKeyboard::tryToGrab() {
-  switch (keyboard_.grab()) {
-    case PhysicalKeyboard::Grab::Done:
+void GrabbedKeyboard::onClose() noexcept {
+  endClone();
+  watchKeyboard_ = EventSource();
+}
+
+void GrabbedKeyboard::makeClone() {
+  clone_.emplace(node().descriptor());
+  watchLeds_ = loop().watch(clone_->descriptor(), EPOLLIN,
+                            [this](std::uint32_t) { attempt([this] { onLedEvents(); }); });
+  watchLeds_.putFirst();
+  settled_.setDelay(timeToFindUinputKeyboard);
+  become({Kind::Settling, "waiting for programs to find its clone"});
+}
+
+void GrabbedKeyboard::endClone() noexcept {
+  settled_.disable();
+  deadline_.disable();
+  watchLeds_ = EventSource();
+  if (clone_) {
+    try {
+      clone_->write(rewriter_.releaseAll());
+    } catch (const RequestError&) {
+      // The kernel releases the keys of a clone that goes.
+    }
+    clone_.reset();
+  }
+  isGrabbed_ = false;
+}
+
+/// Grabs the keyboard unless a key is held: programs that have seen the press would miss the
+/// release.
+void GrabbedKeyboard::grab() {
+  const auto isAnyKeyHeld = [this] { return node().heldKeys().any(); };
+  if (!isAnyKeyHeld()) {
+    if (!node().grab()) {
+      endClone();
+      becomeHeld();
+      return;
+    }
+    node().readAll(
+        [](const InputEvent&, std::chrono::microseconds) {});  // Programs have seen these.
+    if (!isAnyKeyHeld()) {
       startRewriting();
-      break;
-    case PhysicalKeyboard::Grab::KeyIsHeld:
-      watchKeyboard_.enable();
-      break;
-    case PhysicalKeyboard::Grab::TakenByAnother:
-      watchKeyboard_.disable();
-      nextTry_.setDelay(timeBetweenTries);
-      if (!std::exchange(hasReportedTrouble_, true)) {
-        log_(path_ +
-             " is held by another program (find it with fuser -v); will take over when it is "
-             "released");
-      }
+      return;
+    }
+    node().ungrab();
   }
+  watchKeyboard_.enable();
+  become({Kind::Settling, "a key is held down"});
 }
 
 void GrabbedKeyboard::startRewriting() {
   isGrabbed_ = true;
+  overflow_ = QueueOverflow();
+  chord_ = EmergencyChord();
   watchKeyboard_.enable();
   // The kernel reports LEDs only when they change, so the clone starts with their present state.
-  std::vector<InputEvent> leds = keyboard_.leds();
-  std::for_each(leds.begin(), leds.end(), [this](const auto& each) { setLed(each); });
+  const auto lit = node().leds();
+  rewriter_.setLed(lit[LED_CAPSL]);
+  std::vector<InputEvent> leds;
+  for (std::uint16_t code = 0; code < LED_CNT; ++code) {
+    if (lit[code]) {
+      leds.push_back({EV_LED, code, 1});
+    }
+  }
   leds.push_back(endOfFrame);
-  uinput_.write(leds);
+  clone_->write(leds);
+  become({Kind::InForce, "grabbed"});
 }
 
-/// Returns false after the emergency chord, which has destroyed this object.
-bool GrabbedKeyboard::rewriteTyped() {
+void GrabbedKeyboard::onKeyboard() {
+  if (isGrabbed_) {
+    rewriteTyped();
+  } else {
+    node().readAll([](const InputEvent&, std::chrono::microseconds) {});
+    watchKeyboard_.disable();
+    grab();
+  }
+}
+
+void GrabbedKeyboard::onDeadline() {
   const auto now = monotonicTime();
-  while (const auto typed = keyboard_.takeEvent()) {
-    const InputEvent& event = typed->event;
-    if (!isTyped(event)) {
-      continue;
-    }
-    if (isCapsLock(event)) {
-      onLedEvents();  // It was pressed with the LED as it is now.
-    }
-    uinput_.write(rewriter_.take(event, typed->time, now));
-    if (endsFrame(event)) {
-      // Scan codes come back here as well, and the kernel keeps no more than sixteen events
-      // (drivers/input/misc/uinput.c): an LED event would be lost among them.
-      onLedEvents();
-    }
-    if (chord_.completes(event)) {
-      end(End::EmergencyChord);
-      return false;
-    }
-  }
+  rewriteTyped();  // What was typed before the deadline may not have been read yet.
+  onLedEvents();
+  clone_->write(rewriter_.expire(now));
   waitForDeadline();
-  return true;
 }
 
-void GrabbedKeyboard::setLed(const InputEvent& led) {
-  if (led.code == LED_CAPSL) {
-    rewriter_.setLed(led.value != 0);
+void GrabbedKeyboard::onLedEvents() {
+  for (const InputEvent& led : clone_->takeLedEvents()) {
+    if (led.code == LED_CAPSL) {
+      rewriter_.setLed(led.value != 0);
+    }
+    node().write({led, endOfFrame});
   }
-  keyboard_.setLed(led);
+}
+
+void GrabbedKeyboard::rewriteTyped() {
+  const auto now = monotonicTime();
+  node().readAll([&](const InputEvent& event, std::chrono::microseconds time) {
+    if (overflow_.counts(event)) {
+      rewrite(event, time, now);
+    } else if (overflow_.isOver()) {
+      for (const InputEvent& each : overflow_.differences(node().heldKeys())) {
+        rewrite(each, time, now);
+      }
+    }
+  });
+  waitForDeadline();
+}
+
+void GrabbedKeyboard::rewrite(const InputEvent& event, std::chrono::microseconds time,
+                              std::chrono::microseconds now) {
+  if (isCapsLock(event)) {
+    onLedEvents();  // It was pressed with the LED as it is now.
+  }
+  clone_->write(rewriter_.take(event, time, now));
+  if (chord_.completes(event)) {
+    emergencyChord_();
+  }
 }
 
 void GrabbedKeyboard::waitForDeadline() {
@@ -175,19 +216,6 @@ void GrabbedKeyboard::waitForDeadline() {
   } else {
     deadline_.disable();
   }
-}
-
-void GrabbedKeyboard::unlessGone(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const std::system_error&) {
-    end(End::DeviceGone);
-  }
-}
-
-void GrabbedKeyboard::end(End end) {
-  const auto ended = ended_;  // A copy, as the call destroys this object.
-  ended(end);
 }
 
 }  // namespace zephlin

@@ -1,14 +1,14 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "KeyboardService/Service/Evdev/CapsLockRewriter.h"
-#include "KeyboardService/Service/Evdev/PhysicalKeyboard.h"
+#include "KeyboardService/Service/Evdev/NodeHandling.h"
+#include "KeyboardService/Service/Evdev/QueueOverflow.h"
 #include "KeyboardService/Service/Evdev/UinputKeyboard.h"
-#include "KeyboardService/Service/EventLoop.h"
-#include "KeyboardService/Service/Log.h"
 
 namespace zephlin {
 
@@ -26,46 +26,43 @@ class EmergencyChord {
 
 /// A keyboard that is grabbed, while programs see a clone of it with Caps Lock rewritten. It is
 /// grabbed once programs have had time to find the clone and no key is held; until then it works as
-/// usual. The destructor releases it, with no key held. What is typed is never logged.
-class GrabbedKeyboard {
+/// usual. What is typed is never logged.
+class GrabbedKeyboard final : public NodeHandling {
  public:
-  enum class End { DeviceGone, EmergencyChord };
+  /// `emergencyChord` is called when it is typed, on the loop's thread; it may not destroy this
+  /// object within the call.
+  GrabbedKeyboard(EventLoop& loop, const KeyboardNode& node, CapsLockRule rule, Log log,
+                  Report report, std::function<void()> emergencyChord);
+  ~GrabbedKeyboard() override;
 
-  /// `ended` is to destroy this object, which does nothing after that call.
-  /// Throws RequestError if the device or uinput cannot be used, and std::system_error with ENODEV
-  /// if the device has gone.
-  GrabbedKeyboard(EventLoop& loop, const std::string& path, CapsLockRule rule, Log log,
-                  std::function<void(End)> ended);
-  GrabbedKeyboard(const GrabbedKeyboard&) = delete;
-  GrabbedKeyboard& operator=(const GrabbedKeyboard&) = delete;
-  ~GrabbedKeyboard();
-
-  void setRule(CapsLockRule rule) { rewriter_.setRule(rule); }
+  void setRule(CapsLockRule rule) override { rewriter_.setRule(rule); }
 
  private:
+  void onOpen() override;
+  void confirm() override;
+  void onClose() noexcept override;
+
+  void makeClone();
+  void endClone() noexcept;
+  void grab();
+  void startRewriting();
   void onKeyboard();
   void onDeadline();
   void onLedEvents();
-  void tryToGrab();
-  void startRewriting();
-  bool rewriteTyped();
-  void setLed(const InputEvent& led);
+  void rewriteTyped();
+  void rewrite(const InputEvent& event, std::chrono::microseconds time,
+               std::chrono::microseconds now);
   void waitForDeadline();
-  void unlessGone(const std::function<void()>& action);
-  void end(End end);
 
-  std::string path_;
-  Log log_;
-  std::function<void(End)> ended_;
-  PhysicalKeyboard keyboard_;
-  UinputKeyboard uinput_;
+  std::function<void()> emergencyChord_;
   CapsLockRewriter rewriter_;
+  QueueOverflow overflow_;
   EmergencyChord chord_;
   bool isGrabbed_ = false;
-  bool hasReportedTrouble_ = false;
+  std::optional<UinputKeyboard> clone_;
   EventSource watchKeyboard_;
   EventSource watchLeds_;
-  EventSource nextTry_;
+  EventSource settled_;
   EventSource deadline_;
 };
 

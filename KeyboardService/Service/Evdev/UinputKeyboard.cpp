@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <span>
 #include <string>
+#include <system_error>
 
 #include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Service/Evdev/KeyboardNodes.h"
@@ -45,15 +46,20 @@ FileDescriptor openUinput() {
 
 }  // namespace
 
-UinputKeyboard::UinputKeyboard(const PhysicalKeyboard& original) : descriptor_(openUinput()) {
-  const char* const name = libevdev_get_name(original.capabilities());
-  const std::string physicalPath = std::string(clonePhysicalPath) + name;
-  libevdev_uinput* device = nullptr;
+UinputKeyboard::UinputKeyboard(int original) : descriptor_(openUinput()) {
+  libevdev* capabilities = nullptr;
+  if (const int error = libevdev_new_from_fd(original, &capabilities); error < 0) {
+    throw std::system_error(-error, std::generic_category(), "reading a keyboard");
+  }
+  const std::unique_ptr<libevdev, decltype(&libevdev_free)> owned(capabilities, libevdev_free);
+  libevdev_enable_event_code(capabilities, EV_LED, LED_CAPSL, nullptr);
+  const std::string physicalPath = std::string(clonePhysicalPath) + libevdev_get_name(capabilities);
   if (::ioctl(descriptor_.get(), UI_SET_PHYS, physicalPath.c_str()) < 0) {
     throw unusable(errno);
   }
+  libevdev_uinput* device = nullptr;
   if (const int error =
-          libevdev_uinput_create_from_device(original.capabilities(), descriptor_.get(), &device);
+          libevdev_uinput_create_from_device(capabilities, descriptor_.get(), &device);
       error < 0) {
     throw unusable(-error);
   }
@@ -68,9 +74,11 @@ void UinputKeyboard::write(const std::vector<InputEvent>& events) {
   std::transform(events.begin(), events.end(), written_.begin(), [](const InputEvent& each) {
     return input_event{{}, each.type, each.code, each.value};
   });
-  // In one call, so that keys wait for one only. The kernel takes all while the clone exists.
-  [[maybe_unused]] const ssize_t count =
-      ::write(descriptor_.get(), written_.data(), written_.size() * sizeof(input_event));
+  // In one call, so that keys wait for one only.
+  const auto size = static_cast<ssize_t>(written_.size() * sizeof(input_event));
+  if (::write(descriptor_.get(), written_.data(), static_cast<std::size_t>(size)) != size) {
+    throw RequestError("cannot write to its clone" + errnoText(errno));
+  }
 }
 
 std::vector<InputEvent> UinputKeyboard::takeLedEvents() {

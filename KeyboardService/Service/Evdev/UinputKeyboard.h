@@ -6,21 +6,24 @@
 #include <memory>
 #include <vector>
 
-#include "KeyboardService/Service/Evdev/PhysicalKeyboard.h"
+#include "Base/FileDescriptor.h"
+#include "KeyboardService/Service/Evdev/InputEvent.h"
 
 namespace zephlin {
 
 /// A keyboard created through uinput that looks like another one to programs: same bus, vendor,
-/// product, name and capabilities, so that it gets the same configuration. When it is destroyed the
+/// product, name and capabilities, so that it gets the same configuration. A Caps Lock LED is
+/// always among them: programs set it to show whether the lock is on. When it is destroyed the
 /// kernel releases its keys.
 class UinputKeyboard {
  public:
-  /// Throws RequestError if uinput is absent or not accessible.
-  explicit UinputKeyboard(const PhysicalKeyboard& original);
+  /// `original` is the open event device of the keyboard. Throws RequestError if uinput is absent
+  /// or not accessible.
+  explicit UinputKeyboard(int original);
 
   [[nodiscard]] int descriptor() const { return descriptor_.get(); }
 
-  /// What the kernel does not take is lost.
+  /// Throws RequestError if the kernel does not take them.
   void write(const std::vector<InputEvent>& events);
 
   /// The LEDs that programs have set since the last call.

@@ -4,6 +4,8 @@
 #include <system_error>
 
 #include "KeyboardService/Service/Evdev/EvdevKeyboardBus.h"
+#include "KeyboardService/Service/Evdev/EventNode.h"
+#include "KeyboardService/Service/Evdev/GrabbedKeyboard.h"
 #include "KeyboardService/Service/EventLoop.h"
 
 namespace zephlin {
@@ -15,10 +17,10 @@ TEST(EvdevKeyboardBus, AKeyboardThatHasGoneCarriesAnything) {
   EXPECT_NO_THROW(bus.applyProperties(BusHandle{1}, {{"CapsLockDelayOverride", 0}}));
 }
 
-TEST(PhysicalKeyboard, ADeviceThatIsNoneIsRefusedWithTheReason) {
+TEST(EventNode, ADeviceThatIsNoneIsRefusedWithTheReason) {
   const auto errorOf = [](const std::string& path) -> std::string {
     try {
-      const PhysicalKeyboard keyboard(path);
+      const EventNode node(path);
       return "no error";
     } catch (const RequestError& error) {
       return error.what();
@@ -28,10 +30,10 @@ TEST(PhysicalKeyboard, ADeviceThatIsNoneIsRefusedWithTheReason) {
   EXPECT_EQ(errorOf("/dev/null").find("cannot open /dev/null ("), 0U);
 }
 
-TEST(PhysicalKeyboard, ADeviceThatIsAbsentHasGone) {
+TEST(EventNode, ADeviceThatIsAbsentHasGone) {
   std::error_code code;
   try {
-    const PhysicalKeyboard keyboard("/absent");
+    const EventNode node("/absent");
   } catch (const std::system_error& error) {
     code = error.code();
   }

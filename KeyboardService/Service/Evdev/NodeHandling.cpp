@@ -1,0 +1,117 @@
+#include "KeyboardService/Service/Evdev/NodeHandling.h"
+
+#include <unistd.h>
+
+#include <system_error>
+#include <utility>
+
+#include "KeyboardService/Protocol/Errors.h"
+#include "KeyboardService/Service/Evdev/KeyboardHolder.h"
+
+namespace zephlin {
+namespace {
+
+using namespace std::chrono_literals;
+using Kind = KeyboardState::Kind;
+
+constexpr std::chrono::seconds timeBetweenTries = 5s;
+
+/// A program that opens a keyboard to take it does so at once, or when no key is held any more.
+constexpr std::chrono::milliseconds timeToBeTaken = 200ms;
+constexpr std::chrono::milliseconds timeToBeTakenAtLeisure = 2s;
+
+constexpr std::string_view held = "held by another program";
+
+}  // namespace
+
+NodeHandling::NodeHandling(EventLoop& loop, KeyboardNode node, Log log, Report report)
+    : loop_(loop),
+      place_(std::move(node)),
+      log_(std::move(log)),
+      report_(std::move(report)),
+      nextTry_(loop.timer([this] { tryAgain(); })),
+      firstCheck_(loop.timer([this] { tryAgain(); })),
+      secondCheck_(loop.timer([this] { tryAgain(); })) {}
+
+void NodeHandling::check() {
+  tryAgain();
+  report_(state_);
+}
+
+void NodeHandling::tryAgain() {
+  if (hasGone_) {
+    return;
+  }
+  attempt([this] {
+    if (!node_) {
+      node_.emplace(place_.path);
+      onOpen();
+      // Only now, so that it does not report what is done here.
+      use_.emplace(loop_, place_.path, [this](FileUse::Seen seen) { onUse(seen); });
+    }
+    confirm();
+  });
+}
+
+void NodeHandling::attempt(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const std::system_error& error) {
+    // A descriptor that was revoked fails like one whose device has gone.
+    hasGone_ =
+        error.code() == std::errc::no_such_device && ::access(place_.systemPath.c_str(), F_OK) != 0;
+    fail(hasGone_ ? "the keyboard has gone" : printable(error.what()));
+  } catch (const RequestError& error) {
+    fail(error.what());
+  }
+}
+
+void NodeHandling::fail(const std::string& reason) {
+  close();
+  become({Kind::NotInForce, reason});
+}
+
+void NodeHandling::close() noexcept {
+  use_.reset();
+  if (node_) {
+    onClose();
+    node_.reset();
+  }
+}
+
+void NodeHandling::becomeHeld() {
+  // Looking for the holder takes long.
+  if (state_.kind != Kind::NotInForce || !state_.text.starts_with(held)) {
+    become({Kind::NotInForce, std::string(held) + holderOf(place_.path)});
+  }
+  nextTry_.setDelay(timeBetweenTries);
+}
+
+void NodeHandling::become(const KeyboardState& state) {
+  if (state.kind == Kind::NotInForce && !hasGone_) {
+    nextTry_.setDelay(timeBetweenTries);
+  }
+  if (state == state_) {
+    return;
+  }
+  const KeyboardState before = std::exchange(state_, state);
+  const auto isHeld = [](const KeyboardState& each) { return each.text.starts_with(held); };
+  if (state.kind == Kind::NotInForce && !hasGone_) {
+    log_(place_.path + (isHeld(state) ? " is " : ": ") + state.text);
+  } else if (before.kind == Kind::NotInForce && !hasGone_) {
+    log_(place_.path + (isHeld(before) ? " is released" : " can be used again"));
+  }
+  report_(state_);
+}
+
+void NodeHandling::onUse(FileUse::Seen seen) {
+  if (seen.opened && state_.kind == Kind::InForce) {
+    firstCheck_.setDelay(timeToBeTaken);
+    secondCheck_.setDelay(timeToBeTakenAtLeisure);
+  }
+  if (seen.closed && state_.kind == Kind::NotInForce) {
+    tryAgain();
+  }
+}
+
+}  // namespace zephlin

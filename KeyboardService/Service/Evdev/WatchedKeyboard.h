@@ -1,0 +1,31 @@
+#pragma once
+
+#include "KeyboardService/Service/Evdev/CapsLockWatch.h"
+#include "KeyboardService/Service/Evdev/NodeHandling.h"
+
+namespace zephlin {
+
+/// A keyboard whose Caps Lock acts at once although every key goes its usual way. Only Caps Lock
+/// and its LED are seen. When it is pressed while the LED is lit, its release is written into the
+/// same device, so that all programs see the key come up; the kernel then drops the real release.
+/// If this process ends or stands still, the keyboard works as ever.
+class WatchedKeyboard final : public NodeHandling {
+ public:
+  WatchedKeyboard(EventLoop& loop, const KeyboardNode& node, Log log, Report report);
+  ~WatchedKeyboard() override;
+
+  /// There is only one rule for a watched keyboard: presses count at once.
+  void setRule(CapsLockRule /*rule*/) override {}
+
+ private:
+  void onOpen() override;
+  void confirm() override;
+  void onClose() noexcept override;
+  void readAll();
+
+  CapsLockWatch watch_;
+  bool isHeard_ = false;
+  EventSource events_;
+};
+
+}  // namespace zephlin
