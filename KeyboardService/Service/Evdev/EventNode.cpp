@@ -5,9 +5,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 #include <ctime>
 #include <system_error>
-#include <vector>
 
 #include "KeyboardService/Protocol/Errors.h"
 
@@ -61,6 +61,13 @@ std::bitset<Count> bits(const std::array<unsigned char, Count / 8>& bytes) {
 
 }  // namespace
 
+std::chrono::microseconds monotonicTime() {
+  timespec now{};
+  ::clock_gettime(CLOCK_MONOTONIC, &now);
+  return std::chrono::duration_cast<std::chrono::microseconds>(
+      std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec));
+}
+
 EventNode::EventNode(const std::string& path) : descriptor_(openNode(path)) {}
 
 void EventNode::letIn(std::uint16_t type, std::initializer_list<std::uint16_t> codes) {
@@ -111,6 +118,20 @@ std::bitset<LED_CNT> EventNode::leds() const {
   std::array<unsigned char, LED_CNT / 8> bytes{};
   checked(::ioctl(descriptor(), EVIOCGLED(bytes.size()), bytes.data()), "reading a keyboard");
   return bits<LED_CNT>(bytes);
+}
+
+std::vector<std::int32_t> EventNode::scanCodes(std::uint16_t key) const {
+  std::vector<std::int32_t> codes;
+  input_keymap_entry entry{};
+  entry.flags = INPUT_KEYMAP_BY_INDEX;
+  for (; ::ioctl(descriptor(), EVIOCGKEYCODE_V2, &entry) == 0; ++entry.index) {
+    if (entry.keycode == key && entry.len == sizeof(std::int32_t)) {
+      std::int32_t code = 0;
+      std::memcpy(&code, entry.scancode, sizeof code);
+      codes.push_back(code);
+    }
+  }
+  return codes;
 }
 
 void EventNode::requireUsable() const {

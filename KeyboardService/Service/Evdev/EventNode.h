@@ -8,11 +8,15 @@
 #include <initializer_list>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "Base/FileDescriptor.h"
 #include "KeyboardService/Service/Evdev/InputEvent.h"
 
 namespace zephlin {
+
+/// The time on the clock of a node's events.
+std::chrono::microseconds monotonicTime();
 
 /// An event device in /dev/input, open and non-blocking, with times of the monotonic clock. All
 /// operations throw std::system_error if the kernel refuses: with ENODEV if the device has gone or
@@ -59,6 +63,9 @@ class EventNode {
   /// queue.
   [[nodiscard]] std::bitset<KEY_CNT> heldKeys() const;
   [[nodiscard]] std::bitset<LED_CNT> leds() const;
+
+  /// The scan codes that the keyboard translates to a key, if its driver uses a table for that.
+  [[nodiscard]] std::vector<std::int32_t> scanCodes(std::uint16_t key) const;
 
   /// Throws if the device has gone or the descriptor was revoked.
   void requireUsable() const;

@@ -2,7 +2,6 @@
 
 #include <sys/epoll.h>
 
-#include <ctime>
 #include <utility>
 
 #include "KeyboardService/Protocol/Errors.h"
@@ -15,13 +14,6 @@ using Kind = KeyboardState::Kind;
 
 /// Several times what a desktop needs to open a new keyboard: what is typed before that is lost.
 constexpr std::chrono::milliseconds timeToFindUinputKeyboard = 500ms;
-
-std::chrono::microseconds monotonicTime() {
-  timespec now{};
-  ::clock_gettime(CLOCK_MONOTONIC, &now);
-  return std::chrono::duration_cast<std::chrono::microseconds>(
-      std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec));
-}
 
 }  // namespace
 

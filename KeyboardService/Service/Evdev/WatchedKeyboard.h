@@ -1,7 +1,13 @@
 #pragma once
 
+#include <chrono>
+#include <optional>
+#include <string>
+
 #include "KeyboardService/Service/Evdev/CapsLockWatch.h"
+#include "KeyboardService/Service/Evdev/HardwareRepeat.h"
 #include "KeyboardService/Service/Evdev/NodeHandling.h"
+#include "KeyboardService/Service/Evdev/RepeatBlocker.h"
 
 namespace zephlin {
 
@@ -21,10 +27,23 @@ class WatchedKeyboard final : public NodeHandling {
   void onOpen() override;
   void confirm() override;
   void onClose() noexcept override;
-  void readAll();
+  void handleAll();
 
+  /// Returns the time of the first scan code among what has arrived.
+  std::optional<std::chrono::microseconds> readAll();
+  void act();
+  void followRepeats();
+  void blockRepeats();
+
+  std::string path_;
+  bool repeatsInHardware_;
   CapsLockWatch watch_;
   bool isHeard_ = false;
+  std::chrono::microseconds pressed_{};
+  std::optional<HardwareRepeat> repeat_;
+  std::optional<RepeatBlocker> blocker_;
+  bool areScanCodesLetIn_ = false;
+  EventSource repeatDeadline_;
   EventSource events_;
 };
 
