@@ -1,11 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <array>
-#include <system_error>
-
 #include "KeyboardService/Service/Evdev/EvdevKeyboardBus.h"
-#include "KeyboardService/Service/Evdev/EventNode.h"
-#include "KeyboardService/Service/Evdev/GrabbedKeyboard.h"
 #include "KeyboardService/Service/EventLoop.h"
 
 namespace zephlin {
@@ -15,63 +10,6 @@ TEST(EvdevKeyboardBus, AKeyboardThatHasGoneCarriesAnything) {
   EventLoop loop;
   EvdevKeyboardBus bus(loop, std::chrono::milliseconds(5), [](const std::string&) {});
   EXPECT_NO_THROW(bus.applyProperties(BusHandle{1}, {{"CapsLockDelayOverride", 0}}));
-}
-
-TEST(EventNode, ADeviceThatIsNoneIsRefusedWithTheReason) {
-  const auto errorOf = [](const std::string& path) -> std::string {
-    try {
-      const EventNode node(path);
-      return "no error";
-    } catch (const RequestError& error) {
-      return error.what();
-    }
-  };
-  EXPECT_EQ(errorOf("/dev"), "cannot open /dev (Is a directory)");
-  EXPECT_EQ(errorOf("/dev/null").find("cannot open /dev/null ("), 0U);
-}
-
-TEST(EventNode, ADeviceThatIsAbsentHasGone) {
-  std::error_code code;
-  try {
-    const EventNode node("/absent");
-  } catch (const std::system_error& error) {
-    code = error.code();
-  }
-  EXPECT_EQ(code, std::errc::no_such_device);
-}
-
-InputEvent key(std::uint16_t code, KeyValue value) {
-  return {EV_KEY, code, value};
-}
-
-struct Step {
-  std::uint16_t code;
-  KeyValue value;
-  bool completes;
-};
-
-TEST(EmergencyChord, IsThreeKeysHeldTogetherInAnyOrderAndPressingOneOfThemAgain) {
-  EmergencyChord chord;
-  EXPECT_FALSE(chord.completes(endOfFrame));
-  for (const auto& [code, value, completes] : {Step{KEY_ESC, KeyPressed, false},
-                                               {KEY_BACKSPACE, KeyPressed, false},
-                                               {KEY_A, KeyPressed, false},
-                                               {KEY_ENTER, KeyPressed, true},
-                                               {KEY_A, KeyPressed, false},
-                                               {KEY_ESC, KeyReleased, false},
-                                               {KEY_ESC, KeyPressed, true}}) {
-    EXPECT_EQ(chord.completes(key(code, value)), completes) << code;
-    EXPECT_FALSE(chord.completes(endOfFrame));
-  }
-}
-
-TEST(EmergencyChord, IsNotThreeKeysOneAfterTheOther) {
-  EmergencyChord chord;
-  for (const std::uint16_t code : std::array<std::uint16_t, 3>{KEY_BACKSPACE, KEY_ENTER, KEY_ESC}) {
-    for (const KeyValue value : {KeyPressed, KeyRepeated, KeyReleased}) {
-      EXPECT_FALSE(chord.completes(key(code, value)));
-    }
-  }
 }
 
 }  // namespace

@@ -35,6 +35,14 @@ TEST(KeyboardNode, OneLetterLessIsNoKeyboard) {
   }
 }
 
+TEST(KeyboardNode, TheLedOfCapsLockIsTheSecond) {
+  EXPECT_TRUE(hasCapsLockLed("7\n"));
+  EXPECT_TRUE(hasCapsLockLed("2\n"));
+  EXPECT_FALSE(hasCapsLockLed("1\n"));
+  EXPECT_FALSE(hasCapsLockLed("0\n"));
+  EXPECT_FALSE(hasCapsLockLed(""));
+}
+
 TEST(KeyboardNode, BusesHaveTheNamesThatPeopleUse) {
   EXPECT_EQ(busName(BUS_USB), "USB");
   EXPECT_EQ(busName(BUS_BLUETOOTH), "Bluetooth");

@@ -1,0 +1,101 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "KeyboardService/Service/Evdev/FileUse.h"
+#include "KeyboardService/Service/Evdev/GrabbedKeyboard.h"
+#include "KeyboardService/Service/Evdev/WatchedKeyboard.h"
+#include "Tests/Support/TemporaryDirectory.h"
+
+namespace zephlin {
+namespace {
+
+using namespace std::chrono_literals;
+using Kind = KeyboardState::Kind;
+
+/// A keyboard's node that is none: whatever is at `path`, while the device is in /sys or not.
+class KeyboardHandlingTest : public testing::TestWithParam<bool> {
+ protected:
+  std::unique_ptr<KeyboardHandling> handle(const std::string& path,
+                                           const std::string& systemPath = "/sys") {
+    KeyboardNode node;
+    node.path = path;
+    node.systemPath = systemPath;
+    const auto log = [this](const std::string& line) { lines_.push_back(line); };
+    const auto report = [this](const KeyboardState& state) { states_.push_back(state); };
+    if (GetParam()) {
+      return std::make_unique<WatchedKeyboard>(loop_, node, log, report);
+    }
+    return std::make_unique<GrabbedKeyboard>(loop_, node, CapsLockRule{300ms, 5ms}, log, report,
+                                             [] {});
+  }
+
+  EventLoop loop_;
+  std::vector<std::string> lines_;
+  std::vector<KeyboardState> states_;
+};
+
+TEST_P(KeyboardHandlingTest, TroubleIsAStateFromTheStartAndIsLoggedOnce) {
+  const auto keyboard = handle("/dev");
+  const KeyboardState cannot{Kind::NotInForce, "cannot open /dev (Is a directory)"};
+  EXPECT_EQ(states_, std::vector{cannot});
+  EXPECT_EQ(lines_, std::vector<std::string>{"/dev: cannot open /dev (Is a directory)"});
+  keyboard->setRule({300ms, 5ms});
+  keyboard->check();
+  EXPECT_EQ(states_, (std::vector{cannot, cannot}));
+  EXPECT_EQ(lines_.size(), 1U);
+}
+
+TEST_P(KeyboardHandlingTest, AFileThatIsNotAKeyboardIsTrouble) {
+  handle("/dev/null");
+  ASSERT_EQ(states_.size(), 1U);
+  EXPECT_EQ(states_[0].kind, Kind::NotInForce);
+  EXPECT_EQ(states_[0].text.find("cannot open /dev/null ("), 0U);
+}
+
+TEST_P(KeyboardHandlingTest, AKeyboardThatHasGoneIsNotWorthALine) {
+  const auto keyboard = handle("/absent", "/absent");
+  const KeyboardState gone{Kind::NotInForce, "the keyboard has gone"};
+  EXPECT_EQ(states_, std::vector{gone});
+  keyboard->check();
+  EXPECT_EQ(states_, (std::vector{gone, gone}));
+  EXPECT_TRUE(lines_.empty());
+}
+
+TEST_P(KeyboardHandlingTest, ADeviceThatIsStillThereHasNotGone) {
+  handle("/absent", "/sys");
+  ASSERT_EQ(states_.size(), 1U);
+  EXPECT_EQ(states_[0].text, "opening a keyboard: No such device");
+  EXPECT_EQ(lines_.size(), 1U);
+}
+
+INSTANTIATE_TEST_SUITE_P(WatchedAndGrabbed, KeyboardHandlingTest, testing::Bool());
+
+TEST(FileUse, IsReportedWhenAFileIsOpenedAndClosed) {
+  const test::TemporaryDirectory directory;
+  const std::string path = directory.file("node");
+  std::ofstream(path) << "content";
+  EventLoop loop;
+  FileUse::Seen seen;
+  const FileUse use(loop, path, [&](FileUse::Seen each) { seen = each; });
+  const auto runOnce = [&] { return sd_event_run(loop.native(), UINT64_MAX); };
+  std::ifstream file(path);
+  ASSERT_GE(runOnce(), 0);
+  EXPECT_TRUE(seen.opened);
+  EXPECT_FALSE(seen.closed);
+  file.close();
+  ASSERT_GE(runOnce(), 0);
+  EXPECT_FALSE(seen.opened);
+  EXPECT_TRUE(seen.closed);
+}
+
+TEST(FileUse, ThatCannotBeWatchedIsNot) {
+  EventLoop loop;
+  EXPECT_NO_THROW(FileUse(loop, "/absent/file", [](FileUse::Seen) {}));
+}
+
+}  // namespace
+}  // namespace zephlin
