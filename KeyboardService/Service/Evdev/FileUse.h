@@ -8,22 +8,14 @@
 
 namespace zephlin {
 
-/// Calls back when any process opens or closes a file, which may destroy this object. Does nothing
-/// where inotify is used up: it may only make something happen sooner.
+/// Calls back when any process has opened a file or is about to have closed it. Does nothing where
+/// inotify is used up: it may only make something happen sooner.
 class FileUse {
  public:
-  struct Seen {
-    bool opened = false;
-    bool closed = false;
-  };
-
-  FileUse(EventLoop& loop, const std::string& path, std::function<void(Seen)> callback);
+  FileUse(EventLoop& loop, const std::string& path, std::function<void()> callback);
 
  private:
-  void receive();
-
   FileDescriptor inotify_;
-  std::function<void(Seen)> callback_;
   EventSource watch_;
 };
 

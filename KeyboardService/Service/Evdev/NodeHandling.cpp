@@ -16,9 +16,10 @@ using Kind = KeyboardState::Kind;
 
 constexpr std::chrono::seconds timeBetweenTries = 5s;
 
-/// A program that opens a keyboard to take it does so at once, or when no key is held any more.
-constexpr std::chrono::milliseconds timeToBeTaken = 200ms;
-constexpr std::chrono::milliseconds timeToBeTakenAtLeisure = 2s;
+/// A program that has opened a keyboard grabs it at once, or when no key is held any more. One that
+/// closes it is noticed before its grab ends, which takes some hundredths of a second.
+constexpr std::chrono::milliseconds timeToChangeHands = 100ms;
+constexpr std::chrono::milliseconds timeToChangeHandsAtLeisure = 2s;
 
 constexpr std::string_view held = "held by another program";
 
@@ -47,7 +48,7 @@ void NodeHandling::tryAgain() {
       node_.emplace(place_.path);
       onOpen();
       // Only now, so that it does not report what is done here.
-      use_.emplace(loop_, place_.path, [this](FileUse::Seen seen) { onUse(seen); });
+      use_.emplace(loop_, place_.path, [this] { onUse(); });
     }
     confirm();
   });
@@ -104,14 +105,11 @@ void NodeHandling::become(const KeyboardState& state) {
   report_(state_);
 }
 
-void NodeHandling::onUse(FileUse::Seen seen) {
-  if (seen.opened && state_.kind == Kind::InForce) {
-    firstCheck_.setDelay(timeToBeTaken);
-    secondCheck_.setDelay(timeToBeTakenAtLeisure);
+void NodeHandling::onUse() {
+  if (!firstCheck_.isEnabled()) {  // However often it is used, it is checked.
+    firstCheck_.setDelay(timeToChangeHands);
   }
-  if (seen.closed && state_.kind == Kind::NotInForce) {
-    tryAgain();
-  }
+  secondCheck_.setDelay(timeToChangeHandsAtLeisure);
 }
 
 }  // namespace zephlin

@@ -47,7 +47,7 @@ class NodeHandling : public KeyboardHandling {
 
  private:
   void fail(const std::string& reason);
-  void onUse(FileUse::Seen seen);
+  void onUse();
 
   EventLoop& loop_;
   KeyboardNode place_;
