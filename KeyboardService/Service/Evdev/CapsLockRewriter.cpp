@@ -1,6 +1,5 @@
 #include "KeyboardService/Service/Evdev/CapsLockRewriter.h"
 
-#include <iterator>
 #include <utility>
 
 namespace zephlin {
@@ -78,37 +77,33 @@ void CapsLockRewriter::takeWaiting(Time now) {
 
 void CapsLockRewriter::takeFrame(View frame, Time time, Time now) {
   const auto end = frame.end() - 1;
-  for (auto next = frame.begin(); next != end;) {
-    const View event(next, isScanCode(next[0]) && isKey(next[1]) ? 2 : 1);
-    next += std::ssize(event);
-    if (passes(event, time)) {
-      emit(event);
+  for (auto next = frame.begin(); next != end; ++next) {
+    if (passes(*next, time)) {
+      emit(*next);
     }
     if (capsLock_ == CapsLock::Tapping) {
       endFrame();
       deadline_ = now + rule_.gap;
-      waiting_.push_front({{next, frame.end()}, time});
+      waiting_.push_front({{next + 1, frame.end()}, time});
       return;
     }
   }
   endFrame(*end);
 }
 
-/// Whether an event, preceded by its scan code if it has one, passes at once.
-bool CapsLockRewriter::passes(View event, Time time) {
-  const InputEvent& last = event.back();
-  if (isKey(last) && last.value == KeyRepeated) {
+/// Whether an event passes at once.
+bool CapsLockRewriter::passes(const InputEvent& event, Time time) {
+  if (isKey(event) && event.value == KeyRepeated) {
     return false;
   }
-  return !isCapsLock(last) || passesCapsLock(event, time);
+  return !isCapsLock(event) || passesCapsLock(event, time);
 }
 
-bool CapsLockRewriter::passesCapsLock(View event, Time time) {
-  if (event.back().value == KeyReleased) {
+bool CapsLockRewriter::passesCapsLock(const InputEvent& event, Time time) {
+  if (event.value == KeyReleased) {
     return passesRelease(time);
   }
   if (rule_.hold > std::chrono::milliseconds::zero()) {
-    withheld_.assign(event.begin(), event.end());
     capsLock_ = CapsLock::Withheld;
     deadline_ = time + rule_.hold;
     return false;
@@ -128,7 +123,7 @@ bool CapsLockRewriter::passesRelease(Time time) {
 }
 
 void CapsLockRewriter::countHeldPress() {
-  emit(withheld_);
+  emit({EV_KEY, KEY_CAPSLOCK, KeyPressed});
   endFrame();
   capsLock_ = CapsLock::Passed;
   deadline_.reset();
@@ -141,18 +136,15 @@ void CapsLockRewriter::closeTap() {
   deadline_.reset();
 }
 
-void CapsLockRewriter::emit(View events) {
-  for (const InputEvent& event : events) {
-    if (isKey(event)) {
-      down_.set(event.code, event.value != KeyReleased);
-    }
-    output_.push_back(event);
+void CapsLockRewriter::emit(const InputEvent& event) {
+  if (isKey(event)) {
+    down_.set(event.code, event.value != KeyReleased);
   }
+  output_.push_back(event);
 }
 
 void CapsLockRewriter::emitRelease(std::uint16_t code) {
-  const InputEvent release{EV_KEY, code, KeyReleased};
-  emit({&release, 1});
+  emit({EV_KEY, code, KeyReleased});
 }
 
 /// Adds the end to what came out since the last one, if anything did.

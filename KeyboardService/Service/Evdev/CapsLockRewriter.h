@@ -33,9 +33,8 @@ struct CapsLockRule {
 /// the modifier of a screen reader, which has to stay down for as long as it is held. Other keys
 /// wait until the release is out, so that their letters come after the unlocking.
 ///
-/// Repetitions are dropped, as the device that shows the events repeats by itself. An event that is
-/// dropped or withheld takes along the scan code before it. All other events come out in their
-/// order, with a frame's end wherever one is needed.
+/// Repetitions are dropped, as the device that shows the events repeats by itself. All other events
+/// come out in their order, with a frame's end wherever one is needed.
 class CapsLockRewriter {
  public:
   using Time = std::chrono::microseconds;
@@ -81,12 +80,12 @@ class CapsLockRewriter {
   void passDeadlines(Time time, Time now);
   void takeWaiting(Time now);
   void takeFrame(View frame, Time time, Time now);
-  bool passes(View event, Time time);
-  bool passesCapsLock(View event, Time time);
+  bool passes(const InputEvent& event, Time time);
+  bool passesCapsLock(const InputEvent& event, Time time);
   bool passesRelease(Time time);
   void countHeldPress();
   void closeTap();
-  void emit(View events);
+  void emit(const InputEvent& event);
   void emitRelease(std::uint16_t code);
   void endFrame(const InputEvent& end = endOfFrame);
 
@@ -94,7 +93,6 @@ class CapsLockRewriter {
   bool lit_ = false;
   CapsLock capsLock_ = CapsLock::Up;
   std::optional<Time> deadline_;  ///< Only while Caps Lock is withheld or being tapped.
-  Events withheld_;
   Events unfinished_;
   std::deque<Frame> waiting_;  ///< Empty except while Caps Lock is being tapped.
   std::bitset<KEY_CNT> down_;

@@ -1,6 +1,8 @@
 #include "Tests/Unit/KeyboardService/Service/Evdev/RewriterHistory.h"
 
+#include <algorithm>
 #include <array>
+#include <iterator>
 #include <set>
 #include <stdexcept>
 
@@ -27,16 +29,11 @@ bool isLeftOut(const InputEvent& event) {
   return isCapsLock(event) || (event.type == EV_KEY && event.value == KeyRepeated);
 }
 
-/// Without the ends of frames, Caps Lock, repetitions, and the scan codes right before these two.
+/// Without the ends of frames, Caps Lock and repetitions.
 std::vector<InputEvent> others(const std::vector<InputEvent>& events) {
   std::vector<InputEvent> result;
-  for (auto event = events.begin(); event != events.end(); ++event) {
-    const bool announcesLeftOut =
-        isScanCode(*event) && event + 1 != events.end() && isLeftOut(event[1]);
-    if (event->type != EV_SYN && !isLeftOut(*event) && !announcesLeftOut) {
-      result.push_back(*event);
-    }
-  }
+  std::copy_if(events.begin(), events.end(), std::back_inserter(result),
+               [](const auto& each) { return each.type != EV_SYN && !isLeftOut(each); });
   return result;
 }
 
@@ -107,7 +104,7 @@ class History {
       inDown_.erase(key);
     }
     if (argument % 8 > 2) {
-      put({EV_MSC, MSC_SCAN, key});
+      put({EV_MSC, MSC_RAW, key});
     }
     put({EV_KEY, key, goesDown ? KeyPressed : KeyReleased});
   }
@@ -116,7 +113,7 @@ class History {
     if (!inDown_.empty()) {
       put({EV_KEY, *inDown_.begin(), KeyRepeated});
     } else {
-      put({EV_MSC, MSC_SCAN, argument});
+      put({EV_MSC, MSC_RAW, argument});
     }
   }
 

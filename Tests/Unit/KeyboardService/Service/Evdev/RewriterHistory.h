@@ -9,7 +9,7 @@ namespace zephlin {
 /// come, and checks what the rewriter makes of it:
 ///
 /// - what comes out are whole frames, none of them empty; keys go down and up in turn;
-/// - everything but Caps Lock, repetitions and the scan codes of both comes out as it went in;
+/// - everything but Caps Lock and repetitions comes out as it went in;
 /// - without a hold each press of Caps Lock comes out once, and with the LED lit no other key
 ///   comes between it and its release; with a hold just those come out that were held so long;
 /// - in the end no key is down.

@@ -32,13 +32,10 @@ std::uint16_t keyCode(const std::string& name) {
 }
 
 std::string describe(const InputEvent& event) {
-  if (event.type == EV_KEY) {
-    return keyVerbs[event.value] + (' ' + keyName(event.code));
+  if (event.type != EV_KEY) {
+    throw std::runtime_error("an event that scenarios do not have");
   }
-  if (isScanCode(event)) {
-    return "scan " + std::to_string(event.value);
-  }
-  throw std::runtime_error("an event that scenarios do not have");
+  return keyVerbs[event.value] + (' ' + keyName(event.code));
 }
 
 InputEvent readEvent(std::istream& words) {
@@ -49,9 +46,6 @@ InputEvent readEvent(std::istream& words) {
     return {EV_SYN, SYN_DROPPED, 0};
   }
   words >> object;
-  if (verb == "scan") {
-    return {EV_MSC, MSC_SCAN, std::stoi(object)};
-  }
   for (int value = KeyReleased; value <= KeyRepeated; ++value) {
     if (verb == keyVerbs[value]) {
       return {EV_KEY, keyCode(object), value};
@@ -162,7 +156,7 @@ class Scenario {
 ///   # a comment
 ///   rule hold=0 gap=5                      milliseconds; in force for later presses
 ///   led on                                 the LED of Caps Lock, which is off at first
-///   10 scan 58 + press KEY_CAPSLOCK        at 10 ms a frame; "press", "release", "repeat" a key
+///   10 press KEY_A + press KEY_CAPSLOCK    at 10 ms a frame; "press", "release", "repeat" a key
 ///   20 press KEY_A + dropped               the frame ends with SYN_DROPPED
 ///   30 press KEY_B ...                     the frame is not finished yet
 ///   release all
