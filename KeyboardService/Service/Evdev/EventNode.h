@@ -48,12 +48,10 @@ class EventNode {
   /// To the device as if it had come from there, or to its LEDs. Nobody's grab prevents this.
   void write(std::initializer_list<InputEvent> events);
 
-  /// Whether what others write or the keyboard sends comes here; it does not while another program
-  /// has grabbed it. `readAll` is to be called next, and gets `isProbe` if it does.
+  /// Writes a frame that comes back here, to be read next, unless another program has grabbed the
+  /// keyboard: then only that program gets it. Programs ignore it, and it loses nobody a key, as a
+  /// grab for a moment would.
   void writeProbe() { write({{EV_SYN, SYN_CONFIG, 0}, endOfFrame}); }
-  static constexpr bool isProbe(const InputEvent& event) {
-    return event.type == EV_SYN && event.code == SYN_CONFIG;
-  }
 
   /// Returns false if another program has grabbed it.
   bool grab();
