@@ -70,7 +70,12 @@ void serve(const ServiceOptions& options) {
 
   const Permissions permissions(::geteuid(), hasActiveLocalLoginSession);
   RequestHandler handler(registry, virtualKeyboards, permissions, logToStandardError);
-  Server server(loop, std::move(*listening), handler, ServerLimits{});
+  Server server(
+      loop, std::move(*listening),
+      [&handler](std::string_view line, uid_t user, const Server::Reply& reply) {
+        handler.respond(line, user, reply);
+      },
+      ServerLimits{});
   registry.onAppeared([&server](RegistryID registryID) { server.announce({registryID}); });
 
   logToStandardError(ready + countedKeyboards(registry.size()));

@@ -82,14 +82,16 @@ std::vector<std::string> VirtualMachine::command(const std::string& images,
           "-kernel", images + "/kernel", "-initrd", images + "/initramfs",
           "-append", "console=ttyS0 quiet panic=-1 no_console_suspend mem_sleep_default=deep "
                      // Else the clock of several emulated processors is a slow chip's.
-                     "tsc=reliable",
+                     "tsc=reliable "
+                     // The kernel need not test its ciphers, half of the time that it takes to boot.
+                     "cryptomgr.notests",
           "-serial", "file:" + directory_.file("console"),
           "-serial", "unix:" + directory_.file("shell") + ",server=on,wait=on",
-          "-qmp", "unix:" + directory_.file("control") + ",server=on,wait=off"};
+          "-qmp", "unix:" + directory_.file("control") + ",server=on,wait=off",
+          // QEMU fills the last free port with a hub.
+          "-device", "qemu-xhci,id=usb,p2=" + std::to_string(places + 1)};
   for (int place = 0; place < places; ++place) {
-    const std::string number = std::to_string(place);
-    command.insert(command.end(), {"-device", "bochs-display,id=video" + number,
-                                   "-device", "qemu-xhci,id=usb" + number});
+    command.insert(command.end(), {"-device", "bochs-display,id=video" + std::to_string(place)});
   }
   if (hardware.processors == 1) {
     // The machine's clock counts its instructions, so it does not run on while the host is busy.
@@ -162,7 +164,7 @@ void VirtualMachine::plug(const std::vector<int>& keyboards) {
     const std::string number = std::to_string(keyboard);
     control("device_add", {{"driver", "usb-kbd"},
                            {"id", "keyboard" + number},
-                           {"bus", "usb" + number + ".0"},
+                           {"bus", "usb.0"},
                            {"serial", "K" + number},
                            {"display", "video" + number}});
   }

@@ -60,8 +60,7 @@ class VirtualMachine {
   /// The number of the PS/2 keyboard, which is never plugged or pulled.
   static constexpr int ps2Keyboard = -1;
 
-  /// Plugs keyboards into their places, each on a bus of its own, and waits until the kernel has
-  /// them.
+  /// Plugs keyboards into their places and waits until the kernel has them.
   void plug(const std::vector<int>& keyboards);
 
   /// Pulls them and waits until the kernel has noticed.

@@ -3,8 +3,11 @@
 #include <sys/epoll.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <system_error>
+#include <utility>
 
 #include "KeyboardService/Protocol/Messages.h"
 #include "KeyboardService/Protocol/Transport.h"
@@ -12,6 +15,9 @@
 
 namespace zephlin {
 namespace {
+
+using std::chrono::microseconds;
+using std::chrono::steady_clock;
 
 constexpr std::size_t bytesPerTurn = std::size_t{16} * 1024;
 
@@ -34,19 +40,29 @@ bool meansLater(int errorNumber) {
 
 }  // namespace
 
-Connection::Connection(EventLoop& loop, FileDescriptor socket, uid_t user,
-                       std::chrono::microseconds timeout, Server& server)
+Connection::Connection(EventLoop& loop, Turns& turns, FileDescriptor socket, uid_t user,
+                       const ClientTimeouts& timeouts, Server& server)
     : user_(user),
-      timeout_(timeout),
+      timeouts_(timeouts),
       server_(server),
       input_(maximumRequestBytes),
       socket_(std::move(socket)),
       watch_(
           loop.watch(socket_.get(), EPOLLIN, [this](std::uint32_t events) { onSocket(events); })),
-      nextRequest_(loop.timer([this] { takeRequest(); })),
-      stalled_(loop.timer([this] { end(); })) {}
+      stalled_(loop.timer([this] { end(); })),
+      turn_(turns, user, [this] { takeTurn(); }) {}
 
 void Connection::onSocket(std::uint32_t events) {
+  ready_ = events;
+  waitForTurn();
+}
+
+void Connection::takeTurn() {
+  const std::uint32_t events = std::exchange(ready_, 0);
+  if (events == 0) {
+    takeRequest();
+    return;
+  }
   if ((events & EPOLLIN) != 0) {
     receive();
   }
@@ -59,13 +75,23 @@ void Connection::onSocket(std::uint32_t events) {
   proceed();
 }
 
+void Connection::answer(std::string_view line) {
+  awaitsAnswer_ = false;
+  say(line);
+  proceed();
+}
+
 void Connection::tell(std::string_view line) {
-  output_ += std::string(line) + '\n';
-  send();
+  say(line);
   if (output_.size() > maximumUnreadBytes) {
     broken_ = true;
   }
   proceed();
+}
+
+void Connection::say(std::string_view line) {
+  output_ += std::string(line) + '\n';
+  send();
 }
 
 void Connection::receive() {
@@ -73,7 +99,6 @@ void Connection::receive() {
   const ssize_t received = ::recv(socket_.get(), chunk.data(), chunk.size(), MSG_DONTWAIT);
   if (received > 0) {
     input_.append({chunk.data(), static_cast<std::size_t>(received)});
-    progressed_ = true;
   } else if (received == 0) {
     inputEnded_ = true;
   } else if (!meansLater(errno)) {
@@ -86,9 +111,11 @@ void Connection::send() {
       ::send(socket_.get(), output_.data(), output_.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
   if (sent >= 0) {
     output_.erase(0, static_cast<std::size_t>(sent));
-    progressed_ = true;
   } else if (!meansLater(errno)) {
     broken_ = true;
+  }
+  if (output_.empty()) {
+    midwaySince_.reset();
   }
 }
 
@@ -96,51 +123,74 @@ void Connection::send() {
 void Connection::proceed() {
   if (isOver()) {
     end();
+  } else if (turn_.isRequested()) {
+    return;
+  } else if (awaitsAnswer_) {
+    waitForClient(0, false);
   } else if (!output_.empty() && !subscribed_) {
     waitForClient(EPOLLOUT, true);
   } else if (input_.state() == LineSplitter::State::NeedsBytes) {
     waitForClient(output_.empty() ? EPOLLIN : EPOLLIN | EPOLLOUT, input_.hasPartialLine());
   } else {
-    watch_.setEvents(0);
-    stalled_.disable();
-    nextRequest_.setDelay(server_.restBeforeRequest());
+    waitForTurn();
   }
 }
 
 bool Connection::isOver() const {
   const bool noMoreRequests =
       lastResponse_ || (inputEnded_ && input_.state() == LineSplitter::State::NeedsBytes);
-  return broken_ || (noMoreRequests && (output_.empty() || subscribed_));
+  const bool hasAnswered = !awaitsAnswer_ && (output_.empty() || subscribed_);
+  return broken_ || (noMoreRequests && hasAnswered);
 }
 
 void Connection::takeRequest() {
-  if (const auto rest = server_.restBeforeRequest(); rest > rest.zero()) {
-    nextRequest_.setDelay(rest);  // Another client's request was taken meanwhile.
-    return;
-  }
+  midwaySince_.reset();
   if (subscribed_) {
-    output_ += alreadySubscribed() + '\n';
     subscribed_ = false;
     lastResponse_ = true;
+    say(alreadySubscribed());
+    proceed();
   } else if (input_.state() == LineSplitter::State::HasLine) {
-    output_ = server_.respond(input_.takeLine(), *this) + '\n';
+    ask(input_.takeLine());
   } else {
-    output_ = requestTooLong() + '\n';
     lastResponse_ = true;
+    answer(requestTooLong());
   }
-  send();
-  proceed();
 }
 
-/// `midway` means that the timeout runs.
-void Connection::waitForClient(std::uint32_t events, bool midway) {
-  watch_.setEvents(events);
-  if (!midway) {
-    stalled_.disable();
-  } else if (progressed_ || !stalled_.isEnabled()) {
-    stalled_.setDelay(timeout_);
+void Connection::ask(std::string_view line) {
+  const auto self = shared_from_this();  // The answer may come at once, and end the connection.
+  awaitsAnswer_ = true;
+  server_.respond(line, *this);
+  if (awaitsAnswer_) {
+    proceed();
   }
-  progressed_ = false;
+}
+
+void Connection::waitForTurn() {
+  // Without events alone, a client that has hung up would be reported all the same.
+  watch_.disable();
+  stalled_.disable();
+  turn_.request();
+}
+
+/// `midway` means that the timeouts run.
+void Connection::waitForClient(std::uint32_t events, bool midway) {
+  if (midway) {
+    const auto now = steady_clock::now();
+    midwaySince_ = midwaySince_.value_or(now);
+    const auto rest = std::chrono::ceil<microseconds>(*midwaySince_ + timeouts_.whole - now);
+    stalled_.setDelay(std::clamp(rest, microseconds::zero(), timeouts_.progress));
+  } else {
+    midwaySince_.reset();
+    stalled_.disable();
+  }
+  try {
+    watch_.setEvents(events);
+    watch_.enable();
+  } catch (const std::system_error&) {
+    end();  // The system cannot watch one more socket.
+  }
 }
 
 void Connection::end() {

@@ -5,9 +5,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <ctime>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 #include "KeyboardService/Protocol/Messages.h"
 
@@ -17,11 +17,7 @@ namespace {
 /// By then there may be descriptors again.
 constexpr std::chrono::seconds timeBetweenTries{1};
 
-std::chrono::nanoseconds timeOn(clockid_t clock) {
-  timespec time{};
-  ::clock_gettime(clock, &time);
-  return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-}
+constexpr int acceptsInATurn = 8;
 
 std::optional<uid_t> peerOf(const FileDescriptor& socket) {
   ucred credentials{};
@@ -43,19 +39,25 @@ void turnAway(const FileDescriptor& socket, std::size_t limit) {
 
 /// Whether the next accept may succeed all the same.
 bool concernsOneClient(int errorNumber) {
-  return errorNumber == EAGAIN || errorNumber == EINTR || errorNumber == ECONNABORTED;
+  return errorNumber == EINTR || errorNumber == ECONNABORTED;
 }
 
 }  // namespace
 
-Server::Server(EventLoop& loop, FileDescriptor listening, RequestHandler& handler,
-               ServerLimits limits)
+Server::Server(EventLoop& loop, FileDescriptor listening, Respond respond,
+               const ServerLimits& limits)
     : loop_(loop),
-      handler_(handler),
+      turns_(loop),
+      respond_(std::move(respond)),
       limits_(limits),
       listening_(std::move(listening)),
-      accepting_(loop.watch(listening_.get(), EPOLLIN, [this](std::uint32_t) { acceptOne(); })),
-      retry_(loop.timer([this] { resumeAccepting(); })) {}
+      accepting_(loop.watch(listening_.get(), EPOLLIN,
+                            [this](std::uint32_t) {
+                              accepting_.setEvents(0);
+                              newcomers_.request();
+                            })),
+      retry_(loop.timer([this] { newcomers_.request(); })),
+      newcomers_(turns_, std::nullopt, [this] { acceptSome(); }) {}
 
 void Server::announce(const AppearedNotice& notice) {
   const std::string line = encode(notice);
@@ -68,18 +70,15 @@ void Server::announce(const AppearedNotice& notice) {
   }
 }
 
-std::string Server::respond(std::string_view line, Connection& connection) {
-  std::string answer;
-  handler_.respond(line, connection.user(), [&](const Response& response) {
-    const bool subscribes = std::holds_alternative<SubscribeResponse>(response);
-    answer = encode(subscribes ? subscribe(connection) : response);
-  });
-  return answer;
-}
-
-std::chrono::microseconds Server::restBeforeRequest() {
-  return std::chrono::ceil<std::chrono::microseconds>(
-      budget_.rest(timeOn(CLOCK_MONOTONIC), timeOn(CLOCK_THREAD_CPUTIME_ID)));
+void Server::respond(std::string_view line, Connection& connection) {
+  const auto reply = [this, weak = connection.weak_from_this()](const Response& response) {
+    // The server is there if one of its connections is.
+    if (const auto asker = weak.lock()) {
+      const bool subscribes = std::holds_alternative<SubscribeResponse>(response);
+      asker->answer(encode(subscribes ? subscribe(*asker) : response));
+    }
+  };
+  respond_(line, connection.user(), reply);
 }
 
 Response Server::subscribe(Connection& connection) {
@@ -103,41 +102,48 @@ void Server::connectionEnded(Connection& connection) {
     connectionsOfUsers_.erase(count);
   }
   connections_.erase(&connection);
-  resumeAccepting();
-}
-
-void Server::acceptOne() {
-  if (const auto rest = restBeforeRequest(); rest > rest.zero()) {
-    pauseAccepting(rest);
-    return;
-  }
-  FileDescriptor socket(
-      ::accept4(listening_.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
-  if (socket.isOpen()) {
-    welcome(std::move(socket));
-  } else if (!concernsOneClient(errno)) {
-    pauseAccepting(timeBetweenTries);
+  if (retry_.isEnabled()) {
+    retry_.disable();
+    newcomers_.request();
   }
 }
 
-void Server::welcome(FileDescriptor socket) {
+void Server::acceptSome() {
+  for (int tries = 0; tries < acceptsInATurn; ++tries) {
+    FileDescriptor socket(
+        ::accept4(listening_.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+    if (!socket.isOpen() && errno == EAGAIN) {
+      accepting_.setEvents(EPOLLIN);
+      return;
+    }
+    const bool mayGoOn = socket.isOpen() ? welcome(std::move(socket)) : concernsOneClient(errno);
+    if (!mayGoOn) {
+      retry_.setDelay(timeBetweenTries);
+      return;
+    }
+  }
+  newcomers_.request();
+}
+
+/// Returns whether the system has enough for the next one.
+bool Server::welcome(FileDescriptor socket) {
   const auto user = peerOf(socket);
   if (!user) {
-    return;
+    return true;
   }
   if (!hasRoomFor(*user)) {
     turnAway(socket, limits_.connectionsOfAUser);
-    return;
+    return true;
   }
   try {
-    auto connection =
-        std::make_unique<Connection>(loop_, std::move(socket), *user, limits_.timeout, *this);
+    auto connection = std::make_shared<Connection>(loop_, turns_, std::move(socket), *user,
+                                                   limits_.timeouts, *this);
     const Connection* const key = connection.get();
     connections_.emplace(key, std::move(connection));
     ++connectionsOfUsers_[*user];
+    return true;
   } catch (const std::system_error&) {
-    // The system cannot watch one more socket; the client sees its connection closed.
-    pauseAccepting(timeBetweenTries);
+    return false;  // The system cannot watch one more socket; the client sees it closed.
   }
 }
 
@@ -145,16 +151,6 @@ bool Server::hasRoomFor(uid_t user) const {
   const auto count = connectionsOfUsers_.find(user);
   return user == 0 || count == connectionsOfUsers_.end() ||
          count->second < limits_.connectionsOfAUser;
-}
-
-void Server::pauseAccepting(std::chrono::microseconds pause) {
-  accepting_.disable();
-  retry_.setDelay(pause);
-}
-
-void Server::resumeAccepting() {
-  retry_.disable();
-  accepting_.enable();
 }
 
 }  // namespace zephlin

@@ -2,9 +2,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <csignal>
-#include <ctime>
 #include <memory>
 
 #include "Tests/CLI/KeyboardService/RunningService.h"
@@ -12,7 +10,6 @@
 namespace zephlin {
 namespace {
 
-const std::string listRequest = R"({"request":"list","matching":{}})";
 const std::string listAnswerStart = R"({"keyboards":[)";
 
 bool isServed(RawClient& client) {
@@ -31,9 +28,9 @@ TEST(HostileClients, AStalledOneDoesNotKeepOthersWaiting) {
   EXPECT_EQ(service.hidutil({"list"}).status, 0);
 }
 
-TEST(HostileClients, FiveHundredAtOnceAreAllServed) {
+TEST(HostileClients, AsManyAtOnceAsThereMayBeAreAllServed) {
   const RunningService service;
-  constexpr std::size_t many = 500;
+  const std::size_t many = ::geteuid() == 0 ? 500 : 64;
   std::vector<RawClient> clients;
   clients.reserve(many);
   while (clients.size() < many) {
@@ -45,51 +42,6 @@ TEST(HostileClients, FiveHundredAtOnceAreAllServed) {
   for (RawClient& each : clients) {
     EXPECT_TRUE(each.receiveLine().starts_with(listAnswerStart));
   }
-}
-
-/// The processor time that a process has used.
-std::chrono::nanoseconds processorTime(pid_t process) {
-  clockid_t clock{};
-  ::clock_getcpuclockid(process, &clock);
-  timespec time{};
-  ::clock_gettime(clock, &time);
-  return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-}
-
-/// The share of a processor that it uses during `action`.
-template <typename Action>
-double processorShare(pid_t process, const Action& action) {
-  const auto start = std::chrono::steady_clock::now();
-  const auto before = processorTime(process);
-  action();
-  const auto used = processorTime(process) - before;
-  return std::chrono::duration<double>(used) / (std::chrono::steady_clock::now() - start);
-}
-
-/// Anyone could have a real-time process killed that never rests (RLIMIT_RTTIME).
-TEST(HostileClients, AFloodOfRequestsLeavesTheServiceTimeToRest) {
-  RunningService service;
-  std::vector<RawClient> clients;
-  for (int count = 0; count < 8; ++count) {
-    clients.push_back(service.connect());
-  }
-  const std::string request = R"({"request":")" + std::string(3'000, 'x') + "\"}\n";
-  const auto flood = [&](std::chrono::milliseconds time) {
-    const auto end = std::chrono::steady_clock::now() + time;
-    while (std::chrono::steady_clock::now() < end) {
-      for (const RawClient& each : clients) {
-        each.sendWithoutWaiting(request);
-      }
-      for (RawClient& each : clients) {
-        while (each.hasLine()) {
-          each.receiveLine();
-        }
-      }
-    }
-  };
-  flood(std::chrono::milliseconds(200));
-  EXPECT_LT(processorShare(service.process().id(), [&] { flood(std::chrono::milliseconds(1000)); }),
-            0.8);
 }
 
 TEST(HostileClients, AReaderOfTheLogThatHasStoppedStopsNobody) {
@@ -170,7 +122,7 @@ TEST(HostileClients, MoreThanThereAreDescriptorsForWaitTheirTurn) {
   EXPECT_TRUE(first.receiveLine().starts_with(listAnswerStart));
 
   // The service is idle while it can accept nobody: of two seconds it uses less than one.
-  EXPECT_LT(processorShare(service.process().id(), [] { ::sleep(2); }), 0.5);
+  EXPECT_LT(service.processorShare([] { ::sleep(2); }), 0.5);
   EXPECT_TRUE(isServed(first));
 
   // Each one that leaves makes room for the next, until the last one has been served.

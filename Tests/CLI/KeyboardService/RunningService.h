@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <csignal>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -40,6 +42,16 @@ class RunningService {
     return test::run(command(arguments));
   }
 
+  /// The share of a processor that the service uses during `action`.
+  template <typename Action>
+  double processorShare(const Action& action) const {
+    const auto start = std::chrono::steady_clock::now();
+    const auto before = processorTime();
+    action();
+    const auto used = processorTime() - before;
+    return std::chrono::duration<double>(used) / (std::chrono::steady_clock::now() - start);
+  }
+
   /// Ends the service with SIGTERM.
   test::Outcome stop() {
     process_.send(SIGTERM);
@@ -47,6 +59,14 @@ class RunningService {
   }
 
  private:
+  [[nodiscard]] std::chrono::nanoseconds processorTime() const {
+    clockid_t clock{};
+    ::clock_getcpuclockid(process_.id(), &clock);
+    timespec time{};
+    ::clock_gettime(clock, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+  }
+
   test::TemporaryDirectory directory_;
   test::TestProcess process_;
 };

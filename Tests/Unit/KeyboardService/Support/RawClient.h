@@ -16,6 +16,7 @@
 namespace zephlin {
 
 constexpr int timeoutMilliseconds = 60'000;
+inline const std::string listRequest = R"({"request":"list","matching":{}})";
 
 inline void waitFor(const FileDescriptor& socket, short event) {
   pollfd polled{socket.get(), event, 0};

@@ -11,6 +11,7 @@
 
 #include "KeyboardService/Service/Clients/ListeningSocket.h"
 #include "KeyboardService/Service/Clients/Server.h"
+#include "KeyboardService/Service/RequestHandler.h"
 #include "KeyboardService/Service/VirtualKeyboardBus.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Unit/KeyboardService/Support/RawClient.h"
@@ -18,7 +19,6 @@
 namespace zephlin {
 
 constexpr std::chrono::milliseconds timeout{500};
-inline const std::string listRequest = R"({"request":"list","matching":{}})";
 
 /// The effective user for the length of a scope, as root only.
 class EffectiveUser {
@@ -49,7 +49,14 @@ class ServerTest : public testing::Test {
         virtualKeyboards(200),
         permissions(::geteuid(), [](uid_t) { return false; }),
         handler(registry, virtualKeyboards, permissions, [](const std::string&) {}),
-        server(loop, socket.takeDescriptor(), handler, {limit, 3, 2}) {
+        respond([this](std::string_view line, uid_t user, const Server::Reply& reply) {
+          handler.respond(line, user, reply);
+        }),
+        server(loop, socket.takeDescriptor(),
+               [this](std::string_view line, uid_t user, const Server::Reply& reply) {
+                 respond(line, user, reply);
+               },
+               {{limit, 4 * limit}, 3, 2}) {
     virtualKeyboards.start(registry);
     registry.onAppeared([this](RegistryID registryID) { server.announce({registryID}); });
   }
@@ -96,6 +103,7 @@ class ServerTest : public testing::Test {
   VirtualKeyboardBus virtualKeyboards;
   Permissions permissions;
   RequestHandler handler;
+  Server::Respond respond;  ///< By default, has the handler answer.
   Server server;
 };
 

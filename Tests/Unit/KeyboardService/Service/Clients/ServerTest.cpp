@@ -1,3 +1,4 @@
+#include <string>
 #include <vector>
 
 #include "KeyboardService/Protocol/Transport.h"
@@ -45,6 +46,19 @@ TEST_F(ServerTest, EveryByteOfARequestRestartsTheTimeout) {
   }
   client.send(listRequest + "\n");
   EXPECT_TRUE(receivesListing(client));
+}
+
+TEST_F(ServerTest, DropsAClientThatDripsBytesWithoutEnd) {
+  const RawClient client = connect();
+  const auto start = steady_clock::now();
+  turnUntil([&] {
+    turnFor(20ms);
+    if (!client.isHungUp()) {
+      client.send(" ");
+    }
+    return client.isHungUp();
+  });
+  EXPECT_GE(steady_clock::now() - start, 4 * timeout - 10ms);
 }
 
 TEST_F(ServerTest, DropsAClientThatTakesNoAnswers) {
@@ -127,38 +141,31 @@ TEST_F(ServerTest, AUserHasOnlySoManyConnections) {
   EXPECT_TRUE(receivesListing(again));
 }
 
-constexpr WorkBudget::Time startTime = 1h;
-constexpr WorkBudget::Time workedBefore = 5s;  ///< What the thread had worked by then.
-
-class StartedBudget : public testing::Test {
- protected:
-  StartedBudget() { budget.rest(startTime, workedBefore); }
-
-  WorkBudget budget;
-};
-
-TEST_F(StartedBudget, ALittleWorkNeedsNoRest) {
-  EXPECT_EQ(budget.rest(startTime + 10ms, workedBefore + 10ms), 0ms);
-  EXPECT_EQ(budget.rest(startTime + 19ms, workedBefore + 19ms), 0ms);
-}
-
-TEST_F(StartedBudget, ABurstIsFollowedByAsMuchRest) {
-  EXPECT_EQ(budget.rest(startTime + 10ms, workedBefore + 10ms), 0ms);
-  EXPECT_EQ(budget.rest(startTime + 23ms, workedBefore + 23ms), 23ms);
-  EXPECT_EQ(budget.rest(startTime + 40ms, workedBefore + 23ms), 6ms);
-  EXPECT_EQ(budget.rest(startTime + 46ms, workedBefore + 23ms), 0ms);
-  EXPECT_EQ(budget.rest(startTime + 56ms, workedBefore + 33ms), 0ms);
-}
-
-TEST_F(StartedBudget, WorkForHalfOfTheTimeNeedsNoRest) {
-  for (int count = 1; count < 1000; ++count) {
-    EXPECT_EQ(budget.rest(startTime + count * 10ms, workedBefore + count * 5ms), 0ms) << count;
+TEST_F(ServerTest, ManyRequestsDelayOnlyTheConnectionsThatSendThem) {
+  std::size_t requests = 0;
+  respond = [&](std::string_view, uid_t, const Server::Reply& reply) {
+    ++requests;
+    reply(PullResponse{});
+  };
+  std::string many;
+  for (int count = 0; count < 1000; ++count) {
+    many += "flood\n";
   }
-}
-
-TEST_F(StartedBudget, TimeWithoutWorkIsNotSavedUp) {
-  EXPECT_EQ(budget.rest(startTime + 10s, workedBefore), 0ms);
-  EXPECT_EQ(budget.rest(startTime + 10s + 30ms, workedBefore + 30ms), 30ms);
+  std::vector<RawClient> flood;
+  {
+    const EffectiveUser user(4242);
+    for (int count = 0; count < 2; ++count) {
+      flood.push_back(connect());
+      flood.back().send(many);
+    }
+  }
+  turnUntil([&] { return requests >= 10; });
+  RawClient honest = connect();
+  const std::size_t before = requests;
+  honest.send("honest\n");
+  EXPECT_EQ(receive(honest), R"({"response":"pull"})");
+  // At most one of each of the two for each of its own three turns: accept, receive, answer.
+  EXPECT_LT(requests - before, 20U);
 }
 
 }  // namespace
