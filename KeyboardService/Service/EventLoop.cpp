@@ -1,9 +1,12 @@
 #include "KeyboardService/Service/EventLoop.h"
 
-#include <pthread.h>
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <ctime>
+#include <mutex>
 #include <system_error>
 #include <utility>
 
@@ -93,10 +96,21 @@ struct EventLoop::Trampoline {
   }
 };
 
-EventLoop::EventLoop() {
+PriorityInheritingMutex::PriorityInheritingMutex() {
+  pthread_mutexattr_t attributes;
+  ::pthread_mutexattr_init(&attributes);
+  ::pthread_mutexattr_setprotocol(&attributes, PTHREAD_PRIO_INHERIT);
+  const int error = ::pthread_mutex_init(&mutex_, &attributes);
+  ::pthread_mutexattr_destroy(&attributes);
+  checked(-error, "making a mutex");
+}
+
+EventLoop::EventLoop() : wakeUp_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+  checked(wakeUp_.isOpen() ? 0 : -errno, "making an event loop");
   sd_event* event = nullptr;
   checked(sd_event_new(&event), "making an event loop");
   event_.reset(event);
+  posts_ = watch(wakeUp_.get(), EPOLLIN, [this](std::uint32_t) { callPosted(); });
 }
 
 EventSource EventLoop::watch(int descriptor, std::uint32_t events,
@@ -128,6 +142,29 @@ void EventLoop::stopOnSignal(int signalNumber) {
   // Without a callback of our own, sd-event ends the loop with the number that it is given.
   checked(sd_event_add_signal(native(), nullptr, signalNumber, nullptr, nullptr),
           "waiting for a signal");
+}
+
+void EventLoop::post(std::function<void()> function) {
+  const std::scoped_lock lock(mutex_);
+  posted_.push_back(std::move(function));
+  ::eventfd_write(wakeUp_.get(), 1);
+}
+
+void EventLoop::callPosted() {
+  std::vector<std::function<void()>> functions;
+  {
+    const std::scoped_lock lock(mutex_);
+    eventfd_t count = 0;
+    ::eventfd_read(wakeUp_.get(), &count);
+    functions.swap(posted_);
+  }
+  for (const auto& each : functions) {
+    each();
+  }
+}
+
+void EventLoop::stop() {
+  checked(sd_event_exit(native(), 0), "stopping the event loop");
 }
 
 void EventLoop::run() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <pthread.h>
 #include <systemd/sd-event.h>
 
 #include <chrono>
@@ -7,6 +8,9 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <vector>
+
+#include "Base/FileDescriptor.h"
 
 namespace zephlin {
 
@@ -40,11 +44,30 @@ class EventSource {
   std::unique_ptr<sd_event_source, Release> source_;
 };
 
-/// The loop of the service's only thread. Operations throw std::system_error if the system
-/// refuses. An exception that leaves a callback ends `run`, which throws it.
+/// A mutex that lends its owner the priority of a real-time thread that waits for it.
+class PriorityInheritingMutex {
+ public:
+  PriorityInheritingMutex();
+  PriorityInheritingMutex(const PriorityInheritingMutex&) = delete;
+  PriorityInheritingMutex& operator=(const PriorityInheritingMutex&) = delete;
+  ~PriorityInheritingMutex() { ::pthread_mutex_destroy(&mutex_); }
+
+  void lock() { ::pthread_mutex_lock(&mutex_); }
+  void unlock() { ::pthread_mutex_unlock(&mutex_); }
+
+ private:
+  pthread_mutex_t mutex_;
+};
+
+/// The loop of one thread, which alone may use it, except for `post`. Operations throw
+/// std::system_error if the system refuses. An exception that leaves a callback ends `run`, which
+/// throws it.
 class EventLoop {
  public:
   EventLoop();
+  EventLoop(const EventLoop&) = delete;
+  EventLoop& operator=(const EventLoop&) = delete;
+  ~EventLoop() = default;
 
   /// Owned by this loop.
   [[nodiscard]] sd_event* native() const { return event_.get(); }
@@ -59,8 +82,15 @@ class EventLoop {
   /// Ends `run` with success when the signal arrives. Blocks the signal for the calling thread.
   void stopOnSignal(int signalNumber);
 
+  /// Has `run` call the function, after those that were posted before. Any thread may post, before
+  /// `run` as well. What `run` does not get to is destroyed with the loop.
+  void post(std::function<void()> function);
+
   /// Returns when the loop is asked to stop.
   void run();
+
+  /// Ends `run` with success once the present callback has returned.
+  void stop();
 
  private:
   struct Callback;
@@ -69,8 +99,14 @@ class EventLoop {
     void operator()(sd_event* event) const { sd_event_unref(event); }
   };
 
+  void callPosted();
+
   std::unique_ptr<sd_event, Unreference> event_;
   std::exception_ptr failure_;
+  PriorityInheritingMutex mutex_;
+  std::vector<std::function<void()>> posted_;  ///< Guarded by the mutex.
+  FileDescriptor wakeUp_;
+  EventSource posts_;
 };
 
 }  // namespace zephlin

@@ -4,10 +4,13 @@
 
 #include <csignal>
 #include <memory>
+#include <numeric>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <thread>
+#include <vector>
 
 #include "Base/FileDescriptor.h"
 #include "KeyboardService/Service/EventLoop.h"
@@ -17,15 +20,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-void stop(const EventLoop& loop) {
-  sd_event_exit(loop.native(), 0);
-}
-
 TEST(EventLoop, ATimerDoesNothingUntilItIsGivenADelay) {
   EventLoop loop;
   bool silentRan = false;
   EventSource silent = loop.timer([&] { silentRan = true; });
-  EventSource timer = loop.timer([&] { stop(loop); });
+  EventSource timer = loop.timer([&] { loop.stop(); });
   const auto start = std::chrono::steady_clock::now();
   timer.setDelay(20ms);
   loop.run();
@@ -36,7 +35,7 @@ TEST(EventLoop, ATimerDoesNothingUntilItIsGivenADelay) {
 
 TEST(EventLoop, ATimerGoesOffWhenItsTimeHasCome) {
   EventLoop loop;
-  EventSource timer = loop.timer([&] { stop(loop); });
+  EventSource timer = loop.timer([&] { loop.stop(); });
   const auto time = std::chrono::steady_clock::now() + 20ms;  // The monotonic clock, on Linux.
   timer.setTime(std::chrono::ceil<std::chrono::microseconds>(time.time_since_epoch()));
   loop.run();
@@ -53,7 +52,7 @@ TEST(EventLoop, WhatIsPutFirstIsCalledFirst) {
     const auto note = [&](char name) {
       calls += name;
       if (calls.size() == 2) {
-        stop(loop);
+        loop.stop();
       }
     };
     EventSource one = loop.watch(event.get(), EPOLLIN, [&](std::uint32_t) {
@@ -76,7 +75,7 @@ TEST(EventLoop, ADescriptorCallsBackWithWhatHolds) {
   std::uint32_t seen = 0;
   const EventSource source = loop.watch(event.get(), EPOLLIN, [&](std::uint32_t events) {
     seen = events;
-    stop(loop);
+    loop.stop();
   });
   loop.run();
   EXPECT_EQ(seen, static_cast<std::uint32_t>(EPOLLIN));
@@ -89,7 +88,7 @@ TEST(EventLoop, ASourceMayEndItselfInItsOwnCallback) {
   source = loop.timer([&source, &loop, witness] {
     source.reset();
     ++*witness;  // What the callback holds is still there.
-    stop(loop);
+    loop.stop();
   });
   source->setDelay(0us);
   loop.run();
@@ -107,6 +106,82 @@ TEST(EventLoop, AnExceptionOfACallbackLeavesRun) {
 TEST(EventLoop, ARefusalOfTheSystemIsThrown) {
   EventLoop loop;
   EXPECT_THROW(loop.watch(-1, EPOLLIN, [](std::uint32_t) {}), std::system_error);
+}
+
+TEST(EventLoop, CallsWhatIsPostedInItsOrder) {
+  EventLoop loop;
+  std::string calls;
+  loop.post([&] {
+    calls += '1';
+    loop.post([&] {
+      calls += '3';
+      loop.stop();
+    });
+  });
+  loop.post([&] { calls += '2'; });
+  EXPECT_EQ(calls, "");
+  loop.run();
+  EXPECT_EQ(calls, "123");
+}
+
+TEST(EventLoop, AnyThreadMayPost) {
+  EventLoop loop;
+  constexpr int postsOfEach = 1000;
+  constexpr int threads = 3;
+  std::vector<std::vector<int>> received(threads);
+  int left = postsOfEach * threads;
+  std::vector<std::thread> posting;
+  for (auto& numbers : received) {
+    posting.emplace_back([&loop, &numbers, &left] {
+      for (int number = 0; number < postsOfEach; ++number) {
+        loop.post([&loop, &numbers, &left, number] {
+          numbers.push_back(number);
+          if (--left == 0) {
+            loop.stop();
+          }
+        });
+      }
+    });
+  }
+  loop.run();
+  for (auto& thread : posting) {
+    thread.join();
+  }
+  std::vector<int> inOrder(postsOfEach);
+  std::iota(inOrder.begin(), inOrder.end(), 0);
+  EXPECT_EQ(received, std::vector(threads, inOrder));
+}
+
+TEST(EventLoop, APostWakesALoopThatWaits) {
+  EventLoop loop;
+  std::thread poster;
+  EventSource timer = loop.timer([&] {
+    poster = std::thread([&] {
+      std::this_thread::sleep_for(10ms);
+      loop.post([&] { loop.stop(); });
+    });
+  });
+  timer.setDelay(0us);
+  loop.run();
+  poster.join();
+}
+
+TEST(EventLoop, WhatWasPostedInVainIsDestroyed) {
+  const auto witness = std::make_shared<int>(0);
+  {
+    EventLoop loop;
+    loop.post([&loop] { loop.stop(); });
+    loop.run();
+    loop.post([witness] { ++*witness; });
+  }
+  EXPECT_EQ(*witness, 0);
+  EXPECT_EQ(witness.use_count(), 1);
+}
+
+TEST(EventLoop, AnExceptionOfWhatWasPostedLeavesRun) {
+  EventLoop loop;
+  loop.post([] { throw std::runtime_error("oops"); });
+  EXPECT_THROW(loop.run(), std::runtime_error);
 }
 
 TEST(EventLoop, ASignalEndsTheLoop) {
