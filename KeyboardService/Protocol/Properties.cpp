@@ -74,11 +74,14 @@ std::optional<std::chrono::milliseconds> capsLockDelay(const PropertySet& proper
   if (property == properties.end() || property->second < 0 || property->second == systemDelay) {
     return std::nullopt;
   }
-  if (property->second > maximumCapsLockDelay.count()) {
+  return std::chrono::milliseconds(property->second);
+}
+
+void requireCapsLockDelayInRange(const PropertySet& properties) {
+  if (capsLockDelay(properties) > maximumCapsLockDelay) {
     throw RequestError("CapsLockDelayOverride can be at most " +
                        std::to_string(maximumCapsLockDelay.count()) + " on this keyboard");
   }
-  return std::chrono::milliseconds(property->second);
 }
 
 }  // namespace zephlin

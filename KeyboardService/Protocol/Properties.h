@@ -31,12 +31,15 @@ PropertySet parseProperties(std::string_view text);
 /// Throws RequestError unless `value` is an object of 1 to 64 valid keys with whole numbers.
 PropertySet propertiesFromJson(const nlohmann::json& value);
 
-/// The longest delay that a keyboard carries.
-constexpr std::chrono::milliseconds maximumCapsLockDelay{60'000};
-
 /// What `CapsLockDelayOverride` asks for: how long Caps Lock must be held before its press counts.
 /// Zero makes it instant. Returns nothing where the system's own behaviour is wanted: unset,
-/// negative, or 75, the default on macOS. Throws RequestError above the maximum.
+/// negative, or 75, the default on macOS.
 std::optional<std::chrono::milliseconds> capsLockDelay(const PropertySet& properties);
+
+/// The longest delay that a real keyboard carries.
+constexpr std::chrono::milliseconds maximumCapsLockDelay{60'000};
+
+/// Throws RequestError above that maximum.
+void requireCapsLockDelayInRange(const PropertySet& properties);
 
 }  // namespace zephlin

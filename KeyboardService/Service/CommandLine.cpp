@@ -9,7 +9,8 @@
 namespace zephlin {
 
 const std::string_view serviceHelp =
-    R"(Usage: zephlin-hidd [--socket PATH] [--virtual-keyboards N] [--tap-gap MS]
+    R"(Usage: zephlin-hidd [--socket PATH] [--state PATH] [--virtual-keyboards N]
+                    [--tap-gap MS]
 
 Keeps the properties of the keyboards for hidutil until it exits, and makes Caps Lock instant where
 its delay is 0.
@@ -17,9 +18,11 @@ its delay is 0.
 Options:
   --socket PATH           where to listen unless systemd passes a socket; /run/zephlin/hidd.sock by
                           default
+  --state PATH            where to keep the properties for a restart before the machine's next start;
+                          the socket's path with ".state" by default
   --virtual-keyboards N   start with N virtual keyboards, 0 to 256, instead of the machine's own
-  --tap-gap MS            how many milliseconds Caps Lock stays down for programs when its release
-                          is sent early, 0 to 50; 5 by default
+  --tap-gap MS            how many milliseconds Caps Lock of a grabbed keyboard stays down for
+                          programs when its release is sent early, 0 to 50; 5 by default
   -h, --help              print this help
   --version               print the version
 )";
@@ -46,6 +49,8 @@ std::size_t numberUpTo(std::size_t maximum, const std::string& option, const std
 void setOption(ServiceOptions& options, const std::string& name, const std::string& value) {
   if (name == "--socket") {
     options.socketPath = value;
+  } else if (name == "--state") {
+    options.statePath = value;
   } else if (name == "--virtual-keyboards") {
     options.virtualKeyboards = numberUpTo(VirtualKeyboardBus::maximumKeyboards, name, value);
   } else {
@@ -67,7 +72,8 @@ ServiceOptions parseServiceCommandLine(const std::vector<std::string>& arguments
       options.showVersion = true;
       return options;
     }
-    if (*argument != "--socket" && *argument != "--virtual-keyboards" && *argument != "--tap-gap") {
+    if (*argument != "--socket" && *argument != "--state" && *argument != "--virtual-keyboards" &&
+        *argument != "--tap-gap") {
       throw usageError("unknown argument " + inQuotes(*argument));
     }
     if (argument + 1 == arguments.end()) {
@@ -75,6 +81,9 @@ ServiceOptions parseServiceCommandLine(const std::vector<std::string>& arguments
     }
     ++argument;
     setOption(options, argument[-1], *argument);
+  }
+  if (options.statePath.empty()) {
+    options.statePath = options.socketPath + ".state";
   }
   return options;
 }

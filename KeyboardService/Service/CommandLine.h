@@ -11,6 +11,7 @@ namespace zephlin {
 
 struct ServiceOptions {
   std::string socketPath;
+  std::string statePath;
   std::optional<std::size_t> virtualKeyboards;  ///< In place of the machine's keyboards.
   std::chrono::milliseconds tapGap{5};
   bool showHelp = false;

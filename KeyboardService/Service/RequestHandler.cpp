@@ -1,5 +1,8 @@
 #include "KeyboardService/Service/RequestHandler.h"
 
+#include <optional>
+#include <utility>
+
 #include "KeyboardService/Protocol/Errors.h"
 
 namespace zephlin {
@@ -16,49 +19,71 @@ std::string description(const PropertySet& properties) {
 
 }  // namespace
 
-RequestHandler::RequestHandler(KeyboardRegistry& registry, VirtualKeyboardBus& virtualKeyboards,
-                               const Permissions& permissions, Log log)
+RequestHandler::RequestHandler(EventLoop& loop, KeyboardRegistry& registry,
+                               VirtualKeyboardBus& virtualKeyboards, Permissions permissions,
+                               LimitedLog& log, std::chrono::milliseconds waitLimit)
     : registry_(registry),
       virtualKeyboards_(virtualKeyboards),
-      permissions_(permissions),
-      log_(std::move(log)) {}
+      permissions_(std::move(permissions)),
+      log_(log),
+      waits_(loop, registry, waitLimit) {}
 
 void RequestHandler::respond(std::string_view line, uid_t user, const Reply& reply) {
-  const auto response = [&]() -> Response {
+  std::optional<ErrorResponse> failure;
+  log_.during("user " + std::to_string(user), [&] {
     try {
-      return std::visit([&](const auto& request) { return perform(request, user); },
-                        decodeRequest(line));
+      std::visit([&](const auto& request) { perform(request, user, reply); }, decodeRequest(line));
     } catch (const RequestError& error) {
-      return ErrorResponse{error.what()};
+      failure = {error.what()};
     }
-  };
-  reply(response());
+  });
+  if (failure) {
+    reply(*failure);
+  }
 }
 
-Response RequestHandler::perform(const ListRequest& request, uid_t /*user*/) {
-  return ListResponse{registry_.list(request.matching)};
+void RequestHandler::perform(const ListRequest& request, uid_t /*user*/, const Reply& reply) {
+  waits_.ask(registry_.matching(request.matching), [this, matching = request.matching, reply] {
+    reply(ListResponse{registry_.list(matching)});
+  });
 }
 
-Response RequestHandler::perform(const GetRequest& request, uid_t /*user*/) {
-  return GetResponse{registry_.get(request.matching, request.key)};
+void RequestHandler::perform(const GetRequest& request, uid_t /*user*/, const Reply& reply) {
+  waits_.ask(registry_.matching(request.matching), [this, request, reply] {
+    reply(GetResponse{registry_.get(request.matching, request.key)});
+  });
 }
 
-Response RequestHandler::perform(const SetRequest& request, uid_t user) {
-  permissions_.requireChangeBy(user);
-  SetResponse response{registry_.set(request.matching, request.properties), {}};
-  log_(description(request.properties) + " set on " + countedKeyboards(response.keyboards.size()) +
-       " by user " + std::to_string(user));
-  return response;
+void RequestHandler::perform(const SetRequest& request, uid_t user, const Reply& reply) {
+  const ChangeableKeyboards changeable = permissions_.requireChangeBy(user);
+  KeyboardRegistry::IDs keyboards;
+  std::vector<UnsetKeyboard> others;
+  for (const RegistryID registryID : registry_.matching(request.matching)) {
+    if (changeable.includes(registry_.description(registryID).seat)) {
+      keyboards.push_back(registryID);
+    } else {
+      others.push_back({registryID, "not on your seat"});
+    }
+  }
+  if (const std::size_t changed = registry_.set(keyboards, request.properties); changed > 0) {
+    log_.write(description(request.properties) + " set on " + countedKeyboards(changed) +
+               " by user " + std::to_string(user));
+  }
+  waits_.ask(keyboards, [this, keyboards, others, properties = request.properties, reply] {
+    SetResponse response = registry_.outcome(keyboards, properties);
+    response.unset.insert(response.unset.end(), others.begin(), others.end());
+    reply(response);
+  });
 }
 
-Response RequestHandler::perform(const PlugRequest& /*request*/, uid_t user) {
-  permissions_.requireChangeBy(user);
+void RequestHandler::perform(const PlugRequest& /*request*/, uid_t user, const Reply& reply) {
+  static_cast<void>(permissions_.requireChangeBy(user));
   const BusHandle handle = virtualKeyboards_.plug();
-  return PlugResponse{registry_.find({&virtualKeyboards_, handle}).value()};
+  reply(PlugResponse{registry_.find({&virtualKeyboards_, handle}).value()});
 }
 
-Response RequestHandler::perform(const PullRequest& request, uid_t user) {
-  permissions_.requireChangeBy(user);
+void RequestHandler::perform(const PullRequest& request, uid_t user, const Reply& reply) {
+  static_cast<void>(permissions_.requireChangeBy(user));
   const auto origin = registry_.origin(request.registryID);
   if (!origin) {
     throw RequestError("no keyboard " + toText(request.registryID) + "; see hidutil list");
@@ -68,11 +93,12 @@ Response RequestHandler::perform(const PullRequest& request, uid_t user) {
                        " was not plugged in by hidutil; unplug it by hand");
   }
   virtualKeyboards_.pull(origin->handle);
-  return PullResponse{};
+  reply(PullResponse{});
 }
 
-Response RequestHandler::perform(const SubscribeRequest& /*request*/, uid_t /*user*/) {
-  return SubscribeResponse{};
+void RequestHandler::perform(const SubscribeRequest& /*request*/, uid_t /*user*/,
+                             const Reply& reply) {
+  reply(SubscribeResponse{});
 }
 
 }  // namespace zephlin

@@ -24,7 +24,14 @@ class VirtualKeyboardBus final : public KeyboardBus {
     }
   }
 
-  void applyProperties(BusHandle /*handle*/, const PropertySet& /*properties*/) override {}
+  void requireCarriable(const PropertySet& /*properties*/) const override {}
+
+  void applyProperties(BusHandle handle, const PropertySet& properties) override {
+    const KeyboardState inForce{KeyboardState::Kind::InForce, "virtual"};
+    observer_->stateChanged(*this, handle, capsLockDelay(properties) ? inForce : KeyboardState{});
+  }
+
+  void check(BusHandle handle) override { observer_->checked(*this, handle); }
 
   /// Plugs in one more, which is reported within the call. Needs a started bus. Throws RequestError
   /// at the limit.
@@ -40,7 +47,7 @@ class VirtualKeyboardBus final : public KeyboardBus {
     description.productID = static_cast<std::int64_t>(number);
     description.product = "Virtual Keyboard " + std::to_string(number);
     description.transport = "Virtual";
-    observer_->keyboardAppeared(*this, handle, description);
+    observer_->keyboardAppeared(*this, handle, description, "");
     return handle;
   }
 

@@ -1,14 +1,19 @@
-#include <sched.h>
 #include <sys/resource.h>
 #include <systemd/sd-daemon.h>
+#include <systemd/sd-id128.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
+#include <utility>
 #include <vector>
 
 #include "Base/FileDescriptor.h"
@@ -17,10 +22,14 @@
 #include "KeyboardService/Service/Clients/Server.h"
 #include "KeyboardService/Service/CommandLine.h"
 #include "KeyboardService/Service/Evdev/EvdevKeyboardBus.h"
+#include "KeyboardService/Service/Evdev/GrabbedKeyboard.h"
+#include "KeyboardService/Service/Evdev/KeyboardNodes.h"
+#include "KeyboardService/Service/Evdev/WatchedKeyboard.h"
 #include "KeyboardService/Service/EventLoop.h"
 #include "KeyboardService/Service/KeyboardRegistry.h"
 #include "KeyboardService/Service/Log.h"
 #include "KeyboardService/Service/Permissions.h"
+#include "KeyboardService/Service/PropertyStore.h"
 #include "KeyboardService/Service/RequestHandler.h"
 #include "KeyboardService/Service/VirtualKeyboardBus.h"
 
@@ -28,14 +37,6 @@ namespace zephlin {
 namespace {
 
 enum ExitStatus : int { Done = 0, Failed = 1, WrongUsage = 64 };
-
-/// Runs ahead of ordinary processes, so that keys are not late when the machine is busy. Everything
-/// works without it too, where the system does not allow it.
-void takeRealTimePriority() {
-  sched_param parameters{};
-  parameters.sched_priority = 1;  // Before ordinary processes, after other real-time ones.
-  ::sched_setscheduler(0, SCHED_RR | SCHED_RESET_ON_FORK, &parameters);
-}
 
 /// Every client takes a descriptor, and the usual soft limit is low for the sake of select().
 void raiseDescriptorLimit() {
@@ -45,6 +46,58 @@ void raiseDescriptorLimit() {
     ::setrlimit(RLIMIT_NOFILE, &limit);
   }
 }
+
+/// The machine's keyboards: watched or grabbed, each in its own thread.
+EvdevKeyboardBus::Devices machineDevices(KeyboardNodes& nodes) {
+  static const Log nothingToLog = [](const std::string&) {};
+  return {[&nodes](auto appeared, auto disappeared) {
+            nodes.start(std::move(appeared), std::move(disappeared));
+          },
+          [](const KeyboardNode& node) {
+            return [node](EventLoop& loop, KeyboardHandling::Report report,
+                          const std::function<void()>& /*emergencyChord*/) {
+              return std::make_unique<WatchedKeyboard>(loop, node, nothingToLog, std::move(report));
+            };
+          },
+          [](const KeyboardNode& node, CapsLockRule rule) {
+            return [node, rule](EventLoop& loop, KeyboardHandling::Report report,
+                                std::function<void()> emergencyChord) {
+              return std::make_unique<GrabbedKeyboard>(
+                  loop, node, rule, nothingToLog, std::move(report), std::move(emergencyChord));
+            };
+          }};
+}
+
+/// The service with the keyboards of the machine.
+class MachineKeyboards {
+ public:
+  MachineKeyboards(EventLoop& loop, const ServiceOptions& options, LimitedLog& log)
+      : store_(options.statePath, bootID(), [&log](const std::string& line) { log.write(line); }),
+        nodes_(loop),
+        bus_(loop, machineDevices(nodes_), options.tapGap, [&log](const std::string& line) {
+          log.during("the emergency chord", [&] { log.write(line); });
+        }) {}
+
+  void start(KeyboardRegistry& registry) {
+    registry.keepIn(store_);
+    bus_.start(registry);
+  }
+
+ private:
+  /// Differs each time that the machine is started. Throws std::system_error.
+  static std::string bootID() {
+    sd_id128_t id{};
+    if (const int result = sd_id128_get_boot(&id); result < 0) {
+      throw std::system_error(-result, std::generic_category(), "the ID of the machine's start");
+    }
+    std::array<char, SD_ID128_STRING_MAX> text{};
+    return sd_id128_to_string(id, text.data());
+  }
+
+  PropertyStore store_;
+  KeyboardNodes nodes_;
+  EvdevKeyboardBus bus_;
+};
 
 void serve(const ServiceOptions& options) {
   raiseDescriptorLimit();
@@ -59,17 +112,17 @@ void serve(const ServiceOptions& options) {
   }
   const std::string ready = "ready on " + boundPath(*listening) + " with ";
 
-  KeyboardRegistry registry(logToStandardError);
+  LimitedLog log(loop, logToStandardError);
+  KeyboardRegistry registry(log);
   VirtualKeyboardBus virtualKeyboards(options.virtualKeyboards.value_or(0));
   virtualKeyboards.start(registry);
-  std::optional<EvdevKeyboardBus> machineKeyboards;
+  std::optional<MachineKeyboards> machineKeyboards;
   if (!options.virtualKeyboards) {
-    takeRealTimePriority();
-    machineKeyboards.emplace(loop, options.tapGap, logToStandardError).start(registry);
+    machineKeyboards.emplace(loop, options, log).start(registry);
   }
 
-  const Permissions permissions(::geteuid(), hasActiveLocalLoginSession);
-  RequestHandler handler(registry, virtualKeyboards, permissions, logToStandardError);
+  RequestHandler handler(loop, registry, virtualKeyboards,
+                         Permissions(::geteuid(), seatsOfActiveLocalSessions), log);
   Server server(
       loop, std::move(*listening),
       [&handler](std::string_view line, uid_t user, const Server::Reply& reply) {

@@ -4,11 +4,11 @@ _zephlin_hidd() {
     local cur prev words cword
     _init_completion || return
     case $prev in
-    --socket) _filedir ;;
+    --socket | --state) _filedir ;;
     --virtual-keyboards | --tap-gap) ;;
     *)
         mapfile -t COMPREPLY < <(
-            compgen -W '--socket --virtual-keyboards --tap-gap --help --version' -- "$cur"
+            compgen -W '--socket --state --virtual-keyboards --tap-gap --help --version' -- "$cur"
         )
         ;;
     esac

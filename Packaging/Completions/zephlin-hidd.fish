@@ -1,6 +1,8 @@
 complete --command zephlin-hidd --no-files
 complete --command zephlin-hidd --long-option socket --require-parameter --force-files \
     --description 'Socket to listen on'
+complete --command zephlin-hidd --long-option state --require-parameter --force-files \
+    --description 'File to keep the properties in'
 complete --command zephlin-hidd --long-option virtual-keyboards --exclusive \
     --description 'Use this many virtual keyboards only (0 to 256)'
 complete --command zephlin-hidd --long-option tap-gap --exclusive \

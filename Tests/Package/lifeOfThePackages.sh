@@ -182,7 +182,7 @@ check_same "a socket that is enabled again starts" "$device_calls
 systemctl --quiet --system restart $socket" "$(calls)"
 
 printf '\n== Removing and coming back\n'
-mkdir "$machine/run/zephlin"
+mkdir "$machine/run/zephlin" "$machine/run/zephlin-hidd"
 touch "$machine/run/zephlin/hidd.sock"
 dpkg_does --remove zephlin-desktop zephlin
 check_same "the service and its socket are stopped, and the device is taken back" \
@@ -191,6 +191,7 @@ systemctl --system daemon-reload
 udevadm control --reload
 udevadm trigger --subsystem-match=misc --sysname-match=uinput" "$(calls)"
 check "the socket's folder is gone" [ ! -e "$machine/run/zephlin" ]
+check "what the service kept is gone" [ ! -e "$machine/run/zephlin-hidd" ]
 install_both ""
 check_same "both packages are there again" "$present_versions" "$(installed_versions)"
 check "the socket is active again" [ -e "$machine/run/active" ]

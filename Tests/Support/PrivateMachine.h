@@ -4,6 +4,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zephlin::test {
@@ -27,7 +28,7 @@ struct RecordedLogin {
   uid_t user = 0;
   bool active = true;
   bool remote = false;
-  bool hasSeat = true;
+  std::string_view seat = "seat0";  ///< May be empty.
 };
 
 /// Records these logins in the private machine's /run.

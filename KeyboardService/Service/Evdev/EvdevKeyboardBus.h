@@ -1,46 +1,82 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
+#include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
-#include "KeyboardService/Service/Evdev/KeyboardHandling.h"
 #include "KeyboardService/Service/Evdev/KeyboardNodes.h"
+#include "KeyboardService/Service/Evdev/KeyboardThread.h"
+#include "KeyboardService/Service/EventLoop.h"
 #include "KeyboardService/Service/KeyboardBus.h"
-#include "KeyboardService/Service/KeyboardRegistry.h"
+#include "KeyboardService/Service/Log.h"
 
 namespace zephlin {
 
-/// The machine's keyboards. A keyboard is not even opened unless its `CapsLockDelayOverride` asks
-/// for something else than the system's own behaviour.
+/// The machine's keyboards. One is not even opened unless its `CapsLockDelayOverride` asks for
+/// something else than the system's own behaviour. Then it gets a thread, and is watched if that is
+/// enough: with a delay of 0 and a Caps Lock LED. Otherwise it is grabbed.
 class EvdevKeyboardBus final : public KeyboardBus {
  public:
-  /// `tapGap` is how long Caps Lock stays down when its release is sent early. The loop
-  /// outlives the bus. Throws std::system_error if udev cannot be used.
-  EvdevKeyboardBus(EventLoop& loop, std::chrono::milliseconds tapGap, Log log);
+  using Appeared = std::function<void(const KeyboardNode& node)>;
+  using Disappeared = std::function<void(dev_t number)>;
+
+  /// Where keyboards come from, and what is done to them in their threads.
+  struct Devices {
+    std::function<void(Appeared appeared, Disappeared disappeared)> start;
+    std::function<KeyboardThread::Make(const KeyboardNode& node)> watch;
+    std::function<KeyboardThread::Make(const KeyboardNode& node, CapsLockRule rule)> grab;
+  };
+
+  /// `tapGap` is how long Caps Lock of a grabbed keyboard stays down when its release is sent
+  /// early. The loop outlives the bus.
+  EvdevKeyboardBus(EventLoop& loop, Devices devices, std::chrono::milliseconds tapGap, Log log);
+
+  /// Waits until all keyboards are left to the system.
+  ~EvdevKeyboardBus() override;
 
   void start(KeyboardBusObserver& observer) override;
+  void requireCarriable(const PropertySet& properties) const override;
   void applyProperties(BusHandle handle, const PropertySet& properties) override;
+  void check(BusHandle handle) override;
 
  private:
+  enum class Way { LeftAlone, Watched, Grabbed, Impossible };
+
   struct Entry {
+    BusHandle handle{};
     KeyboardNode node;
-    std::unique_ptr<KeyboardHandling> handling;
+    std::optional<std::chrono::milliseconds> delay;
+    std::unique_ptr<KeyboardThread> thread;
+    Way wayOfThread = Way::LeftAlone;
+    bool isEnding = false;
+    std::size_t openChecks = 0;
+    KeyboardState state;
   };
 
   void appeared(const KeyboardNode& node);
   void disappeared(dev_t number);
-  void handleKeyboard(Entry& entry, CapsLockRule rule);
-  void releaseAll();
+  static Way wayFor(const Entry& entry);
+  void follow(Entry& entry);
+  void startThread(Entry& entry, Way way);
+  void endThread(Entry& entry);
+  void lose(Entry& entry, const std::string& reason);
+  void tryAgain();
+  void report(Entry& entry, const KeyboardState& state);
+  void answer(Entry& entry, std::size_t checks);
+  void leaveAll();
 
   EventLoop& loop_;
+  Devices devices_;
   std::chrono::milliseconds tapGap_;
   Log log_;
   KeyboardBusObserver* observer_ = nullptr;
   std::map<BusHandle, Entry> entries_;
-  KeyboardNodes nodes_;
-  EventSource released_;
+  std::list<std::unique_ptr<KeyboardThread>> leaving_;  ///< Their keyboards have gone.
+  EventSource nextTry_;
 };
 
 }  // namespace zephlin

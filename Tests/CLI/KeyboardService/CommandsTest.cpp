@@ -9,9 +9,9 @@ namespace {
 const std::string keyboards = R"({"PrimaryUsagePage":1,"PrimaryUsage":6})";
 
 const std::string listHeader =
-    "RegistryID   VendorID   ProductID   UsagePage   Usage   Transport   State   Product\n";
+    "RegistryID   VendorID   ProductID   UsagePage   Usage   Transport   State     Product\n";
 const std::string secondKeyboard =
-    "100000002    0          2           1           6       Virtual     -       "
+    "100000002    0          2           1           6       Virtual     default   "
     "Virtual Keyboard 2\n";
 
 test::Outcome success(const std::string& output) {
@@ -31,7 +31,7 @@ TEST(Commands, ListPrintsTheKeyboards) {
   const RunningService service;
   EXPECT_EQ(service.hidutil({"list"}),
             success(listHeader +
-                    "100000001    0          1           1           6       Virtual     -       "
+                    "100000001    0          1           1           6       Virtual     default   "
                     "Virtual Keyboard 1\n" +
                     secondKeyboard));
 }

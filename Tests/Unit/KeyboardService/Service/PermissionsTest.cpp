@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <set>
+#include <string>
 
 #include "KeyboardService/Service/Permissions.h"
 #include "Tests/Support/PrivateMachine.h"
@@ -14,22 +16,41 @@ constexpr uid_t serviceUser = 990;
 constexpr uid_t seatedUser = 1000;
 constexpr uid_t otherUser = 1001;
 
-TEST(Permissions, RootTheServicesUserAndUsersAtTheMachineMayChangeKeyboards) {
-  const Permissions permissions(serviceUser, [](uid_t user) { return user == seatedUser; });
-  for (const uid_t user : {uid_t{0}, serviceUser, seatedUser}) {
-    EXPECT_TRUE(permissions.mayChangeKeyboards(user)) << user;
-    EXPECT_NO_THROW(permissions.requireChangeBy(user)) << user;
+Permissions permissionsWith(std::set<std::string> seats) {
+  return Permissions(serviceUser, [seats](uid_t user) {
+    return user == seatedUser ? seats : std::set<std::string>();
+  });
+}
+
+TEST(Permissions, RootAndTheServicesUserMayChangeAllKeyboards) {
+  for (const uid_t user : {uid_t{0}, serviceUser}) {
+    const auto keyboards = permissionsWith({}).requireChangeBy(user);
+    for (const char* const seat : {"", "seat0", "seat1"}) {
+      EXPECT_TRUE(keyboards.includes(seat)) << user << seat;
+    }
   }
-  EXPECT_FALSE(permissions.mayChangeKeyboards(otherUser));
-  EXPECT_EQ(requestErrorOf([&] { permissions.requireChangeBy(otherUser); }),
+}
+
+TEST(Permissions, OthersMayChangeThoseOfTheirSeatsAndThoseOfNone) {
+  const auto keyboards = permissionsWith({"seat0", "seat2"}).requireChangeBy(seatedUser);
+  for (const char* const seat : {"", "seat0", "seat2"}) {
+    EXPECT_TRUE(keyboards.includes(seat)) << seat;
+  }
+  EXPECT_FALSE(keyboards.includes("seat1"));
+}
+
+TEST(Permissions, AUserWithoutASeatMayChangeNone) {
+  EXPECT_EQ(requestErrorOf(
+                [] { static_cast<void>(permissionsWith({"seat0"}).requireChangeBy(otherUser)); }),
             "permission denied for user 1001; only root and users with an active local login "
             "session may change keyboards; log in at the machine itself, or run this as root");
 }
 
 constexpr test::RecordedLogin local{seatedUser, true, false};
 constexpr test::RecordedLogin remote{seatedUser, true, true};
-constexpr test::RecordedLogin withoutSeat{seatedUser, true, false, false};
+constexpr test::RecordedLogin withoutSeat{seatedUser, true, false, ""};
 constexpr test::RecordedLogin inactive{seatedUser, false, false};
+constexpr test::RecordedLogin elsewhere{seatedUser, true, false, "seat1"};
 constexpr test::RecordedLogin anotherUsers{otherUser, true, false};
 
 struct Machine {
@@ -44,7 +65,9 @@ TEST_P(LoginSessions, CountIfActiveLocalAndWithASeat) {
   test::TestProcess child([&] {
     test::enterPrivateMachine();
     test::recordLogins(GetParam().logins);
-    std::fputs(hasActiveLocalLoginSession(seatedUser) ? "yes" : "no", stdout);
+    for (const std::string& seat : seatsOfActiveLocalSessions(seatedUser)) {
+      std::fputs((seat + ' ').c_str(), stdout);
+    }
     std::fflush(stdout);
   });
   EXPECT_EQ(child.wait(), (test::Outcome{0, GetParam().answer, ""}));
@@ -52,12 +75,13 @@ TEST_P(LoginSessions, CountIfActiveLocalAndWithASeat) {
 
 INSTANTIATE_TEST_SUITE_P(
     , LoginSessions,
-    testing::Values(Machine{"ActiveAndLocal", {local}, "yes"}, Machine{"Remote", {remote}, "no"},
-                    Machine{"WithoutSeat", {withoutSeat}, "no"},
-                    Machine{"Inactive", {inactive}, "no"},
-                    Machine{"OneOfSeveral", {remote, inactive, local}, "yes"},
-                    Machine{"ActiveRemotelyAndLocalElsewhere", {remote, inactive}, "no"},
-                    Machine{"AnotherUsers", {anotherUsers}, "no"}, Machine{"NoRecord", {}, "no"}),
+    testing::Values(Machine{"ActiveAndLocal", {local}, "seat0 "}, Machine{"Remote", {remote}, ""},
+                    Machine{"WithoutSeat", {withoutSeat}, ""}, Machine{"Inactive", {inactive}, ""},
+                    Machine{"AtAnotherSeat", {elsewhere}, "seat1 "},
+                    Machine{"AtTwoSeats", {local, elsewhere, local}, "seat0 seat1 "},
+                    Machine{"OneOfSeveral", {remote, inactive, local}, "seat0 "},
+                    Machine{"ActiveRemotelyAndLocalElsewhere", {remote, inactive}, ""},
+                    Machine{"AnotherUsers", {anotherUsers}, ""}, Machine{"NoRecord", {}, ""}),
     [](const auto& instance) { return instance.param.name; });
 
 }  // namespace

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <set>
+
 #include "KeyboardService/Service/RequestHandler.h"
 #include "Tests/Unit/KeyboardService/Support/FakeKeyboardBus.h"
 
@@ -7,20 +10,34 @@ namespace zephlin {
 namespace {
 
 constexpr uid_t root = 0;
+constexpr uid_t atFirstSeat = 1000;
 constexpr uid_t stranger = 1001;
+constexpr std::chrono::milliseconds waitLimit{50};
+
+const std::string listOfReal = R"({"request":"list","matching":{"Product":"Real"}})";
+const std::string setInstant =
+    R"({"request":"set","matching":{},"properties":{"CapsLockDelayOverride":0}})";
+const std::string getDelay =
+    R"({"request":"get","matching":{"Product":"Real"},"key":"CapsLockDelayOverride"})";
 
 /// Two virtual keyboards and one that is not.
 class RequestHandlerTest : public testing::Test {
  protected:
   RequestHandlerTest()
-      : registry([](const std::string&) {}),
+      : limitedLog(loop, [this](const std::string& line) { log.push_back(line); }),
+        registry(limitedLog),
         virtualKeyboards(2),
-        permissions(root, [](uid_t) { return false; }),
-        handler(registry, virtualKeyboards, permissions,
-                [this](const std::string& line) { log.push_back(line); }) {
+        handler(loop, registry, virtualKeyboards,
+                Permissions(root,
+                            [](uid_t user) {
+                              return user == atFirstSeat ? std::set<std::string>{"seat0"}
+                                                         : std::set<std::string>{};
+                            }),
+                limitedLog, waitLimit) {
     virtualKeyboards.start(registry);
     realKeyboards.start(registry);
-    realKeyboards.plug(BusHandle{1}, "Real");
+    realKeyboards.plug(real, "Real", "seat1");
+    log.clear();
   }
 
   std::string respond(std::string_view line, uid_t user) {
@@ -29,12 +46,31 @@ class RequestHandlerTest : public testing::Test {
     return answer;
   }
 
+  /// Has a request answered later, into `answers`.
+  void ask(const std::string& line) {
+    handler.respond(line, root,
+                    [this](const Response& response) { answers.push_back(encode(response)); });
+  }
+
+  /// Turns the loop until there are so many answers.
+  void awaitAnswers(std::size_t count) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (answers.size() < count && std::chrono::steady_clock::now() < deadline) {
+      sd_event_run(loop.native(), 10'000);
+    }
+    EXPECT_EQ(answers.size(), count);
+  }
+
+  static constexpr BusHandle real{1};
+
+  EventLoop loop;
   std::vector<std::string> log;
+  LimitedLog limitedLog;
   KeyboardRegistry registry;
   VirtualKeyboardBus virtualKeyboards;
   FakeKeyboardBus realKeyboards;
-  Permissions permissions;
   RequestHandler handler;
+  std::vector<std::string> answers;
 };
 
 std::string error(const std::string& text) {
@@ -43,9 +79,9 @@ std::string error(const std::string& text) {
 
 TEST_F(RequestHandlerTest, ListsForEveryone) {
   EXPECT_EQ(
-      respond(R"({"request":"list","matching":{"Product":"Real"}})", stranger),
+      respond(listOfReal, stranger),
       R"({"keyboards":[{"primaryUsage":6,"primaryUsagePage":1,"product":"Real","productID":0,)"
-      R"("registryID":"100000003","seat":"","state":"","transport":"USB","vendorID":0}],)"
+      R"("registryID":"100000003","seat":"seat1","state":"default","transport":"USB","vendorID":0}],)"
       R"("response":"list"})");
 }
 
@@ -96,12 +132,85 @@ TEST_F(RequestHandlerTest, RefusesToPlugMoreThanThereCanBe) {
             error("virtual keyboard limit reached (256); pull one first"));
 }
 
-TEST_F(RequestHandlerTest, ReportsTheRefusalOfABus) {
-  realKeyboards.refusing.insert(BusHandle{1});
+TEST_F(RequestHandlerTest, AValueThatAKeyboardCannotCarryRefusesTheRequest) {
+  realKeyboards.refuses = true;
   EXPECT_EQ(respond(R"({"request":"set","matching":{},"properties":{"A":5}})", root),
             error("keyboard 100000003 refused: the cable is loose; nothing is changed"));
   EXPECT_EQ(registry.get({}, "A").front().value, std::nullopt);
   EXPECT_TRUE(log.empty());
+}
+
+TEST_F(RequestHandlerTest, LeavesTheKeyboardsOfOtherSeatsAlone) {
+  EXPECT_EQ(respond(setInstant, atFirstSeat),
+            encode(SetResponse{{RegistryID{0x100000001}, RegistryID{0x100000002}},
+                               {{RegistryID{0x100000003}, "not on your seat"}}}));
+  EXPECT_TRUE(realKeyboards.applied.empty());
+  EXPECT_EQ(log,
+            std::vector<std::string>{"CapsLockDelayOverride=0 set on 2 keyboards by user 1000"});
+}
+
+TEST_F(RequestHandlerTest, SettingWhatIsSetLogsNothing) {
+  respond(setInstant, root);
+  log.clear();
+  respond(setInstant, root);
+  EXPECT_TRUE(log.empty());
+}
+
+TEST_F(RequestHandlerTest, WhatAUserHasLoggedIsLimited) {
+  for (int time = 0; time < 100; ++time) {
+    respond(R"({"request":"plug"})", root);
+    respond(
+        R"({"request":"pull","registryID":")" + toText(RegistryID{0x100000004U + time}) + R"("})",
+        root);
+  }
+  EXPECT_EQ(log.size(), 20U);
+}
+
+TEST_F(RequestHandlerTest, ASetIsAnsweredWhenTheKeyboardsHaveSettled) {
+  realKeyboards.becomes = KeyboardState{settling, "a key is held down"};
+  ask(setInstant);
+  ask(getDelay);
+  ask(R"({"request":"get","matching":{"ProductID":1},"key":"CapsLockDelayOverride"})");
+  const std::string valueOfAnother = encode(GetResponse{{{RegistryID{0x100000001}, 0}}});
+  EXPECT_EQ(answers, std::vector{valueOfAnother});
+  realKeyboards.report(real, {inForce, "grabbed"});
+  awaitAnswers(3);
+  EXPECT_EQ(answers.at(1),
+            encode(SetResponse{
+                {RegistryID{0x100000001}, RegistryID{0x100000002}, RegistryID{0x100000003}}, {}}));
+  EXPECT_EQ(answers.at(2), encode(GetResponse{{{RegistryID{0x100000003}, 0}}}));
+}
+
+TEST_F(RequestHandlerTest, AKeyboardThatDoesNotSettleInTimeIsNamedWithWhatIsInTheWay) {
+  realKeyboards.becomes = KeyboardState{settling, "a key is held down"};
+  const auto start = std::chrono::steady_clock::now();
+  ask(setInstant);
+  awaitAnswers(1);
+  EXPECT_GE(std::chrono::steady_clock::now() - start, waitLimit);
+  EXPECT_EQ(answers.front(),
+            encode(SetResponse{{RegistryID{0x100000001}, RegistryID{0x100000002}},
+                               {{RegistryID{0x100000003}, "a key is held down"}}}));
+}
+
+TEST_F(RequestHandlerTest, AKeyboardThatDoesNotAnswerInTimeIsNotInForce) {
+  realKeyboards.answers = false;
+  ask(setInstant);
+  ask(getDelay);
+  awaitAnswers(2);
+  EXPECT_EQ(answers.front(), encode(SetResponse{{RegistryID{0x100000001}, RegistryID{0x100000002}},
+                                                {{RegistryID{0x100000003}, "does not answer"}}}));
+  EXPECT_EQ(answers.back(), encode(GetResponse{{{RegistryID{0x100000003}, std::nullopt}}}));
+}
+
+TEST_F(RequestHandlerTest, RequestsThatWaitShareOneQuestion) {
+  realKeyboards.answers = false;
+  ask(setInstant);
+  ask(getDelay);
+  ask(listOfReal);
+  EXPECT_TRUE(answers.empty());
+  EXPECT_EQ(realKeyboards.checked.size(), 1U);
+  realKeyboards.answer(real);
+  awaitAnswers(3);
 }
 
 TEST_F(RequestHandlerTest, LetsEveryoneSubscribe) {

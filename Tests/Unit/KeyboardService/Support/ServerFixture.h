@@ -6,6 +6,7 @@
 #include <chrono>
 #include <exception>
 #include <functional>
+#include <set>
 #include <stdexcept>
 #include <string>
 
@@ -45,10 +46,11 @@ class ServerTest : public testing::Test {
  protected:
   explicit ServerTest(std::chrono::milliseconds limit = timeout)
       : socket(directory.file("s")),
-        registry([](const std::string&) {}),
+        log(loop, [](const std::string&) {}),
+        registry(log),
         virtualKeyboards(200),
-        permissions(::geteuid(), [](uid_t) { return false; }),
-        handler(registry, virtualKeyboards, permissions, [](const std::string&) {}),
+        handler(loop, registry, virtualKeyboards,
+                Permissions(::geteuid(), [](uid_t) { return std::set<std::string>(); }), log),
         respond([this](std::string_view line, uid_t user, const Server::Reply& reply) {
           handler.respond(line, user, reply);
         }),
@@ -99,9 +101,9 @@ class ServerTest : public testing::Test {
   test::TemporaryDirectory directory;
   EventLoop loop;
   BoundSocket socket;
+  LimitedLog log;
   KeyboardRegistry registry;
   VirtualKeyboardBus virtualKeyboards;
-  Permissions permissions;
   RequestHandler handler;
   Server::Respond respond;  ///< By default, has the handler answer.
   Server server;
