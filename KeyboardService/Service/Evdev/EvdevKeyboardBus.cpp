@@ -11,7 +11,7 @@ namespace {
 
 using Kind = KeyboardState::Kind;
 
-constexpr std::chrono::seconds timeBetweenTries{5};
+constexpr std::chrono::seconds timeToNextThread{5};
 
 /// A clone belongs to this seat, whatever the seat of its original (udev's ID_SEAT).
 constexpr std::string_view seatOfClones = "seat0";
@@ -159,7 +159,7 @@ void EvdevKeyboardBus::lose(Entry& entry, const std::string& reason) {
   entry.thread.reset();
   report(entry, {Kind::NotInForce, reason});
   answer(entry, entry.openChecks);
-  nextTry_.setDelay(timeBetweenTries);
+  nextTry_.setDelay(timeToNextThread);
 }
 
 void EvdevKeyboardBus::tryAgain() {

@@ -157,7 +157,7 @@ TEST_F(RequestHandlerTest, SettingWhatIsSetLogsNothing) {
 }
 
 TEST_F(RequestHandlerTest, WhatAUserHasLoggedIsLimited) {
-  for (int time = 0; time < 100; ++time) {
+  for (unsigned time = 0; time < 100; ++time) {
     respond(R"({"request":"plug"})", root);
     respond(
         R"({"request":"pull","registryID":")" + toText(RegistryID{0x100000004U + time}) + R"("})",
