@@ -212,7 +212,7 @@ Options:
   -h, --help        print this help
   --version         print the version
 
-Properties last until the keyboard is unplugged or zephlin-hidd exits. root and users with an active
+Properties last until the keyboard is unplugged or the machine restarts. root and users with an active
 local login session may set, plug and pull; everyone may list and get.
 )";
 }
