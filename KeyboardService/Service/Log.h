@@ -33,7 +33,8 @@ class LimitedLog {
   /// A line that is not limited, unless within `during`.
   void write(const std::string& line);
 
-  /// Every line that is written while the action runs has this cause, for example "user 1000".
+  /// Every line that is written while the action runs has this cause, for example "requests of user
+  /// 1000".
   void during(const std::string& cause, const std::function<void()>& action);
 
  private:

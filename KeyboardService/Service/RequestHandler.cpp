@@ -30,7 +30,7 @@ RequestHandler::RequestHandler(EventLoop& loop, KeyboardRegistry& registry,
 
 void RequestHandler::respond(std::string_view line, uid_t user, const Reply& reply) {
   std::optional<ErrorResponse> failure;
-  log_.during("user " + std::to_string(user), [&] {
+  log_.during("requests of user " + std::to_string(user), [&] {
     try {
       std::visit([&](const auto& request) { perform(request, user, reply); }, decodeRequest(line));
     } catch (const RequestError& error) {

@@ -138,7 +138,7 @@ check_same "hidutil is found" "hidutil (Zephlin) $(version_of zephlin)" \
 check "systemd finds no fault with the units" \
     on_machine systemd-analyze verify --man=no /usr/lib/systemd/system/zephlin-hidd.{socket,service}
 check "systemd finds the service well confined" on_machine systemd-analyze security \
-    --offline=yes --threshold=12 /usr/lib/systemd/system/zephlin-hidd.service
+    --offline=yes --threshold=14 /usr/lib/systemd/system/zephlin-hidd.service
 dpkg_does --purge zephlin
 check_same "nothing is left of the package" "$without_packages" "$(differences)"
 check_same "nothing is left but the user in its group" $'input\nzephlin' \
