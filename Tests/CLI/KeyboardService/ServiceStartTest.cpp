@@ -124,6 +124,18 @@ TEST_F(ServiceStart, ASocketPathHasToFit) {
                            "\" is not usable; give one of 1 to 107 bytes with --socket"));
 }
 
+TEST_F(ServiceStart, PropertiesThatCannotBeReadAreNoReasonNotToStart) {
+  const std::string state = directory.file("properties");
+  std::ofstream(state) << "nonsense";
+  test::TestProcess service({serviceProgram, "--socket", path, "--state", state});
+  service.waitForErrors("ready");
+  service.send(SIGTERM);
+  const test::Outcome outcome = service.wait();
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_TRUE(outcome.errors.starts_with("zephlin-hidd: ignoring " + state + ": it is not valid"))
+      << outcome.errors;
+}
+
 FileDescriptor listenAt(const std::string& path) {
   FileDescriptor socket = bindTo(path);
   EXPECT_EQ(::listen(socket.get(), 5), 0);

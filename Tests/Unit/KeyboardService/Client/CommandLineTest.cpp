@@ -89,6 +89,7 @@ TEST(ServiceCommandLine, HasDefaults) {
   const ServiceOptions options = parseServiceCommandLine({});
   EXPECT_EQ(options.socketPath, "/run/zephlin/hidd.sock");
   EXPECT_EQ(options.virtualKeyboards, std::nullopt);
+  EXPECT_EQ(options.statePath, "/run/zephlin/hidd.sock.state");
   EXPECT_EQ(options.tapGap, std::chrono::milliseconds(5));
 }
 
@@ -96,6 +97,8 @@ TEST(ServiceCommandLine, ReadsItsOptions) {
   const ServiceOptions options =
       parseServiceCommandLine({"--virtual-keyboards", "256", "--socket", "/s", "--tap-gap", "0"});
   EXPECT_EQ(options.socketPath, "/s");
+  EXPECT_EQ(options.statePath, "/s.state");
+  EXPECT_EQ(parseServiceCommandLine({"--state", "/p", "--socket", "/s"}).statePath, "/p");
   EXPECT_EQ(options.virtualKeyboards, 256U);
   EXPECT_EQ(options.tapGap, std::chrono::milliseconds(0));
   EXPECT_TRUE(parseServiceCommandLine({"--help"}).showHelp);
