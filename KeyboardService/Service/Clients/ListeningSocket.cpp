@@ -19,6 +19,10 @@ namespace {
 constexpr mode_t directoryMode = 0755;
 constexpr mode_t everyoneMayConnect = 0666;
 
+/// Clients are accepted in their order, so a user that fills a long queue delays all the others.
+/// The socket unit says the same.
+constexpr int maximumWaitingClients = 128;
+
 /// Sets the umask, so that the caller's does not narrow the mode of what is created.
 class FileCreationMask {
  public:
@@ -99,7 +103,7 @@ void bindAndListen(const FileDescriptor& socket, const std::string& path,
                    const SocketAddress& address) {
   const FileCreationMask mask(static_cast<mode_t>(~everyoneMayConnect) & 0777U);
   if (::bind(socket.get(), address.get(), address.size()) != 0 ||
-      ::listen(socket.get(), SOMAXCONN) != 0) {
+      ::listen(socket.get(), maximumWaitingClients) != 0) {
     throw RequestError("cannot listen at " + printable(path) + errnoText(errno) +
                        "; run zephlin-hidd as root, or choose another place with --socket");
   }
