@@ -49,21 +49,20 @@ void raiseDescriptorLimit() {
 
 /// The machine's keyboards: watched or grabbed, each in its own thread.
 EvdevKeyboardBus::Devices machineDevices(KeyboardNodes& nodes) {
-  static const Log nothingToLog = [](const std::string&) {};
   return {[&nodes](auto appeared, auto disappeared) {
             nodes.start(std::move(appeared), std::move(disappeared));
           },
           [](const KeyboardNode& node) {
             return [node](EventLoop& loop, KeyboardHandling::Report report,
                           const std::function<void()>& /*emergencyChord*/) {
-              return std::make_unique<WatchedKeyboard>(loop, node, nothingToLog, std::move(report));
+              return std::make_unique<WatchedKeyboard>(loop, node, std::move(report));
             };
           },
           [](const KeyboardNode& node, CapsLockRule rule) {
             return [node, rule](EventLoop& loop, KeyboardHandling::Report report,
                                 std::function<void()> emergencyChord) {
-              return std::make_unique<GrabbedKeyboard>(
-                  loop, node, rule, nothingToLog, std::move(report), std::move(emergencyChord));
+              return std::make_unique<GrabbedKeyboard>(loop, node, rule, std::move(report),
+                                                       std::move(emergencyChord));
             };
           }};
 }

@@ -39,8 +39,8 @@ bool EmergencyChord::completes(const InputEvent& event) {
 }
 
 GrabbedKeyboard::GrabbedKeyboard(EventLoop& loop, const KeyboardNode& node, CapsLockRule rule,
-                                 Log log, Report report, std::function<void()> emergencyChord)
-    : NodeHandling(loop, node, std::move(log), std::move(report)),
+                                 Report report, std::function<void()> emergencyChord)
+    : NodeHandling(loop, node, std::move(report)),
       emergencyChord_(std::move(emergencyChord)),
       rewriter_(rule),
       settled_(loop.timer([this] { attempt([this] { grab(); }); })),

@@ -26,13 +26,15 @@ class EmergencyChord {
 
 /// A keyboard that is grabbed, while programs see a clone of it with Caps Lock rewritten. It is
 /// grabbed once programs have had time to find the clone and no key is held; until then it works as
-/// usual. What is typed is never logged.
+/// usual.
 class GrabbedKeyboard final : public NodeHandling {
  public:
   /// `emergencyChord` is called when it is typed, on the loop's thread; it may not destroy this
   /// object within the call.
-  GrabbedKeyboard(EventLoop& loop, const KeyboardNode& node, CapsLockRule rule, Log log,
-                  Report report, std::function<void()> emergencyChord);
+  GrabbedKeyboard(EventLoop& loop, const KeyboardNode& node, CapsLockRule rule, Report report,
+                  std::function<void()> emergencyChord);
+  GrabbedKeyboard(const GrabbedKeyboard&) = delete;
+  GrabbedKeyboard& operator=(const GrabbedKeyboard&) = delete;
   ~GrabbedKeyboard() override;
 
   void setRule(CapsLockRule rule) override { rewriter_.setRule(rule); }

@@ -25,10 +25,9 @@ constexpr std::string_view held = "held by another program";
 
 }  // namespace
 
-NodeHandling::NodeHandling(EventLoop& loop, KeyboardNode node, Log log, Report report)
+NodeHandling::NodeHandling(EventLoop& loop, KeyboardNode node, Report report)
     : loop_(loop),
       place_(std::move(node)),
-      log_(std::move(log)),
       report_(std::move(report)),
       nextTry_(loop.timer([this] { tryAgain(); })),
       firstCheck_(loop.timer([this] { tryAgain(); })),
@@ -81,11 +80,10 @@ void NodeHandling::close() noexcept {
 }
 
 void NodeHandling::becomeHeld() {
+  const bool isKnown = state_.kind == Kind::NotInForce && state_.text.starts_with(held);
   // Looking for the holder takes long.
-  if (state_.kind != Kind::NotInForce || !state_.text.starts_with(held)) {
-    become({Kind::NotInForce, std::string(held) + holderOf(place_.path)});
-  }
-  nextTry_.setDelay(timeBetweenTries);
+  become(isKnown ? state_
+                 : KeyboardState{Kind::NotInForce, std::string(held) + holderOf(place_.path)});
 }
 
 void NodeHandling::become(const KeyboardState& state) {
@@ -95,13 +93,7 @@ void NodeHandling::become(const KeyboardState& state) {
   if (state == state_) {
     return;
   }
-  const KeyboardState before = std::exchange(state_, state);
-  const auto isHeld = [](const KeyboardState& each) { return each.text.starts_with(held); };
-  if (state.kind == Kind::NotInForce && !hasGone_) {
-    log_(place_.path + (isHeld(state) ? " is " : ": ") + state.text);
-  } else if (before.kind == Kind::NotInForce && !hasGone_) {
-    log_(place_.path + (isHeld(before) ? " is released" : " can be used again"));
-  }
+  state_ = state;
   report_(state_);
 }
 

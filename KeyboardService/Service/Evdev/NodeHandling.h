@@ -8,18 +8,16 @@
 #include "KeyboardService/Service/Evdev/KeyboardHandling.h"
 #include "KeyboardService/Service/Evdev/KeyboardNodes.h"
 #include "KeyboardService/Service/EventLoop.h"
-#include "KeyboardService/Service/Log.h"
 
 namespace zephlin {
 
 /// What watching and grabbing share: opening the node, naming what is in the way, and trying again.
-/// The log gets a line when a keyboard stops doing as asked, and one when it does again.
 class NodeHandling : public KeyboardHandling {
  public:
   void check() final;
 
  protected:
-  NodeHandling(EventLoop& loop, KeyboardNode node, Log log, Report report);
+  NodeHandling(EventLoop& loop, KeyboardNode node, Report report);
 
   /// The node has just been opened.
   virtual void onOpen() = 0;
@@ -51,7 +49,6 @@ class NodeHandling : public KeyboardHandling {
 
   EventLoop& loop_;
   KeyboardNode place_;
-  Log log_;
   Report report_;
   KeyboardState state_{KeyboardState::Kind::Settling, "starting"};
   bool hasGone_ = false;

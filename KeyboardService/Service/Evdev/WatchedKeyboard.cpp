@@ -11,8 +11,8 @@ constexpr InputEvent capsLockRelease{EV_KEY, KEY_CAPSLOCK, KeyReleased};
 
 }  // namespace
 
-WatchedKeyboard::WatchedKeyboard(EventLoop& loop, const KeyboardNode& node, Log log, Report report)
-    : NodeHandling(loop, node, std::move(log), std::move(report)),
+WatchedKeyboard::WatchedKeyboard(EventLoop& loop, const KeyboardNode& node, Report report)
+    : NodeHandling(loop, node, std::move(report)),
       path_(node.path),
       repeatsInHardware_(node.repeatsInHardware),
       repeatDeadline_(loop.timer([this] { attempt([this] { blockRepeats(); }); })) {

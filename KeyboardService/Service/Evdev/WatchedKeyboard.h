@@ -17,7 +17,9 @@ namespace zephlin {
 /// If this process ends or stands still, the keyboard works as ever.
 class WatchedKeyboard final : public NodeHandling {
  public:
-  WatchedKeyboard(EventLoop& loop, const KeyboardNode& node, Log log, Report report);
+  WatchedKeyboard(EventLoop& loop, const KeyboardNode& node, Report report);
+  WatchedKeyboard(const WatchedKeyboard&) = delete;
+  WatchedKeyboard& operator=(const WatchedKeyboard&) = delete;
   ~WatchedKeyboard() override;
 
   /// There is only one rule for a watched keyboard: presses count at once.
