@@ -49,7 +49,8 @@ FileDescriptor openNode(const std::string& path) {
   return descriptor;
 }
 
-/// The kernel's bitmaps are arrays of unsigned long, so their bytes are in order here (x86, ARM).
+/// The kernel's bitmaps are arrays of unsigned long, whose bytes are in order on little-endian
+/// machines.
 template <std::size_t Count>
 std::bitset<Count> bits(const std::array<unsigned char, Count / 8>& bytes) {
   std::bitset<Count> result;

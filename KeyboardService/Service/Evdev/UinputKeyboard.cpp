@@ -94,8 +94,4 @@ std::vector<InputEvent> UinputKeyboard::takeLedEvents() {
   return leds;
 }
 
-void UinputKeyboard::requireSupport() {
-  openUinput();
-}
-
 }  // namespace zephlin

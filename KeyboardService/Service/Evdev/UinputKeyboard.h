@@ -29,9 +29,6 @@ class UinputKeyboard {
   /// The LEDs that programs have set since the last call.
   std::vector<InputEvent> takeLedEvents();
 
-  /// Throws RequestError if a clone could not be created.
-  static void requireSupport();
-
  private:
   struct Destroy {
     void operator()(libevdev_uinput* device) const { libevdev_uinput_destroy(device); }
