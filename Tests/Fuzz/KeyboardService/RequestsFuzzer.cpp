@@ -1,10 +1,15 @@
-// A conversation of request lines with keyboards that come, go and refuse. A line that begins with
-// '+', '-' or '#' plugs, pulls or turns the mood of a keyboard whose number is its second byte; one
-// that begins with '!' is asked by a user who may change nothing.
+// A conversation of request lines with keyboards that come and go. A line that begins with '+' or
+// '-' plugs or pulls the keyboard whose number is its second byte. One that begins with '#' has the
+// bus refuse or carry everything, or changes the state of that keyboard and of what is set from now
+// on. One that begins with '!' is asked by a user who may change nothing.
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <set>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "KeyboardService/Service/RequestHandler.h"
 #include "Tests/Fuzz/KeyboardService/Require.h"
@@ -20,10 +25,12 @@ constexpr std::size_t realKeyboards = 8;
 class Conversation {
  public:
   Conversation()
-      : registry_([](const std::string&) {}),
+      : log_(loop(), [](const std::string&) {}),
+        registry_(log_),
         virtualKeyboards_(2),
-        permissions_(owner, [](uid_t) { return false; }),
-        handler_(registry_, virtualKeyboards_, permissions_, [](const std::string&) {}) {
+        handler_(loop(), registry_, virtualKeyboards_,
+                 Permissions(owner, [](uid_t) { return std::set<std::string>(); }), log_,
+                 std::chrono::milliseconds::zero()) {
     virtualKeyboards_.start(registry_);
     bus_.start(registry_);
     bus_.plug(BusHandle{0}, "Moody");
@@ -41,9 +48,7 @@ class Conversation {
     } else if (first == '-') {
       bus_.pull(handle);
     } else if (first == '#') {
-      if (bus_.refusing.erase(handle) == 0) {
-        bus_.refusing.insert(handle);
-      }
+      turnMood(handle);
     } else {
       ask(line, first == '!');
     }
@@ -51,11 +56,41 @@ class Conversation {
   }
 
  private:
+  /// One for all conversations, as it takes descriptors.
+  static EventLoop& loop() {
+    static EventLoop theLoop;
+    return theLoop;
+  }
+
+  void turnMood(BusHandle handle) {
+    const auto mood = static_cast<std::uint64_t>(handle) % 4;
+    if (mood == 0) {
+      bus_.refuses = !bus_.refuses;
+      return;
+    }
+    constexpr KeyboardState::Kind kinds[] = {inForce, notInForce, settling};
+    bus_.becomes = KeyboardState{kinds[mood - 1], "moody"};
+    if (bus_.carried.contains(handle) && capsLockDelay(bus_.carried.at(handle))) {
+      bus_.report(handle, *bus_.becomes);
+    }
+  }
+
+  std::string answerTo(std::string_view line, uid_t user) {
+    std::vector<std::string> answers;
+    handler_.respond(line, user,
+                     [&](const Response& response) { answers.push_back(encode(response)); });
+    while (answers.empty()) {
+      sd_event_run(loop().native(), UINT64_MAX);
+    }
+    require(answers.size() == 1, "a request is answered once");
+    return answers.front();
+  }
+
   void ask(std::string_view line, bool byStranger) {
     line.remove_prefix(byStranger ? 1 : 0);
     const auto keyboards = registry_.list({});
     const auto carried = bus_.carried;
-    const std::string text = encode(handler_.respond(line, byStranger ? stranger : owner));
+    const std::string text = answerTo(line, byStranger ? stranger : owner);
     require(text.find('\n') == std::string::npos, "a response is one line");
     const Response response = decodeResponse(text);
     if (byStranger || std::holds_alternative<ErrorResponse>(response)) {
@@ -73,16 +108,17 @@ class Conversation {
       keyboard.registryID = registry_.find({&bus_, handle});
       require(keyboard.registryID.has_value(), "the registry knows every keyboard");
       for (const auto& [key, value] : properties) {
-        require(registry_.get(keyboard, key).at(0).value == value,
+        const auto said = registry_.get(keyboard, key).at(0).value;
+        require(said == value || (key == capsLockDelayKey && !said),
                 "the registry says what the keyboard carries");
       }
     }
   }
 
+  LimitedLog log_;
   KeyboardRegistry registry_;
   VirtualKeyboardBus virtualKeyboards_;
   FakeKeyboardBus bus_;
-  Permissions permissions_;
   RequestHandler handler_;
 };
 
