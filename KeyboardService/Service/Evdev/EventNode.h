@@ -53,6 +53,11 @@ class EventNode {
   /// grab for a moment would.
   void writeProbe() { write({{EV_SYN, SYN_CONFIG, 0}, endOfFrame}); }
 
+  /// Whether the probe has come, or the queue has overflowed, perhaps with it.
+  static constexpr bool isProbe(const InputEvent& event) {
+    return event.type == EV_SYN && (event.code == SYN_CONFIG || event.code == SYN_DROPPED);
+  }
+
   /// Returns false if another program has grabbed it.
   bool grab();
   void ungrab();

@@ -71,7 +71,9 @@ void GrabbedKeyboard::confirm() {
   }
   bool isHeard = false;
   node().writeProbe();
-  node().readAll([&](const InputEvent&, std::chrono::microseconds) { isHeard = true; });
+  node().readAll([&](const InputEvent& event, std::chrono::microseconds) {
+    isHeard = isHeard || EventNode::isProbe(event);
+  });
   if (!isHeard) {
     endClone();
     becomeHeld();

@@ -67,7 +67,7 @@ std::optional<std::chrono::microseconds> WatchedKeyboard::readAll() {
   bool hasOverflowed = false;
   std::optional<std::chrono::microseconds> firstScanCode;
   node().readAll([&](const InputEvent& event, std::chrono::microseconds time) {
-    isHeard_ = true;
+    isHeard_ = isHeard_ || EventNode::isProbe(event);
     hasOverflowed = hasOverflowed || (event.type == EV_SYN && event.code == SYN_DROPPED);
     watch_.take(event);
     if (repeat_) {
