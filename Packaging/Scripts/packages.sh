@@ -60,9 +60,12 @@ need_virtual_desktop_packages() {
         imagemagick adwaita-icon-theme librsvg2-common fonts-dejavu-core
 }
 
-# A virtual machine with Debian's kernel, and what is compiled for it.
+# A virtual machine with Debian's kernel, and what is compiled for it; and display servers that run
+# in it.
 need_virtual_machine_packages() {
-    need_packages busybox-static cpio libxkbcommon-dev qemu-system-x86 systemd udev xkb-data
+    need_packages busybox-static cpio libxkbcommon-dev qemu-system-x86 systemd udev xkb-data \
+        libwayland-dev libx11-dev seatd sway wayland-protocols weston x11-xkb-utils \
+        xserver-xorg-core xserver-xorg-input-libinput xserver-xorg-video-dummy
 }
 
 # To build for macOS: a compiler and a linker, LLVM's libc++ for its symbols, and npm, which downloads

@@ -1,12 +1,15 @@
 // A keyboard of a kind that is not emulated for the virtual machine, made through uinput: without
-// LEDs and, with the argument "mouse", a mouse in the same device. Each line of the standard
-// input is an event, such as "KEY_A 1", and comes back on standard output when it is out; the
-// keyboard is pulled at the end.
+// LEDs and, with the argument "mouse", a mouse in the same device; with "LED", one of a usual kind
+// that types faster than QEMU's. Each line of the standard input is an event, such as "KEY_A 1",
+// which comes back on standard output when it is out, or "PAUSE 5", in milliseconds; the keyboard
+// is pulled at the end.
 
 #include <libevdev/libevdev-uinput.h>
 
+#include <chrono>
 #include <iostream>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -23,7 +26,11 @@ int main(int argumentCount, char** arguments) {
   libevdev_set_name(device, "Made Keyboard");
   libevdev_set_id_bustype(device, BUS_BLUETOOTH);
   enable(device, EV_KEY, KEY_ESC, KEY_KPDOT);
-  if (argumentCount > 1 && std::string(arguments[1]) == "mouse") {
+  const std::string kind = argumentCount > 1 ? arguments[1] : "";
+  if (kind == "LED") {
+    enable(device, EV_LED, LED_NUML, LED_SCROLLL);
+  }
+  if (kind == "mouse") {
     enable(device, EV_KEY, BTN_LEFT, BTN_MIDDLE);
     enable(device, EV_REL, REL_X, REL_Y);
     enable(device, EV_REL, REL_WHEEL, REL_WHEEL);
@@ -36,6 +43,10 @@ int main(int argumentCount, char** arguments) {
   std::string name;
   int value = 0;
   while (std::cin >> name >> value) {
+    if (name == "PAUSE") {
+      std::this_thread::sleep_for(std::chrono::milliseconds(value));
+      continue;
+    }
     libevdev_uinput_write_event(
         keyboard, static_cast<unsigned>(libevdev_event_type_from_code_name(name.c_str())),
         static_cast<unsigned>(libevdev_event_code_from_code_name(name.c_str())), value);

@@ -11,10 +11,13 @@ constexpr const char* helloEvents =
     "'KEY_CAPSLOCK 1' 'KEY_CAPSLOCK 0' 'KEY_H 1' 'KEY_H 0' 'KEY_CAPSLOCK 1' 'KEY_E 1' "
     "'KEY_CAPSLOCK 0' 'KEY_E 0' 'KEY_E 1' 'KEY_E 0'";
 
-/// Types in a virtual machine, where a service and a judge run that begin and end with it.
+/// Types in a virtual machine, where a service and a judge run that begin and end with it. `judge`
+/// is the command for what prints what it reads, as CapsLockJudge does.
 class Typist {
  public:
-  explicit Typist(VirtualMachine& machine) : machine_(machine) {
+  explicit Typist(VirtualMachine& machine, std::string judge = "CapsLockJudge")
+      : machine_(machine), judge_(std::move(judge)) {
+    forgetProperties();
     startService();
     startJudge();
   }
@@ -27,6 +30,9 @@ class Typist {
     machine_.run("kill $service $judge; wait $service $judge");
     machine_.waitUntil("[ ! -e /run/zephlin/hidd.sock ]");
   }
+
+  /// What a service that has ended leaves to the next one.
+  void forgetProperties() { machine_.output("rm -f /run/zephlin/hidd.sock.state"); }
 
   /// Starts the service, on its usual socket.
   void startService(const std::string& command = "zephlin-hidd") {
@@ -46,14 +52,14 @@ class Typist {
 
   void endActivation() {
     machine_.run("kill -9 $keeper; killall zephlin-hidd; wait $keeper");
-    waitForClones(0);
+    machine_.waitUntil("! pidof zephlin-hidd");
     machine_.output("rm /run/zephlin/hidd.sock");
   }
 
   /// Starts another judge with these options of XKB.
   void startJudge(const std::string& options = "") {
     machine_.run("[ -z \"$judge\" ] || { kill $judge; wait $judge; }");
-    machine_.output("CapsLockJudge " + options + " >/tmp/judge.log 2>&1 9>&- & judge=$!");
+    machine_.output(judge_ + ' ' + options + " >/tmp/judge.log 2>&1 9>&- & judge=$!");
     machine_.waitUntil("grep -q ready /tmp/judge.log");
     marks_ = 0;
   }
@@ -71,9 +77,11 @@ class Typist {
 
   /// The name of the keyboard's event device.
   std::string nodeOf(int keyboard) {
-    const std::string name =
-        machine_.output("cd /sys/class/input; for each in event*; do if grep -q K" +
-                        std::to_string(keyboard) + " $each/device/uniq; then echo $each; fi; done");
+    const std::string isIt = keyboard == VirtualMachine::ps2Keyboard
+                                 ? "grep -q ^isa0060/serio0 $each/device/phys"
+                                 : "grep -q K" + std::to_string(keyboard) + " $each/device/uniq";
+    const std::string name = machine_.output("cd /sys/class/input; for each in event*; do if " +
+                                             isIt + "; then echo $each; fi; done");
     return name.substr(0, name.find('\n'));
   }
 
@@ -81,14 +89,20 @@ class Typist {
   /// printed.
   std::string apply(int keyboards = 1) {
     const std::string printed = machine_.output("Zephlin apply");
-    waitForClones(keyboards);
+    waitForStates(keyboards, "(watched|grabbed)");
     return printed;
   }
 
   std::string restore() {
     const std::string printed = machine_.output("Zephlin restore");
-    waitForClones(0);
+    waitForStates(0, "(watched|grabbed)");
     return printed;
+  }
+
+  /// Sets a delay on every keyboard; one above zero wants a clone.
+  void setDelay(int milliseconds) {
+    machine_.output("hidutil property --set '{\"CapsLockDelayOverride\":" +
+                    std::to_string(milliseconds) + "}'");
   }
 
   /// Presses a key and releases it at once.
@@ -112,6 +126,11 @@ class Typist {
       tap(keyboard, "e");
       waitForLed(keyboard, false);
     });
+  }
+
+  /// The same on the keyboard that is made.
+  std::string typeHelloOnMadeKeyboard() {
+    return textOf(0, [this] { turnSlowly(helloEvents); });
   }
 
   /// What the judge reads of what `type` types.
@@ -142,6 +161,14 @@ class Typist {
     return text.substr(0, text.size() - 1);
   }
 
+  /// Waits until `hidutil list` says so, an extended regular expression, of as many keyboards. The
+  /// judge then reads the clones that have come or gone.
+  void waitForStates(int count, const std::string& state) {
+    machine_.waitUntil("[ $(hidutil list | grep -c -E '   " + state +
+                       "   ') = " + std::to_string(count) + " ]");
+    machine_.output("udevadm settle");
+  }
+
   /// Waits until programs see so many clones.
   void waitForClones(int count) {
     machine_.waitUntil("[ $(cat /sys/class/input/input*/phys | grep -c ^zephlin-hidd/) = " +
@@ -157,7 +184,13 @@ class Typist {
     machine_.waitUntil("hidutil list | grep -q 'Made Keyboard'");
   }
 
-  void endKeyboard() { machine_.output("exec 9>&-"); }
+  void endKeyboard() {
+    machine_.output("exec 9>&-");
+    machine_.waitUntil("! hidutil list | grep -q 'Made Keyboard'");
+  }
+
+  /// Sends one event from that keyboard, such as "KEY_A 1".
+  void turnMade(const std::string& event) { machine_.output("echo " + event + " >&9"); }
 
   /// Sends events from that keyboard, words of the shell such as 'KEY_A 1', as slowly as people
   /// type.
@@ -167,6 +200,7 @@ class Typist {
 
  private:
   VirtualMachine& machine_;
+  std::string judge_;
   int marks_ = 0;
 };
 

@@ -193,6 +193,10 @@ void VirtualMachine::turn(int keyboard, const std::string& key, bool isDown) {
     arguments["device"] = "video" + std::to_string(keyboard);
   }
   control("input-send-event", arguments);
+  if (keyboard == ps2Keyboard) {
+    // As the wire does, which needs a millisecond for a byte.
+    output("usleep 2000");
+  }
 }
 
 void VirtualMachine::suspendAndWake() {
