@@ -9,7 +9,7 @@ class ApplicationInMachine : public TypedMachine {
   void SetUp() override {
     machine().output(
         "HOME=/tmp/home XDG_RUNTIME_DIR=/run Zephlin 2>/tmp/application.log & application=$!");
-    waitForClones(1);
+    waitForStates(1, "watched");
   }
 
   void TearDown() override {
@@ -24,7 +24,7 @@ class ApplicationInMachine : public TypedMachine {
 TEST_F(ApplicationInMachine, MakesAKeyboardInstantThatIsPlugged) {
   EXPECT_EQ(typeHello(0), "Hee");
   machine().plug({1});
-  waitForClones(2);
+  waitForStates(2, "watched");
   EXPECT_EQ(typeHello(1), "Hee");
   EXPECT_EQ(typeHello(0), "Hee");
   machine().pull({1});
@@ -32,20 +32,20 @@ TEST_F(ApplicationInMachine, MakesAKeyboardInstantThatIsPlugged) {
 
 TEST_F(ApplicationInMachine, AppliesAgainWhenTheServiceIsRestarted) {
   machine().run("kill $service; wait $service");
-  waitForClones(0);
+  forgetProperties();
   EXPECT_EQ(typeHello(0), "HEe");
   startService();
-  waitForClones(1);
+  waitForStates(1, "watched");
   EXPECT_EQ(typeHello(0), "Hee");
 }
 
 TEST_F(ApplicationInMachine, StartsAKilledServiceAnewThroughItsSocketAndAppliesAgain) {
   activateService();
-  waitForClones(1);
+  waitForStates(1, "watched");
   EXPECT_EQ(typeHello(0), "Hee");
   machine().output("killed=$(pidof zephlin-hidd); kill -9 $killed");
   machine().waitUntil("pidof zephlin-hidd | grep -v -x $killed");
-  waitForClones(1);
+  waitForStates(1, "watched");
   EXPECT_EQ(typeHello(0), "Hee");
   machine().run("kill $application; wait $application");
   endActivation();

@@ -48,18 +48,26 @@ TEST_F(CapsLockInMachine, TheCloneLooksLikeItsKeyboard) {
         "md5sum; done");
   };
   const std::string original = descriptions();
-  apply();
+  setDelay(300);
+  waitForStates(1, "grabbed");
   EXPECT_EQ(descriptions(), original + original);
+}
+
+TEST_F(CapsLockInMachine, AWatchedKeyboardNeedsNoClone) {
+  apply();
+  waitForStates(1, "watched");
+  waitForClones(0);
 }
 
 TEST_F(CapsLockInMachine, AKeyboardWithoutLedsIsInstantToo) {
   makeKeyboard();
-  const auto hello = [&] { turnSlowly(helloEvents); };
-  EXPECT_EQ(textOf(0, hello), "HEe");
+  EXPECT_EQ(typeHelloOnMadeKeyboard(), "HEe");
   apply(2);
-  EXPECT_EQ(textOf(0, hello), "Hee");
+  waitForStates(1, "grabbed");
+  EXPECT_EQ(typeHelloOnMadeKeyboard(), "Hee");
+  restore();
+  EXPECT_EQ(typeHelloOnMadeKeyboard(), "HEe");
   endKeyboard();
-  waitForClones(1);
 }
 
 TEST_F(CapsLockInMachine, AKeyboardThatIsAMouseTooKeepsItsMouse) {
@@ -76,14 +84,16 @@ TEST_F(CapsLockInMachine, AKeyboardThatIsAMouseTooKeepsItsMouse) {
             "key KEY_F12 1\nkey KEY_F12 0\n");
   apply(2);
   EXPECT_EQ(usedMouse(), before);
-  EXPECT_EQ(textOf(0, [&] { turnSlowly(helloEvents); }), "Hee");
+  EXPECT_EQ(typeHelloOnMadeKeyboard(), "Hee");
   endKeyboard();
-  waitForClones(1);
 }
 
 TEST_F(CapsLockInMachine, TheClonesAreNotListed) {
-  apply();
-  EXPECT_EQ(machine().output("hidutil list | wc -l"), "2\n");
+  makeKeyboard();
+  apply(2);
+  waitForClones(1);
+  EXPECT_EQ(machine().output("hidutil list | wc -l"), "3\n");
+  endKeyboard();
 }
 
 /// Caps Lock as a modifier, and both ways of locking with the shift keys.

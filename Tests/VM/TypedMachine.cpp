@@ -9,15 +9,13 @@ namespace {
 std::unique_ptr<VirtualMachine> theMachine;
 
 void boot() {
-  theMachine.reset();
   theMachine = std::make_unique<VirtualMachine>(VIRTUAL_MACHINE_IMAGES);
   theMachine->plug({0});
 }
 
-/// Boots the machine for all tests of the program.
+/// Ends the machine that the tests of the program have shared.
 class MachineEnvironment : public testing::Environment {
  public:
-  void SetUp() override { boot(); }
   void TearDown() override { theMachine.reset(); }
 };
 
@@ -27,6 +25,9 @@ class MachineEnvironment : public testing::Environment {
 }  // namespace
 
 VirtualMachine& TypedMachine::machine() {
+  if (!theMachine) {
+    boot();
+  }
   return *theMachine;
 }
 
@@ -34,7 +35,7 @@ void TypedMachine::TearDown() {
   if (HasFailure()) {
     ADD_FAILURE()
         << machine().run("tail -n 50 /tmp/judge.log /tmp/service.log; dmesg | tail").output;
-    boot();  // Nothing that the test has left behind is in the way of the next one.
+    theMachine.reset();  // Nothing that the test has left behind is in the way of the next one.
     return;
   }
   finish();
