@@ -92,17 +92,20 @@ class DisplayServer : public testing::TestWithParam<std::string>, protected Typi
     });
   }
 
-  /// Like typeHello, with a lock that is made on one keyboard and ended on another.
+  /// Like typeHello, with a lock that is made on one keyboard and ended on another. The USB
+  /// keyboard reports its keys later than the PS/2 keyboard.
   std::string typeHelloAcross(int first, int second) {
     return textOf(second, [&] {
       tap(first, "caps_lock");
       waitForLeds(true);
       tap(first, "h");
+      finishTyping(first);
       machine().press(second, "caps_lock");
       tap(second, "e");
       machine().release(second, "caps_lock");
       waitForLeds(false);
       tap(first, "e");
+      finishTyping(first);
     });
   }
 };
@@ -164,7 +167,8 @@ INSTANTIATE_TEST_SUITE_P(Displays, DisplayServer,
                          testing::Values("Sway", "Weston", "Xorg", "XorgWithoutConsole", "Console"),
                          [](const auto& server) { return server.param; });
 
-/// Display servers with options of XKB.
+/// Display servers with options of XKB. Under Xorg the text console must be off, else it turns the
+/// LED on for a key that locks nothing.
 class DisplayServerWithOptions : public DisplayServer {
  protected:
   std::string typed() {
@@ -174,7 +178,7 @@ class DisplayServerWithOptions : public DisplayServer {
     machine().release(usbKeyboard, "caps_lock");
     tap(usbKeyboard, "b");
     finishTyping(usbKeyboard);
-    for (const char* const letter : {"c", "d"}) {
+    for (const char* const letter : {"c", "d", "f"}) {
       machine().press(usbKeyboard, "shift");
       machine().press(usbKeyboard, "shift_r");
       machine().release(usbKeyboard, "shift_r");
@@ -197,7 +201,7 @@ TEST_P(DisplayServerWithOptions, LetsThemBeAsEver) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Displays, DisplayServerWithOptions,
-                         testing::Values("Sway", "Weston", "Xorg"),
+                         testing::Values("Sway", "Weston", "XorgWithoutConsole"),
                          [](const auto& server) { return server.param; });
 
 }  // namespace
