@@ -122,7 +122,7 @@ TEST_F(GrabbedInMachine, AnLedSetWhileMuchIsTypedIsNotLost) {
   const auto setLed = [](int value) {
     machine().output(
         "cd /sys/class/input; clone=$(grep -l ^zephlin-hidd/ event*/device/phys); cd; printf "
-        "'\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\021\\0\\001\\0\\00" +
+        "'\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\0\\021\\0\\001\\0\\00" +
         std::to_string(value) + "\\0\\0\\0' >/dev/input/${clone%%/*}");
   };
   machine().output("kill -STOP $service");
