@@ -13,6 +13,10 @@ using Kind = KeyboardState::Kind;
 
 constexpr std::chrono::seconds timeToNextThread{5};
 
+/// Enough for a program that makes a keyboard of its own, or ends it, to take or to release the one
+/// whose keys it passes on.
+constexpr std::chrono::seconds timeToChangeHands{1};
+
 /// A clone belongs to this seat, whatever the seat of its original (udev's ID_SEAT).
 constexpr std::string_view seatOfClones = "seat0";
 
@@ -34,7 +38,8 @@ EvdevKeyboardBus::EvdevKeyboardBus(EventLoop& loop, Devices devices,
       devices_(std::move(devices)),
       tapGap_(tapGap),
       log_(std::move(log)),
-      nextTry_(loop.timer([this] { tryAgain(); })) {}
+      nextTry_(loop.timer([this] { tryAgain(); })),
+      nextLook_(loop.timer([this] { lookAgain(); })) {}
 
 EvdevKeyboardBus::~EvdevKeyboardBus() {
   // All at the same time, as each may take a while.
@@ -85,6 +90,7 @@ void EvdevKeyboardBus::appeared(const KeyboardNode& node) {
   entry.handle = handle;
   entry.node = node;
   observer_->keyboardAppeared(*this, handle, node.description, node.systemPath);
+  nextLook_.setDelay(timeToChangeHands);
 }
 
 void EvdevKeyboardBus::disappeared(dev_t number) {
@@ -95,6 +101,7 @@ void EvdevKeyboardBus::disappeared(dev_t number) {
     (*leaving)->end([this, leaving] { leaving_.erase(leaving); });
   }
   observer_->keyboardDisappeared(*this, handle);
+  nextLook_.setDelay(timeToChangeHands);
 }
 
 EvdevKeyboardBus::Way EvdevKeyboardBus::wayFor(const Entry& entry) {
@@ -166,6 +173,16 @@ void EvdevKeyboardBus::tryAgain() {
   for (auto& [handle, entry] : entries_) {
     if (!entry.thread) {
       follow(entry);
+    }
+  }
+}
+
+/// Remappers have a keyboard of their own, so one that comes or goes may mean that others have been
+/// taken or released. Watching their devices for use instead would make every key a little slower.
+void EvdevKeyboardBus::lookAgain() {
+  for (auto& [handle, entry] : entries_) {
+    if (entry.thread && !entry.isEnding) {
+      entry.thread->lookAgain();
     }
   }
 }

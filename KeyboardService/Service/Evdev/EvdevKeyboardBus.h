@@ -68,6 +68,7 @@ class EvdevKeyboardBus final : public KeyboardBus {
   void report(Entry& entry, const KeyboardState& state);
   void answer(Entry& entry, std::size_t checks);
   void leaveAll();
+  void lookAgain();
 
   EventLoop& loop_;
   Devices devices_;
@@ -77,6 +78,7 @@ class EvdevKeyboardBus final : public KeyboardBus {
   std::map<BusHandle, Entry> entries_;
   std::list<std::unique_ptr<KeyboardThread>> leaving_;  ///< Their keyboards have gone.
   EventSource nextTry_;
+  EventSource nextLook_;
 };
 
 }  // namespace zephlin

@@ -66,6 +66,10 @@ void KeyboardThread::check() {
   });
 }
 
+void KeyboardThread::lookAgain() {
+  loop_.post([this] { handling_->check(); });
+}
+
 void KeyboardThread::end(std::function<void()> ended) {
   if (std::exchange(listener_->ended, std::move(ended)) == nullptr) {
     stop();

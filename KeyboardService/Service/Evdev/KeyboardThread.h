@@ -47,6 +47,9 @@ class KeyboardThread {
   /// it before.
   void check();
 
+  /// The same without a call back. The keyboard's state is reported if it has changed.
+  void lookAgain();
+
   /// Asks the thread to leave the keyboard to the system. In place of the other callbacks, `ended`
   /// is called then.
   void end(std::function<void()> ended);

@@ -16,11 +16,6 @@ using Kind = KeyboardState::Kind;
 
 constexpr std::chrono::seconds timeBetweenTries = 5s;
 
-/// A program that has opened a keyboard grabs it at once, or when no key is held any more. One that
-/// closes it is noticed before its grab ends, which takes some hundredths of a second.
-constexpr std::chrono::milliseconds timeToChangeHands = 100ms;
-constexpr std::chrono::milliseconds timeToChangeHandsAtLeisure = 2s;
-
 constexpr std::string_view held = "held by another program";
 
 }  // namespace
@@ -29,9 +24,7 @@ NodeHandling::NodeHandling(EventLoop& loop, KeyboardNode node, Report report)
     : loop_(loop),
       place_(std::move(node)),
       report_(std::move(report)),
-      nextTry_(loop.timer([this] { tryAgain(); })),
-      firstCheck_(loop.timer([this] { tryAgain(); })),
-      secondCheck_(loop.timer([this] { tryAgain(); })) {}
+      nextTry_(loop.timer([this] { tryAgain(); })) {}
 
 void NodeHandling::check() {
   tryAgain();
@@ -46,8 +39,6 @@ void NodeHandling::tryAgain() {
     if (!node_) {
       node_.emplace(place_.path);
       onOpen();
-      // Only now, so that it does not report what is done here.
-      use_.emplace(loop_, place_.path, [this] { onUse(); });
     }
     confirm();
   });
@@ -72,7 +63,6 @@ void NodeHandling::fail(const std::string& reason) {
 }
 
 void NodeHandling::close() noexcept {
-  use_.reset();
   if (node_) {
     onClose();
     node_.reset();
@@ -95,13 +85,6 @@ void NodeHandling::become(const KeyboardState& state) {
   }
   state_ = state;
   report_(state_);
-}
-
-void NodeHandling::onUse() {
-  if (!firstCheck_.isEnabled()) {  // However often it is used, it is checked.
-    firstCheck_.setDelay(timeToChangeHands);
-  }
-  secondCheck_.setDelay(timeToChangeHandsAtLeisure);
 }
 
 }  // namespace zephlin

@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "KeyboardService/Service/Evdev/EventNode.h"
-#include "KeyboardService/Service/Evdev/FileUse.h"
 #include "KeyboardService/Service/Evdev/KeyboardHandling.h"
 #include "KeyboardService/Service/Evdev/KeyboardNodes.h"
 #include "KeyboardService/Service/EventLoop.h"
@@ -45,7 +44,6 @@ class NodeHandling : public KeyboardHandling {
 
  private:
   void fail(const std::string& reason);
-  void onUse();
 
   EventLoop& loop_;
   KeyboardNode place_;
@@ -53,10 +51,7 @@ class NodeHandling : public KeyboardHandling {
   KeyboardState state_{KeyboardState::Kind::Settling, "starting"};
   bool hasGone_ = false;
   std::optional<EventNode> node_;
-  std::optional<FileUse> use_;
   EventSource nextTry_;
-  EventSource firstCheck_;
-  EventSource secondCheck_;
 };
 
 }  // namespace zephlin

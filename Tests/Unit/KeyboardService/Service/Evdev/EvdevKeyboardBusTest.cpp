@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <optional>
 
@@ -245,6 +246,20 @@ TEST_F(EvdevKeyboardBusTest, AFailureIsAStateUntilTheNextQuestion) {
   next.failsToStart = false;
   check();
   EXPECT_EQ(observer.states.at(first).text, "fake");
+}
+
+TEST_F(EvdevKeyboardBusTest, LooksAgainWhenAnotherKeyboardComesOrGoes) {
+  bus->applyProperties(first, instant);
+  turnUntilStateIs("fake");
+  const auto timesChecked = [this] {
+    const Texts events = probes.at(0)->events();
+    return std::count(events.begin(), events.end(), "checked");
+  };
+  const auto before = timesChecked();
+  plug(2);
+  turnUntil(loop, [&] { return timesChecked() == before + 1; });
+  disappeared(2);
+  turnUntil(loop, [&] { return timesChecked() == before + 2; });
 }
 
 TEST_F(EvdevKeyboardBusTest, TheEmergencyChordOnOneKeyboardLeavesAllToTheSystem) {

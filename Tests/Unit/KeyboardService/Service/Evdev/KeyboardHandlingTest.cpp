@@ -1,14 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "KeyboardService/Service/Evdev/FileUse.h"
 #include "KeyboardService/Service/Evdev/GrabbedKeyboard.h"
 #include "KeyboardService/Service/Evdev/WatchedKeyboard.h"
-#include "Tests/Support/TemporaryDirectory.h"
 
 namespace zephlin {
 namespace {
@@ -66,29 +63,6 @@ TEST_P(KeyboardHandlingTest, ADeviceThatIsStillThereHasNotGone) {
 }
 
 INSTANTIATE_TEST_SUITE_P(WatchedAndGrabbed, KeyboardHandlingTest, testing::Bool());
-
-TEST(FileUse, IsReportedWhenAFileIsOpenedAndClosed) {
-  const test::TemporaryDirectory directory;
-  const std::string path = directory.file("node");
-  std::ofstream(path) << "content";
-  EventLoop loop;
-  int uses = 0;
-  const FileUse use(loop, path, [&] { ++uses; });
-  const auto runOnce = [&] { return sd_event_run(loop.native(), 0); };
-  EXPECT_EQ(runOnce(), 0);
-  std::ifstream file(path);
-  EXPECT_GT(runOnce(), 0);
-  EXPECT_EQ(uses, 1);
-  EXPECT_EQ(runOnce(), 0);
-  file.close();
-  EXPECT_GT(runOnce(), 0);
-  EXPECT_EQ(uses, 2);
-}
-
-TEST(FileUse, ThatCannotBeWatchedIsNotReported) {
-  EventLoop loop;
-  EXPECT_NO_THROW(FileUse(loop, "/absent/file", [] {}));
-}
 
 }  // namespace
 }  // namespace zephlin
