@@ -9,6 +9,23 @@
 #include <utility>
 
 namespace zephlin {
+namespace {
+
+/// Sets the cause of what is logged in its lifetime.
+class PresentCause {
+ public:
+  PresentCause(std::optional<std::string>& present, const std::string& cause)
+      : present_(present), former_(std::exchange(present, cause)) {}
+  PresentCause(const PresentCause&) = delete;
+  PresentCause& operator=(const PresentCause&) = delete;
+  ~PresentCause() { present_ = std::move(former_); }
+
+ private:
+  std::optional<std::string>& present_;
+  std::optional<std::string> former_;
+};
+
+}  // namespace
 
 void logToStandardError(const std::string& line) {
   constexpr int timeoutMilliseconds = 100;
@@ -42,12 +59,7 @@ void LimitedLog::write(const std::string& line) {
 }
 
 void LimitedLog::during(const std::string& cause, const std::function<void()>& action) {
-  struct Scope {
-    std::optional<std::string>& present;
-    std::optional<std::string> former;
-    ~Scope() { present = std::move(former); }
-  };
-  const Scope scope{present_, std::exchange(present_, cause)};
+  const PresentCause scope(present_, cause);
   action();
 }
 

@@ -110,13 +110,12 @@ void Server::connectionEnded(Connection& connection) {
 
 void Server::acceptSome() {
   for (int tries = 0; tries < acceptsInATurn; ++tries) {
-    FileDescriptor socket(
-        ::accept4(listening_.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
-    if (!socket.isOpen() && errno == EAGAIN) {
+    const int socket = ::accept4(listening_.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+    if (socket < 0 && errno == EAGAIN) {
       accepting_.setEvents(EPOLLIN);
       return;
     }
-    const bool mayGoOn = socket.isOpen() ? welcome(std::move(socket)) : concernsOneClient(errno);
+    const bool mayGoOn = socket < 0 ? concernsOneClient(errno) : welcome(FileDescriptor(socket));
     if (!mayGoOn) {
       retry_.setDelay(timeBetweenTries);
       return;

@@ -35,6 +35,9 @@ class EvdevKeyboardBus final : public KeyboardBus {
   /// early. The loop outlives the bus.
   EvdevKeyboardBus(EventLoop& loop, Devices devices, std::chrono::milliseconds tapGap, Log log);
 
+  EvdevKeyboardBus(const EvdevKeyboardBus&) = delete;
+  EvdevKeyboardBus& operator=(const EvdevKeyboardBus&) = delete;
+
   /// Waits until all keyboards are left to the system.
   ~EvdevKeyboardBus() override;
 
