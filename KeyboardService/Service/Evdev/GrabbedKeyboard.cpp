@@ -99,6 +99,7 @@ void GrabbedKeyboard::makeClone() {
 void GrabbedKeyboard::endClone() noexcept {
   settled_.disable();
   deadline_.disable();
+  awaited_.reset();
   watchLeds_ = EventSource();
   if (clone_) {
     try {
@@ -163,6 +164,7 @@ void GrabbedKeyboard::onKeyboard() {
 }
 
 void GrabbedKeyboard::onDeadline() {
+  awaited_.reset();
   const auto now = monotonicTime();
   rewriteTyped();  // What was typed before the deadline may not have been read yet.
   onLedEvents();
@@ -180,33 +182,37 @@ void GrabbedKeyboard::onLedEvents() {
 }
 
 void GrabbedKeyboard::rewriteTyped() {
-  const auto now = monotonicTime();
   node().readAll([&](const InputEvent& event, std::chrono::microseconds time) {
     if (overflow_.counts(event)) {
-      rewrite(event, time, now);
+      rewrite(event, time);
     } else if (overflow_.isOver()) {
       for (const InputEvent& each : overflow_.differences(node().heldKeys())) {
-        rewrite(each, time, now);
+        rewrite(each, time);
       }
     }
   });
   waitForDeadline();
 }
 
-void GrabbedKeyboard::rewrite(const InputEvent& event, std::chrono::microseconds time,
-                              std::chrono::microseconds now) {
+void GrabbedKeyboard::rewrite(const InputEvent& event, std::chrono::microseconds time) {
   if (isCapsLock(event)) {
     onLedEvents();  // It was pressed with the LED as it is now.
   }
-  clone_->write(rewriter_.take(event, time, now));
+  // For other keys it is enough to know when they were typed, unless some of them wait.
+  const bool needsClock = isCapsLock(event) || rewriter_.deadline();
+  clone_->write(rewriter_.take(event, time, needsClock ? monotonicTime() : time));
   if (chord_.completes(event)) {
     emergencyChord_();
   }
 }
 
 void GrabbedKeyboard::waitForDeadline() {
-  if (const auto deadline = rewriter_.deadline()) {
-    deadline_.setTime(*deadline);
+  if (rewriter_.deadline() == awaited_) {
+    return;
+  }
+  awaited_ = rewriter_.deadline();
+  if (awaited_) {
+    deadline_.setTime(*awaited_);
   } else {
     deadline_.disable();
   }

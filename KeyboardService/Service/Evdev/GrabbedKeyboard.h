@@ -52,8 +52,7 @@ class GrabbedKeyboard final : public NodeHandling {
   void onDeadline();
   void onLedEvents();
   void rewriteTyped();
-  void rewrite(const InputEvent& event, std::chrono::microseconds time,
-               std::chrono::microseconds now);
+  void rewrite(const InputEvent& event, std::chrono::microseconds time);
   void waitForDeadline();
 
   std::function<void()> emergencyChord_;
@@ -66,6 +65,7 @@ class GrabbedKeyboard final : public NodeHandling {
   EventSource watchLeds_;
   EventSource settled_;
   EventSource deadline_;
+  std::optional<std::chrono::microseconds> awaited_;  ///< What the timer is set to.
 };
 
 }  // namespace zephlin
