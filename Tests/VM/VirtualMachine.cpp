@@ -96,7 +96,8 @@ std::vector<std::string> VirtualMachine::command(const std::string& images,
   if (hardware.processors == 1) {
     // The machine's clock counts its instructions, so it does not run on while the host is busy.
     command.insert(command.end(), {"-accel", "tcg,thread=single", "-icount",
-                                   "shift=" + std::to_string(hardware.instructionShift)});
+                                   "shift=" + std::to_string(hardware.instructionShift) +
+                                   (hardware.skipsIdleTime ? ",sleep=off" : "")});
   } else {
     command.insert(command.end(), {"-accel", "tcg,thread=multi"});
   }

@@ -10,7 +10,7 @@
 namespace zephlin {
 
 /// A virtual machine whose clock counts instructions, one a nanosecond, so that times in it do not
-/// depend on the host. Only while the machine is idle does the host's clock count.
+/// depend on the host.
 class InstructionMachine {
  public:
   InstructionMachine() { machine_.output("modprobe uhid"); }
@@ -32,7 +32,7 @@ class InstructionMachine {
   }
 
  private:
-  VirtualMachine machine_{VIRTUAL_MACHINE_IMAGES, {.instructionShift = 0}};
+  VirtualMachine machine_{VIRTUAL_MACHINE_IMAGES, {.instructionShift = 0, .skipsIdleTime = true}};
 };
 
 }  // namespace zephlin
