@@ -31,8 +31,8 @@ struct VirtualHardware {
   bool hasPs2Keyboard = false;
   /// With one processor, an instruction takes 2 to the power of this nanoseconds.
   int instructionShift = 3;
-  /// While the machine is idle its clock jumps to whatever comes next, so that nothing in it depends
-  /// on the host's clock.
+  /// While the machine is idle its clock jumps to whatever comes next, so that nothing in it
+  /// depends on the host's clock.
   bool skipsIdleTime = false;
 };
 
