@@ -13,7 +13,7 @@ namespace {
 using namespace std::chrono_literals;
 using Kind = KeyboardState::Kind;
 
-/// A keyboard's node that is none: whatever is at `path`, while the device is in /sys or not.
+/// Handles whatever is at `path`, which is no keyboard, while its device is in /sys or not.
 class KeyboardHandlingTest : public testing::TestWithParam<bool> {
  protected:
   std::unique_ptr<KeyboardHandling> handle(const std::string& path,
