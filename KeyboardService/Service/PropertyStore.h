@@ -23,7 +23,8 @@ class PropertyStore {
   /// The properties that an earlier run kept for this keyboard, once.
   PropertySet take(const std::string& identity);
 
-  /// Makes these the properties in the file, in one step; there is no file if there are none.
+  /// Makes these the properties in the file, in one step. Removes the file if there are no
+  /// properties.
   void keep(const Properties& properties);
 
  private:

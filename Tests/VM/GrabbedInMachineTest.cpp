@@ -3,7 +3,7 @@
 namespace zephlin {
 namespace {
 
-/// What may go wrong on keyboards that a clone stands in for. The keyboard that is made has no
+/// What may go wrong on grabbed keyboards, which have a clone. The keyboard that is made has no
 /// LEDs, so its clone makes Caps Lock instant; a USB keyboard has one for a delay above zero.
 class GrabbedInMachine : public TypedMachine {
  protected:

@@ -190,7 +190,7 @@ class TruthInMachine : public TypedMachine {
     const std::string name = "grabber" + std::to_string(keyboard);
     machine().output("KeyboardGrabber /dev/input/" + nodeOf(keyboard) + " >/tmp/" + name +
                      " 2>/dev/null & " + name + "=$!");
-    // It cannot have what a clone stands for.
+    // It cannot grab what the service has grabbed.
     machine().waitUntil("[ -s /tmp/" + name + " ] || ! kill -0 $" + name + " 2>/dev/null");
     keyboards_[keyboard].isHeldByAnother =
         machine().run("grep -q grabbed /tmp/" + name).status == 0;

@@ -33,7 +33,7 @@ constexpr const char* listenForService =
 constexpr const char* setDelay = R"(hidutil property --matching '{"Product":"Measured Keyboard"}' )"
                                  R"(--set '{"CapsLockDelayOverride":0}')";
 
-/// Throws std::runtime_error if there is none of that name.
+/// Throws std::runtime_error if no way has that name.
 inline const Way& wayNamed(std::string_view name) {
   using enum KeyReader::Kind;
   using enum Way::CapsLock;
