@@ -10,10 +10,6 @@ constexpr int ps2 = VirtualMachine::ps2Keyboard;
 /// A PS/2 keyboard repeats by itself: it sends the key that is held again and again.
 class Ps2InMachine : public testing::Test {
  protected:
-  static void SetUpTestSuite() {
-    theMachine = std::make_unique<VirtualMachine>(VIRTUAL_MACHINE_IMAGES,
-                                                  VirtualHardware{.hasPs2Keyboard = true});
-  }
   static void TearDownTestSuite() { theMachine.reset(); }
 
   void SetUp() override {
@@ -24,11 +20,19 @@ class Ps2InMachine : public testing::Test {
   void TearDown() override {
     if (HasFailure()) {
       ADD_FAILURE() << machine().run("tail -n 50 /tmp/judge.log /tmp/service.log").output;
+      theMachine.reset();  // Nothing that the test has left behind is in the way of the next one.
+      return;
     }
     typist_.finish();
   }
 
-  static VirtualMachine& machine() { return *theMachine; }
+  static VirtualMachine& machine() {
+    if (!theMachine) {
+      theMachine = std::make_unique<VirtualMachine>(VIRTUAL_MACHINE_IMAGES,
+                                                    VirtualHardware{.hasPs2Keyboard = true});
+    }
+    return *theMachine;
+  }
 
   void lock() {
     typist_.tap(ps2, "caps_lock");
@@ -42,7 +46,7 @@ class Ps2InMachine : public testing::Test {
   }
 
   static std::unique_ptr<VirtualMachine> theMachine;
-  Typist typist_{*theMachine};
+  Typist typist_{machine()};
 };
 
 std::unique_ptr<VirtualMachine> Ps2InMachine::theMachine;

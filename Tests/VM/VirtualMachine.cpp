@@ -22,6 +22,8 @@ using nlohmann::json;
 
 /// Enough even on a busy host.
 constexpr std::chrono::milliseconds timeout = 10min;
+/// Many commands take longer, which does no harm.
+constexpr std::chrono::milliseconds timeUntilNudge = 10s;
 constexpr auto timeBetweenTries = 50ms;
 
 FileDescriptor connectTo(const std::string& path) {
@@ -50,14 +52,22 @@ void LineStream::send(const std::string& line) {
 }
 
 std::string LineStream::receive() {
+  if (auto line = receiveWithin(timeout)) {
+    return *line;
+  }
+  throw std::runtime_error("the virtual machine says no more: " + buffer_);
+}
+
+std::optional<std::string> LineStream::receiveWithin(std::chrono::milliseconds silence) {
   while (buffer_.find('\n') == std::string::npos) {
     pollfd polled{socket_.get(), POLLIN, 0};
+    if (::poll(&polled, 1, static_cast<int>(silence.count())) <= 0) {
+      return std::nullopt;
+    }
     std::array<char, 4096> chunk{};
-    const ssize_t count = ::poll(&polled, 1, static_cast<int>(timeout.count())) <= 0
-                              ? 0
-                              : ::recv(socket_.get(), chunk.data(), chunk.size(), 0);
+    const ssize_t count = ::recv(socket_.get(), chunk.data(), chunk.size(), 0);
     if (count <= 0) {
-      throw std::runtime_error("the virtual machine says no more: " + buffer_);
+      throw std::runtime_error("the virtual machine has ended: " + buffer_);
     }
     buffer_.append(chunk.data(), static_cast<std::size_t>(count));
   }
@@ -129,13 +139,25 @@ VirtualMachine::Outcome VirtualMachine::run(const std::string& command) {
 VirtualMachine::Outcome VirtualMachine::receiveOutcome() {
   Outcome outcome;
   for (;;) {
-    const std::string line = shell_.receive();
+    const std::string line = shellLine();
     if (line.starts_with("@@")) {
       outcome.status = std::stoi(line.substr(2));
       return outcome;
     }
     outcome.output += line + '\n';
   }
+}
+
+std::string VirtualMachine::shellLine() {
+  for (auto silence = 0ms; silence < timeout; silence += timeUntilNudge) {
+    if (auto line = shell_.receiveWithin(timeUntilNudge)) {
+      return *line;
+    }
+    // The emulated serial port loses an interrupt now and then, and what was sent waits for the
+    // next one. The shell skips an empty line.
+    shell_.send("");
+  }
+  throw std::runtime_error("the virtual machine's shell says no more");
 }
 
 std::string VirtualMachine::output(const std::string& command) {

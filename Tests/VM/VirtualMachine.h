@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,14 +13,16 @@
 
 namespace zephlin {
 
-/// A stream over a Unix socket, line by line. Throws std::runtime_error after two minutes of
-/// silence.
+/// A stream over a Unix socket, line by line. Throws std::runtime_error if it ends.
 class LineStream {
  public:
   explicit LineStream(const std::string& path);
 
   void send(const std::string& line);
+  /// Throws std::runtime_error after ten minutes of silence.
   std::string receive();
+  /// Absent after so much silence.
+  std::optional<std::string> receiveWithin(std::chrono::milliseconds silence);
 
  private:
   FileDescriptor socket_;
@@ -83,6 +87,7 @@ class VirtualMachine {
   [[nodiscard]] std::vector<std::string> command(const std::string& images,
                                                  const VirtualHardware& hardware) const;
   Outcome receiveOutcome();
+  std::string shellLine();
   static std::string keyboardIsThere(int keyboard);
 
   test::TemporaryDirectory directory_;

@@ -21,6 +21,7 @@ stty -F /dev/ttyS1 raw icanon -echo
 exec </dev/ttyS1 >/dev/ttyS1 2>&1
 echo "@@ready"
 while IFS= read -r line; do
+    [ -n "$line" ] || continue
     eval "$line"
     echo "@@$?"
 done
