@@ -2,6 +2,7 @@
 #include <QIcon>
 #include <QPushButton>
 
+#include "Platform/Linux/Windows/ActivationToken.h"
 #include "Platform/Linux/Windows/QtWindowServer.h"
 #include "Platform/Linux/Windows/ViewRealiser.h"
 
@@ -29,12 +30,6 @@ void addButtons(QMessageBox& box, const Alert& alert) {
     }
   }
   box.setEscapeButton(last);
-}
-
-void comeToFront(QMessageBox& box) {
-  box.show();
-  box.raise();
-  box.activateWindow();
 }
 
 }  // namespace

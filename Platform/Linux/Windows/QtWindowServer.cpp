@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "Platform/Linux/Windows/ActivationToken.h"
 #include "Platform/Linux/Windows/ViewRealiser.h"
 
 namespace zephlin {
@@ -32,7 +33,7 @@ class WindowWidget final : public QWidget {
   /// From now on the window has the size of its content, also when that grows.
   void sizeToFitContent();
   void centerOnScreen();
-  void comeToFront();
+  void makeKeyAndOrderFront();
 
   std::weak_ptr<WindowDelegate> delegate;
 
@@ -74,15 +75,12 @@ void WindowWidget::centerOnScreen() {
   move(frame.topLeft());
 }
 
-void WindowWidget::comeToFront() {
+void WindowWidget::makeKeyAndOrderFront() {
   if (!isVisible()) {
     // Otherwise Qt focuses the first button without showing it, and a space pushes it.
     setFocus();
   }
-  setWindowState(windowState() & ~Qt::WindowMinimized);
-  show();
-  raise();
-  activateWindow();
+  comeToFront(*this);
 }
 
 void WindowWidget::closeEvent(QCloseEvent* event) {
@@ -117,7 +115,7 @@ class QtWindow final : public Window {
   }
   void setContentSizeToFit() override { widget_.sizeToFitContent(); }
   void center() override { widget_.centerOnScreen(); }
-  void makeKeyAndOrderFront() override { widget_.comeToFront(); }
+  void makeKeyAndOrderFront() override { widget_.makeKeyAndOrderFront(); }
   void displayIfNeeded() override { zephlin::displayIfNeeded(widget_.content()); }
   std::optional<std::string> contentAsPng() override;
 
