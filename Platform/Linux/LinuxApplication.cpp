@@ -3,7 +3,6 @@
 #include <QIcon>
 #include <QIconEngine>
 #include <QMetaObject>
-#include <QWidget>
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -11,7 +10,7 @@
 #include <utility>
 
 #include "Platform/Linux/Watching/WindowSystem.h"
-#include "Platform/Linux/Windows/QtWindowServer.h"
+#include "Platform/Linux/Windows/ActivationToken.h"
 
 namespace zephlin {
 
@@ -63,7 +62,8 @@ class ThemeIconEngine final : public QIconEngine {
 }  // namespace
 
 LinuxApplication::LinuxApplication(int& argc, char** argv)
-    : application_(withReachableDisplay(withoutOptions(argc)), argv) {
+    : activationToken_(takeActivationTokenFromEnvironment()),
+      application_(withReachableDisplay(withoutOptions(argc)), argv) {
   QApplication::setApplicationName("Zephlin");
   QApplication::setApplicationVersion(ZEPHLIN_VERSION);
   QApplication::setDesktopFileName("com.quorvenel.zephlin");
@@ -87,13 +87,6 @@ void LinuxApplication::setDelegate(std::weak_ptr<ApplicationDelegate> delegate) 
 
 void LinuxApplication::setMainMenu(std::shared_ptr<Menu> menu) {
   services_.setMainMenu(std::move(menu));
-}
-
-void LinuxApplication::activateIgnoringOtherApps() {
-  for (QWidget* const window : shownWindows()) {
-    window->raise();
-    window->activateWindow();
-  }
 }
 
 void LinuxApplication::run() {

@@ -23,11 +23,14 @@ class LinuxApplication final : public Application {
     std::function<void()> loopHasEnded;
   };
 
-  /// Connects to the display, or runs without one (isDisplayed).
+  /// Connects to the display, or runs without one (isDisplayed). Takes the launcher's activation
+  /// token out of the environment.
   LinuxApplication(int& argc, char** argv);
 
   void setServices(Services services) { services_ = std::move(services); }
   [[nodiscard]] bool isDisplayed() const;
+  /// What the launcher of this process handed over, or an empty text (ActivationToken.h).
+  [[nodiscard]] const QString& activationToken() const { return activationToken_; }
   /// Whether terminate() was called.
   [[nodiscard]] bool isTerminating() const { return isTerminating_; }
   /// The user has started the application again.
@@ -38,12 +41,15 @@ class LinuxApplication final : public Application {
   void becomeAccessory() override {}
   void setMainMenu(std::shared_ptr<Menu> menu) override;
   bool handOverToRunningInstance() override { return services_.handOverToRunningInstance(); }
-  void activateIgnoringOtherApps() override;
+  /// Does nothing: each window and alert comes to the front by itself.
+  void activateIgnoringOtherApps() override {}
   void run() override;
   /// Returns.
   void terminate() override;
 
  private:
+  // Before Qt, which looks into the environment too.
+  QString activationToken_;
   QApplication application_;
   std::weak_ptr<ApplicationDelegate> delegate_;
   Services services_;

@@ -5,6 +5,7 @@
 
 #include "Platform/Linux/LinuxUpdater.h"
 #include "Platform/Linux/Session/ConfigurationFolder.h"
+#include "Platform/Linux/Windows/ActivationToken.h"
 
 namespace zephlin {
 
@@ -25,7 +26,11 @@ LinuxPlatform::LinuxPlatform(int& argc, char** argv)
       hidDevices_(currentWindowSystem(), holdsInputBack),
       eventTaps_(currentWindowSystem(), holdsInputBack),
       loginService_(QApplication::applicationFilePath().toStdString(), *systemLog_),
-      instance_(*systemLog_, [this] { application_.reopen(); }),
+      instance_(*systemLog_,
+                [this](const QString& activationToken) {
+                  setActivationToken(activationToken);
+                  application_.reopen();
+                }),
       quitSignals_([this] { application_.terminate(); }) {
   takeNoPartInSessions();
   if (!application_.isDisplayed()) {
@@ -34,13 +39,21 @@ LinuxPlatform::LinuxPlatform(int& argc, char** argv)
         "one");
   }
   application_.setServices(
-      {.handOverToRunningInstance = [this] { return !instance_.becomeTheInstance(); },
+      {.handOverToRunningInstance = [this] { return handOverToRunningInstance(); },
        .setMainMenu =
            [this](std::shared_ptr<Menu> menu) {
              keyEquivalents_ = std::make_unique<KeyEquivalents>(
                  std::move(menu), [this] { application_.terminate(); });
            },
        .loopHasEnded = [this] { leaveWork(); }});
+}
+
+bool LinuxPlatform::handOverToRunningInstance() {
+  if (!instance_.becomeTheInstance(application_.activationToken())) {
+    return true;
+  }
+  setActivationToken(application_.activationToken());
+  return false;
 }
 
 std::unique_ptr<Updater> LinuxPlatform::makeStartedUpdater() {

@@ -40,6 +40,7 @@ class LinuxPlatform final : public Platform {
   std::unique_ptr<Updater> makeStartedUpdater() override;
 
  private:
+  bool handOverToRunningInstance();
   void leaveWork();
 
   std::shared_ptr<LinuxSystemLog> systemLog_ = std::make_shared<LinuxSystemLog>();

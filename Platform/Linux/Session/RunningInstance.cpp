@@ -23,6 +23,26 @@
 
 namespace zephlin {
 
+namespace {
+
+// As GLib's applications name them: for Wayland and X11. Newer launchers give the same in both.
+constexpr const char* tokenKey = "activation-token";
+constexpr const char* startupIdKey = "desktop-startup-id";
+
+QString tokenIn(const QVariantMap& platformData) {
+  const QString token = platformData.value(tokenKey).toString();
+  return token.isEmpty() ? platformData.value(startupIdKey).toString() : token;
+}
+
+QVariantMap platformDataWith(const QString& activationToken) {
+  if (activationToken.isEmpty()) {
+    return {};
+  }
+  return {{tokenKey, activationToken}, {startupIdKey, activationToken}};
+}
+
+}  // namespace
+
 /// What the running instance answers to. There are no files and no actions, so opening files just
 /// comes forward.
 class InstanceObject final : public QObject {
@@ -30,19 +50,22 @@ class InstanceObject final : public QObject {
   Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
 
  public:
-  explicit InstanceObject(std::function<void()> onActivate) : onActivate_(std::move(onActivate)) {}
+  explicit InstanceObject(std::function<void(const QString&)> onActivate)
+      : onActivate_(std::move(onActivate)) {}
 
  public Q_SLOTS:
   /// Answers at once: coming forward may take as long as an alert is open.
-  void Activate(const QVariantMap& /*platformData*/) { QTimer::singleShot(0, this, onActivate_); }
-  void Open(const QStringList& /*addresses*/, const QVariantMap& /*platformData*/) {
-    QTimer::singleShot(0, this, onActivate_);
+  void Activate(const QVariantMap& platformData) {
+    QTimer::singleShot(0, this, [this, token = tokenIn(platformData)] { onActivate_(token); });
+  }
+  void Open(const QStringList& /*addresses*/, const QVariantMap& platformData) {
+    Activate(platformData);
   }
   void ActivateAction(const QString& /*action*/, const QVariantList& /*parameters*/,
                       const QVariantMap& /*platformData*/) {}
 
  private:
-  std::function<void()> onActivate_;
+  std::function<void(const QString&)> onActivate_;
 };
 
 namespace {
@@ -75,7 +98,7 @@ enum class InstanceReply {
 };
 
 /// Blocks for a few seconds at most.
-InstanceReply askToComeForward(pid_t instance) {
+InstanceReply askToComeForward(pid_t instance, const QString& activationToken) {
   const QDBusConnection bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) {
     return InstanceReply::Unreachable;
@@ -88,7 +111,7 @@ InstanceReply askToComeForward(pid_t instance) {
   auto message = QDBusMessage::createMethodCall(instanceBusName, instanceBusPath,
                                                 instanceBusInterface, "Activate");
   message.setAutoStartService(false);
-  message << QVariantMap();
+  message << platformDataWith(activationToken);
   const QDBusMessage reply = bus.call(message, QDBus::Block, replyMilliseconds);
   return reply.type() == QDBusMessage::ReplyMessage ? InstanceReply::Answered
                                                     : InstanceReply::Unreachable;
@@ -96,12 +119,12 @@ InstanceReply askToComeForward(pid_t instance) {
 
 }  // namespace
 
-RunningInstance::RunningInstance(SystemLog& log, std::function<void()> onActivate)
+RunningInstance::RunningInstance(SystemLog& log, std::function<void(const QString&)> onActivate)
     : log_(log), object_(std::make_unique<InstanceObject>(std::move(onActivate))) {}
 
 RunningInstance::~RunningInstance() = default;
 
-bool RunningInstance::becomeTheInstance() {
+bool RunningInstance::becomeTheInstance(const QString& activationToken) {
   const auto deadline = std::chrono::steady_clock::now() + timeout;
   for (;;) {
     const auto holder = otherHolder();
@@ -109,7 +132,7 @@ bool RunningInstance::becomeTheInstance() {
       answerOnTheBus();
       return true;
     }
-    const InstanceReply reply = askToComeForward(*holder);
+    const InstanceReply reply = askToComeForward(*holder, activationToken);
     if (reply == InstanceReply::Answered) {
       return false;
     }

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <QString>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -27,16 +28,18 @@ class InstanceObject;
 /// one in a process, with a QCoreApplication.
 class RunningInstance {
  public:
-  /// `onActivate` is called from the event loop, once for each start that was handed over. The log
-  /// outlives the instance.
-  RunningInstance(SystemLog& log, std::function<void()> onActivate);
+  /// `onActivate` is called from the event loop, once for each start that was handed over, with its
+  /// activation token, which may be empty (Windows/ActivationToken.h). The log outlives the
+  /// instance.
+  RunningInstance(SystemLog& log, std::function<void(const QString&)> onActivate);
   RunningInstance(const RunningInstance&) = delete;
   RunningInstance& operator=(const RunningInstance&) = delete;
   ~RunningInstance();
 
   /// True if this process is the instance now. Otherwise the running one was asked to come
-  /// forward; a failure to reach it within a few seconds is logged. Called once.
-  [[nodiscard]] bool becomeTheInstance();
+  /// forward with this process's activation token; a failure to reach it within a few seconds is
+  /// logged. Called once.
+  [[nodiscard]] bool becomeTheInstance(const QString& activationToken);
 
  private:
   /// Takes the lock, or returns who has it.

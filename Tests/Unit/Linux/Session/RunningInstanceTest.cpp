@@ -48,6 +48,15 @@ TEST_F(RunningInstanceTest, TheFirstIsTheInstanceAndTheNextOnesAskItToComeForwar
   first.waitForErrors("instance\nactivated\nactivated\n");
 }
 
+TEST_F(RunningInstanceTest, ASecondStartHandsItsActivationTokenOver) {
+  Instance first;
+  ::setenv("XDG_ACTIVATION_TOKEN", " by token", 1);
+  EXPECT_EQ(start().wait(), handedOver);
+  ::unsetenv("XDG_ACTIVATION_TOKEN");
+  EXPECT_EQ(start().wait(), handedOver);
+  first.waitForErrors("instance\nactivated by token\nactivated\n");
+}
+
 TEST_F(RunningInstanceTest, TheCommandLineToolSeesTheInstance) {
   Instance first;
   const auto running = runningApplicationsWithBundleIdentifier("com.quorvenel.zephlin");
@@ -112,9 +121,10 @@ TEST_F(RunningInstanceTest, APipeInPlaceOfTheLockFileIsNotLocked) {
 
 TEST_F(RunningInstanceTest, OtherCallsOfTheInterfaceDoNoHarm) {
   Instance first;
-  EXPECT_EQ(test::run({SESSION_PROGRAM, "caller"}).errors, "answered\nanswered\nrefused\n");
+  EXPECT_EQ(test::run({SESSION_PROGRAM, "caller"}).errors,
+            "answered\nanswered\nanswered\nrefused\n");
   EXPECT_EQ(start().wait().errors, "handed over\n");
-  first.waitForErrors("instance\nactivated\nactivated\n");
+  first.waitForErrors("instance\nactivated\nactivated by startup id\nactivated\n");
 }
 
 }  // namespace
