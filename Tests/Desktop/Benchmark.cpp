@@ -10,6 +10,7 @@
 
 #include "Tests/Desktop/Harness/App.h"
 #include "Tests/Desktop/Harness/Waiting.h"
+#include "Tests/Desktop/Harness/Xfce.h"
 #include "Tests/Support/PrivateMachine.h"
 
 namespace zephlin::test {
@@ -200,7 +201,7 @@ void measureGrowth(Desktop& desktop) {
 }
 
 void measure() {
-  Desktop desktop;
+  Desktop desktop(makeXfce);
   desktop.panel();
   measureStartUp(desktop);
   measureMemory(desktop);
@@ -212,7 +213,7 @@ void measure() {
 }  // namespace zephlin::test
 
 int main(int argc, char* argv[]) {
-  zephlin::test::enterPrivateMachine(zephlin::test::Identity::Root);
+  zephlin::test::enterPrivateMachine(zephlin::test::Identity::Ordinary);
   zephlin::test::addPrograms({{"Zephlin", ZEPHLIN_PROGRAM},
                               {"hidutil", OBSERVED_HIDUTIL_PROGRAM},
                               {"zephlin-hidd", SERVICE_PROGRAM}});

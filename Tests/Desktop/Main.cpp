@@ -2,13 +2,24 @@
 
 #include <QCoreApplication>
 #include <cstdio>
+#include <map>
+#include <string>
 
+#include "Tests/Desktop/Harness/DesktopTest.h"
+#include "Tests/Desktop/Harness/Sway.h"
+#include "Tests/Desktop/Harness/Xfce.h"
 #include "Tests/Support/PrivateMachine.h"
 
+/// The optional argument is the desktop that the tests run on.
 int main(int argc, char* argv[]) {
   testing::InitGoogleTest(&argc, argv);
+  const std::map<std::string, zephlin::test::MakeShell> shells{{"xfce", zephlin::test::makeXfce},
+                                                               {"sway", zephlin::test::makeSway}};
+  if (argc > 1) {
+    zephlin::test::DesktopTest::setShell(shells.at(argv[1]));
+  }
   if (!GTEST_FLAG_GET(list_tests)) {
-    zephlin::test::enterPrivateMachine(zephlin::test::Identity::Root);
+    zephlin::test::enterPrivateMachine(zephlin::test::Identity::Ordinary);
     zephlin::test::addPrograms({{"Zephlin", ZEPHLIN_PROGRAM},
                                 {"hidutil", OBSERVED_HIDUTIL_PROGRAM},
                                 {"zephlin-hidd", SERVICE_PROGRAM}});

@@ -15,6 +15,7 @@ namespace {
 namespace files = std::filesystem;
 
 const files::path programFolder = "/usr/bin";
+constexpr unsigned ordinaryUser = 1000;
 
 void require(bool success, const std::string& what) {
   if (!success) {
@@ -36,14 +37,14 @@ void bind(const files::path& from, const files::path& to) {
 
 /// One user or group of the namespace and the one that it is outside.
 std::string idMap(Identity identity, unsigned id) {
-  const std::string outside = std::to_string(id);
-  return (identity == Identity::Root ? "0" : outside) + " " + outside + " 1";
+  const unsigned inside = identity == Identity::Ordinary ? ordinaryUser : id;
+  return std::to_string(inside) + " " + std::to_string(id) + " 1";
 }
 
 void enterNamespaces(Identity identity) {
   const uid_t user = ::geteuid();
   const gid_t group = ::getegid();
-  if (user == 0) {
+  if (user == 0 && identity == Identity::Unchanged) {
     require(::unshare(CLONE_NEWNS) == 0, "unshare");
     return;
   }

@@ -9,12 +9,13 @@
 
 namespace zephlin::test {
 
-/// Who a user other than root is on the private machine.
-enum class Identity { Unchanged, Root };
+/// Who the user is on the private machine: the same as outside, or an ordinary user even if that is
+/// root. Some compositors refuse to run as root.
+enum class Identity { Unchanged, Ordinary };
 
 /// Gives this process and its children a mount namespace in which /run is empty. The machine itself
-/// does not change. Anyone but root gets a user namespace too. Call before the first thread; like
-/// the functions below it throws std::system_error.
+/// does not change. Anyone who is not root on both gets a user namespace too. Call before the first
+/// thread; like the functions below it throws std::system_error.
 void enterPrivateMachine(Identity identity = Identity::Unchanged);
 
 /// Makes a folder the private machine's /usr/bin.

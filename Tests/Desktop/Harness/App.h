@@ -38,13 +38,6 @@ inline std::unique_ptr<TrayItem> waitForItem(Desktop& desktop, pid_t process) {
                                     QString::fromStdString(desktop.sessionBusAddress()));
 }
 
-inline Environment merged(Environment under, const Environment& over) {
-  for (const auto& [name, value] : over) {
-    under[name] = value;
-  }
-  return under;
-}
-
 /// How the application is started.
 struct Launch {
   /// With the settings in it; an empty text for a new one.

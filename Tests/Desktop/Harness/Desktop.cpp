@@ -1,5 +1,7 @@
 #include "Tests/Desktop/Harness/Desktop.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
@@ -9,20 +11,18 @@
 namespace zephlin::test {
 namespace {
 
-const std::string runtimeFolder = "/run/user/0";
-
 /// Before there is a screen or a bus.
-Environment bareEnvironment(const std::string& home) {
+Environment userEnvironment(const std::string& home) {
+  const std::string runtimeFolder = "/run/user/" + std::to_string(::getuid());
   std::filesystem::create_directories(runtimeFolder);
   std::filesystem::permissions(runtimeFolder, std::filesystem::perms(0700));
   Environment environment{
       {"HOME", home},
       {"LANG", "C.UTF-8"},
       {"PATH", "/usr/bin:/bin"},
-      {"USER", "root"},
+      {"USER", "zephlin"},
       {"XDG_CACHE_HOME", home + "/.cache"},
       {"XDG_CONFIG_HOME", home + "/.config"},
-      {"XDG_CURRENT_DESKTOP", "XFCE"},
       {"XDG_DATA_HOME", home + "/.local/share"},
       {"XDG_RUNTIME_DIR", runtimeFolder},
       {"XDG_STATE_HOME", home + "/.local/state"},
@@ -51,38 +51,33 @@ void installIcons(const std::filesystem::path& dataFolder) {
 }  // namespace
 
 SessionFolder::SessionFolder() {
-  writePanelSettings(file(".config"));
   installIcons(file("share"));
 }
 
-Desktop::Desktop()
+Desktop::Desktop(const MakeShell& makeShell)
     : systemBus_("unix:path=" + folder_.file("system-bus")),
       sessionBus_("unix:path=" + folder_.file("session-bus"),
                   [this] {
-                    Environment environment = bareEnvironment(folder_.path());
+                    Environment environment = userEnvironment(folder_.path());
                     environment["DISPLAY"] = screen_.display();
                     environment["XDG_DATA_DIRS"] = folder_.dataFolders();
                     becomeEnvironment(environment);
                   }),
       sessionConnection_(QString::fromStdString(sessionBus_.address())),
-      windowManager_({"/usr/bin/openbox", "--sm-disable"}, sessionEnvironment(),
-                     logFile("window-manager")),
       logind_(QString::fromStdString(systemBus_.address())),
-      keyboards_(std::make_unique<Keyboards>(folder_.path(), sessionEnvironment())),
-      fingers_(screen_) {
-  waitUntil("a window manager", [this] {
-    const XConnection& server = screen_.connection();
-    return !server.property(server.root(), "_NET_SUPPORTING_WM_CHECK").empty();
-  });
+      keyboards_(std::make_unique<Keyboards>(folder_.path(), bareEnvironment(folder_.path()))),
+      fingers_(screen_),
+      shell_(makeShell(
+          {screen_, sessionConnection_, bareEnvironment(folder_.path()), folder_.path()})) {}
+
+Environment Desktop::bareEnvironment(const std::string& home) const {
+  return merged(userEnvironment(home), {{"DBUS_SESSION_BUS_ADDRESS", sessionBus_.address()},
+                                        {"DBUS_SYSTEM_BUS_ADDRESS", systemBus_.address()},
+                                        {"XDG_DATA_DIRS", folder_.dataFolders()}});
 }
 
 Environment Desktop::environment(const std::string& home) const {
-  Environment environment = bareEnvironment(home);
-  environment["DISPLAY"] = screen_.display();
-  environment["DBUS_SESSION_BUS_ADDRESS"] = sessionBus_.address();
-  environment["DBUS_SYSTEM_BUS_ADDRESS"] = systemBus_.address();
-  environment["XDG_DATA_DIRS"] = folder_.dataFolders();
-  return environment;
+  return merged(bareEnvironment(home), shell_->environment());
 }
 
 std::string Desktop::makeHome() {
@@ -97,13 +92,12 @@ std::string Desktop::logFile(const std::string& name) const {
 
 void Desktop::restartKeyboards() {
   keyboards_.reset();
-  keyboards_ = std::make_unique<Keyboards>(folder_.path(), sessionEnvironment());
+  keyboards_ = std::make_unique<Keyboards>(folder_.path(), bareEnvironment(folder_.path()));
 }
 
 Panel& Desktop::panel() {
   if (!panel_) {
-    panel_ =
-        std::make_unique<Panel>(sessionConnection_, screen_, folder_.path(), sessionEnvironment());
+    panel_ = shell_->startPanel();
   }
   return *panel_;
 }
@@ -111,7 +105,7 @@ Panel& Desktop::panel() {
 void Desktop::stopPanel() {
   panel_.reset();
   waitUntil("the tray to go", [this] {
-    return !sessionConnection_.hasName(trayWatcher) && !screen_.hasOwner("_NET_SYSTEM_TRAY_S0");
+    return !hostIsReady(sessionConnection_) && !screen_.hasOwner("_NET_SYSTEM_TRAY_S0");
   });
 }
 
@@ -136,10 +130,6 @@ void Desktop::photographNow(const std::string& name) const {
   if (!screen_.picture().save(QString::fromStdString(file))) {
     throw std::runtime_error("cannot write " + file);
   }
-}
-
-Environment Desktop::sessionEnvironment() const {
-  return environment(folder_.path());
 }
 
 }  // namespace zephlin::test

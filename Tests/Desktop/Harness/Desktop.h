@@ -9,6 +9,7 @@
 #include "Tests/Desktop/Harness/Keyboards.h"
 #include "Tests/Desktop/Harness/Panel.h"
 #include "Tests/Desktop/Harness/Screen.h"
+#include "Tests/Desktop/Harness/Shell.h"
 #include "Tests/Support/BusConnection.h"
 #include "Tests/Support/Daemon.h"
 #include "Tests/Support/FakeLogind.h"
@@ -16,8 +17,7 @@
 
 namespace zephlin::test {
 
-/// The session's own files: the panel's settings, and the application's icons as if they were
-/// installed.
+/// The session's own files, and the application's icons as if they were installed.
 class SessionFolder : public TemporaryDirectory {
  public:
   SessionFolder();
@@ -26,11 +26,11 @@ class SessionFolder : public TemporaryDirectory {
   [[nodiscard]] std::string dataFolders() const { return file("share") + ":/usr/share"; }
 };
 
-/// A user's session on a private machine: a screen, a window manager, both buses, a login manager,
-/// keyboards and, unless it is stopped, a panel with a tray.
+/// A user's session on a private machine: a screen, both buses, a login manager, keyboards, a shell
+/// and, unless it is stopped, its panel with a tray.
 class Desktop {
  public:
-  Desktop();
+  explicit Desktop(const MakeShell& makeShell);
 
   /// The environment of the session's programs, for a user with this home folder.
   [[nodiscard]] Environment environment(const std::string& home) const;
@@ -45,6 +45,7 @@ class Desktop {
   [[nodiscard]] FakeLogind& logind() { return logind_; }
   [[nodiscard]] Keyboards& keyboards() { return *keyboards_; }
   [[nodiscard]] HidutilRuns& hidutil() { return hidutil_; }
+  [[nodiscard]] Shell& shell() { return *shell_; }
 
   void restartKeyboards();
 
@@ -61,7 +62,8 @@ class Desktop {
   void photographNow(const std::string& name) const;
 
  private:
-  [[nodiscard]] Environment sessionEnvironment() const;
+  /// Without a display.
+  [[nodiscard]] Environment bareEnvironment(const std::string& home) const;
 
   SessionFolder folder_;
   int homes_ = 0;
@@ -69,11 +71,11 @@ class Desktop {
   Screen screen_;
   MessageBus sessionBus_;
   BusConnection sessionConnection_;
-  Program windowManager_;
   FakeLogind logind_;
   HidutilRuns hidutil_;
   std::unique_ptr<Keyboards> keyboards_;
   Fingers fingers_;
+  std::unique_ptr<Shell> shell_;
   std::unique_ptr<Panel> panel_;
 };
 

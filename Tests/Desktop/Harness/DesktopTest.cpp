@@ -1,9 +1,17 @@
 #include "Tests/Desktop/Harness/DesktopTest.h"
 
 #include <memory>
+#include <utility>
+
+#include "Tests/Desktop/Harness/Xfce.h"
 
 namespace zephlin::test {
 namespace {
+
+MakeShell& shellOfSessions() {
+  static MakeShell makeShell = makeXfce;
+  return makeShell;
+}
 
 std::unique_ptr<Desktop>& sharedDesktop() {
   static std::unique_ptr<Desktop> desktop;
@@ -12,9 +20,13 @@ std::unique_ptr<Desktop>& sharedDesktop() {
 
 }  // namespace
 
+void DesktopTest::setShell(MakeShell makeShell) {
+  shellOfSessions() = std::move(makeShell);
+}
+
 Desktop& DesktopTest::desktop() {
   if (!sharedDesktop()) {
-    sharedDesktop() = std::make_unique<Desktop>();
+    sharedDesktop() = std::make_unique<Desktop>(shellOfSessions());
   }
   return *sharedDesktop();
 }

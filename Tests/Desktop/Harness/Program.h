@@ -27,6 +27,13 @@ inline void printTo(const std::string& logFile) {
 
 using Environment = std::map<std::string, std::string>;
 
+inline Environment merged(Environment under, const Environment& over) {
+  for (const auto& [name, value] : over) {
+    under[name] = value;
+  }
+  return under;
+}
+
 /// Replaces the environment of this process; for a child before it executes a program.
 inline void becomeEnvironment(const Environment& environment) {
   ::clearenv();

@@ -20,9 +20,7 @@ class Screen {
     constexpr std::uint32_t wallpaper = 0x4A6B7C;
     xcb_change_window_attributes(connection_.get(), connection_.root(), XCB_CW_BACK_PIXEL,
                                  &wallpaper);
-    const xcb_screen_t& screen = connection_.screen();
-    xcb_clear_area(connection_.get(), 0, connection_.root(), 0, 0, screen.width_in_pixels,
-                   screen.height_in_pixels);
+    xcb_clear_area(connection_.get(), 0, connection_.root(), 0, 0, 0, 0);
     connection_.synchronize();
   }
 
@@ -30,11 +28,13 @@ class Screen {
   [[nodiscard]] std::string display() const { return ":" + server_.address(); }
   [[nodiscard]] const XConnection& connection() const { return connection_; }
 
-  /// The screen, or the part of it inside the rectangle.
-  [[nodiscard]] QImage picture() const {
+  [[nodiscard]] QSize size() const {
     const xcb_screen_t& screen = connection_.screen();
-    return picture(QRect(0, 0, screen.width_in_pixels, screen.height_in_pixels));
+    return {screen.width_in_pixels, screen.height_in_pixels};
   }
+
+  /// The screen, or the part of it inside the rectangle.
+  [[nodiscard]] QImage picture() const { return picture(QRect(QPoint(), size())); }
 
   [[nodiscard]] QImage picture(const QRect& part) const {
     const auto cookie = xcb_get_image(

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <QRect>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Tests/Desktop/Harness/Panel.h"
+#include "Tests/Desktop/Harness/Program.h"
+#include "Tests/Desktop/Harness/Screen.h"
+#include "Tests/Support/BusConnection.h"
+
+namespace zephlin::test {
+
+/// What a shell runs on.
+struct Seat {
+  const Screen& screen;
+  const BusConnection& sessionBus;
+  Environment environment;  ///< Of programs of the session, without a display.
+  std::string folder;       ///< For its settings and logs.
+};
+
+/// A window as the shell lists it.
+struct ShownWindow {
+  std::string title;
+  pid_t process = 0;
+  QRect place;  ///< On the screen, without a frame.
+  bool isActive = false;
+};
+
+/// The programs that make a screen a desktop: a window manager or compositor, and a panel. They
+/// fill the screen, so that a place on it is a place on the desktop, and end with this object.
+class Shell {
+ public:
+  Shell() = default;
+  Shell(const Shell&) = delete;
+  Shell& operator=(const Shell&) = delete;
+  virtual ~Shell() = default;
+
+  /// For the names of pictures.
+  [[nodiscard]] virtual std::string name() const = 0;
+
+  /// What programs of the session have in their environment besides the seat's.
+  [[nodiscard]] virtual Environment environment() const = 0;
+
+  /// Returns when it takes tray items.
+  virtual std::unique_ptr<Panel> startPanel() = 0;
+
+  /// To read back what was done with keys and buttons; the panel's own windows may be among them.
+  [[nodiscard]] virtual std::vector<ShownWindow> windows() const = 0;
+
+  /// Logs out; nothing but the destructor may be called afterwards.
+  virtual void endSession() = 0;
+};
+
+using MakeShell = std::function<std::unique_ptr<Shell>(const Seat&)>;
+
+}  // namespace zephlin::test
