@@ -58,7 +58,8 @@ void GrabbedKeyboard::onOpen() {
   // are not typed: they come back from the device to which they were sent.
   node().letIn(EV_SYN, {EV_KEY, EV_REL, EV_ABS, EV_MSC, EV_SW});
   node().letIn(EV_MSC, {MSC_SERIAL, MSC_PULSELED, MSC_GESTURE, MSC_RAW, MSC_TIMESTAMP});
-  watchKeyboard_ = loop().watch(node().descriptor(), EPOLLIN,
+  // By the edge: readAll leaves nothing, so the kernel need not look again.
+  watchKeyboard_ = loop().watch(node().descriptor(), EPOLLIN | EPOLLET,
                                 [this](std::uint32_t) { attempt([this] { onKeyboard(); }); });
   watchKeyboard_.putFirst();
   watchKeyboard_.disable();
