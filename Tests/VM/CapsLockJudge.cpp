@@ -23,6 +23,7 @@
 #include <string>
 #include <vector>
 
+#include "Tests/VM/CapsLockLed.h"
 #include "Tests/VM/JudgeSeat.h"
 
 namespace zephlin {
@@ -152,12 +153,7 @@ class Judge {
 
   void setLeds() {
     for (const auto& [name, device] : devices_) {
-      input_event events[2]{};
-      events[0].type = EV_LED;
-      events[0].code = LED_CAPSL;
-      events[0].value = seat_.isLocked() ? 1 : 0;
-      events[1].type = EV_SYN;
-      if (::write(device.descriptor, events, sizeof events) < 0) {
+      if (!setCapsLockLed(device.descriptor, seat_.isLocked())) {
         print("no LED on %s", name.c_str());
       }
     }

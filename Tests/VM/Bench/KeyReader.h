@@ -17,6 +17,7 @@
 
 #include "Base/FileDescriptor.h"
 #include "Tests/VM/Bench/HidKeyboard.h"
+#include "Tests/VM/CapsLockLed.h"
 
 namespace zephlin {
 
@@ -58,14 +59,8 @@ class KeyReader {
     }
   }
 
-  /// Shows on the keyboard, as a compositor does, whether the lock is on.
   void setLed(bool lit) {
-    std::array<input_event, 2> events{};
-    events[0].type = EV_LED;
-    events[0].code = LED_CAPSL;
-    events[0].value = lit ? 1 : 0;
-    events[1].type = EV_SYN;
-    if (::write(device_.get(), events.data(), sizeof events) < 0) {
+    if (!setCapsLockLed(device_.get(), lit)) {
       throw std::runtime_error("the LED cannot be set");
     }
     std::this_thread::sleep_for(timeForLed);

@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "Base/FileDescriptor.h"
+#include "Tests/VM/CapsLockLed.h"
 
 namespace zephlin {
 namespace {
@@ -45,16 +46,7 @@ class Node {
            (keys[KEY_CAPSLOCK / 8] >> (KEY_CAPSLOCK % 8) & 1) != 0;
   }
 
-  void setLed(bool lit) {
-    std::array<input_event, 2> events{};
-    events[0].type = EV_LED;
-    events[0].code = LED_CAPSL;
-    events[0].value = lit ? 1 : 0;
-    events[1].type = EV_SYN;
-    // What another program grabs takes none.
-    [[maybe_unused]] const ssize_t written =
-        ::write(descriptor_.get(), events.data(), sizeof events);
-  }
+  void setLed(bool lit) { setCapsLockLed(descriptor_.get(), lit); }
 
   /// The values of Caps Lock that have come, such as "10" for a press and a release.
   std::string takeCapsLock() {

@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "Base/FileDescriptor.h"
+#include "Tests/VM/CapsLockLed.h"
 #include "Tests/VM/RunProgram.h"
 
 namespace zephlin {
@@ -118,12 +119,7 @@ class Keyboard {
   }
 
   void setLed(bool lit) {
-    std::array<input_event, 2> events{};
-    events[0].type = EV_LED;
-    events[0].code = LED_CAPSL;
-    events[0].value = lit ? 1 : 0;
-    events[1].type = EV_SYN;
-    if (::write(node_.get(), events.data(), sizeof events) < 0) {
+    if (!setCapsLockLed(node_.get(), lit)) {
       throw std::runtime_error("no LED on " + name_);
     }
     std::this_thread::sleep_for(pause);
