@@ -68,6 +68,16 @@ need_virtual_machine_packages() {
         xserver-xorg-core xserver-xorg-input-libinput xserver-xorg-video-dummy
 }
 
+# GNOME Shell with an extension for tray icons, for the label gnome.
+need_gnome_packages() {
+    need_packages gnome-shell gnome-shell-extension-appindicator
+}
+
+# Plasma for Wayland and for X11, for the label kde.
+need_kde_packages() {
+    need_packages kactivitymanagerd kwin-wayland kwin-x11 plasma-desktop plasma-workspace qtwayland5
+}
+
 # To build for macOS: a compiler and a linker, LLVM's libc++ for its symbols, and npm, which downloads
 # what replaces Apple's SDK.
 need_macos_packages() {
@@ -75,7 +85,8 @@ need_macos_packages() {
     command -v npm >/dev/null || need_packages ca-certificates npm
 }
 
-# To build, run and check everything except for the labels vm and macos, which need more.
+# To build, run and check everything except for the labels gnome, kde, macos and vm,
+# which need more.
 need_test_packages() {
     need_desktop_build_packages libgtest-dev clang libclang-rt-14-dev clang-format clang-tidy \
         shellcheck git mandoc python3 python3-yaml

@@ -6,6 +6,8 @@
 #include <string>
 
 #include "Tests/Desktop/Harness/DesktopTest.h"
+#include "Tests/Desktop/Harness/Gnome.h"
+#include "Tests/Desktop/Harness/Plasma.h"
 #include "Tests/Desktop/Harness/Sway.h"
 #include "Tests/Desktop/Harness/Xfce.h"
 #include "Tests/Support/PrivateMachine.h"
@@ -13,8 +15,12 @@
 /// The optional argument is the desktop that the tests run on.
 int main(int argc, char* argv[]) {
   testing::InitGoogleTest(&argc, argv);
-  const std::map<std::string, zephlin::test::MakeShell> shells{{"xfce", zephlin::test::makeXfce},
-                                                               {"sway", zephlin::test::makeSway}};
+  const std::map<std::string, zephlin::test::MakeShell> shells{
+      {"gnome", zephlin::test::makeGnome},
+      {"plasma", zephlin::test::makePlasmaOnWayland},
+      {"plasma-x11", zephlin::test::makePlasmaOnX11},
+      {"sway", zephlin::test::makeSway},
+      {"xfce", zephlin::test::makeXfce}};
   if (argc > 1) {
     zephlin::test::DesktopTest::setShell(shells.at(argv[1]));
   }

@@ -19,8 +19,11 @@ struct Address {
 
 inline Address addressIn(const QString& item) {
   const auto slash = item.indexOf('/');
-  return slash < 0 ? Address{item, "/StatusNotifierItem"}
-                   : Address{item.left(slash), item.mid(slash)};
+  if (slash < 0) {
+    return {item, "/StatusNotifierItem"};
+  }
+  // GNOME's extension has an @ between them.
+  return {item.left(slash).remove('@'), item.mid(slash)};
 }
 
 inline std::unique_ptr<TrayItem> waitForItem(Desktop& desktop, pid_t process) {

@@ -31,6 +31,20 @@ struct ShownWindow {
   bool isActive = false;
 };
 
+/// What an X11 window manager lists.
+inline std::vector<ShownWindow> listedWindows(const Screen& screen) {
+  const XConnection& server = screen.connection();
+  std::vector<ShownWindow> windows;
+  const auto active = server.numbers(server.root(), "_NET_ACTIVE_WINDOW");
+  for (const xcb_window_t window : server.numbers(server.root(), "_NET_CLIENT_LIST")) {
+    const auto process = server.numbers(window, "_NET_WM_PID");
+    windows.push_back({server.property(window, "_NET_WM_NAME"),
+                       process.empty() ? 0 : static_cast<pid_t>(process.front()),
+                       screen.placeOf(window), !active.empty() && active.front() == window});
+  }
+  return windows;
+}
+
 /// The programs that make a screen a desktop: a window manager or compositor, and a panel. They
 /// fill the screen, so that a place on it is a place on the desktop, and end with this object.
 class Shell {

@@ -88,16 +88,7 @@ class Xfce final : public Shell {
   }
 
   [[nodiscard]] std::vector<ShownWindow> windows() const override {
-    std::vector<ShownWindow> windows;
-    const auto active = server().numbers(server().root(), "_NET_ACTIVE_WINDOW");
-    for (const xcb_window_t window : server().numbers(server().root(), "_NET_CLIENT_LIST")) {
-      const auto process = server().numbers(window, "_NET_WM_PID");
-      windows.push_back({server().property(window, "_NET_WM_NAME"),
-                         process.empty() ? 0 : static_cast<pid_t>(process.front()),
-                         seat_.screen.placeOf(window),
-                         !active.empty() && active.front() == window});
-    }
-    return windows;
+    return listedWindows(seat_.screen);
   }
 
   /// The X server ends last, with the desktop: its programs are asked to end before.
