@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,6 +17,13 @@ class ApplicationDelegate {
   /// Called on the main thread when the user has started the application again and that instance
   /// has handed over to this one. Never on macOS, where Launch Services starts an application once.
   virtual void applicationShouldHandleReopen() = 0;
+  /// Called on the main thread when the user has switched the application's feature on or off from
+  /// the desktop's launcher. Never on macOS, whose Dock offers no such actions for it.
+  virtual void applicationShouldSwitch(bool isOn) = 0;
+  /// Called on the main thread when the desktop shows the state in place of the status item.
+  /// `report` gets it in one line, freshly read, later and on the main thread. Never on macOS.
+  virtual void applicationShouldReportStatus(
+      std::function<void(const std::string& status)> report) = 0;
 };
 
 /// The one application of the process. Main thread.

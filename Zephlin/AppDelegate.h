@@ -31,6 +31,9 @@ class AppDelegate : public ApplicationDelegate,
 
   void applicationDidFinishLaunching() override;
   void applicationShouldHandleReopen() override { showTapTest(); }
+  void applicationShouldSwitch(bool isOn) override { setEnabled(isOn); }
+  void applicationShouldReportStatus(
+      std::function<void(const std::string& status)> report) override;
 
   /// The user's preference; on for a user who has never touched the switch.
   [[nodiscard]] bool isEnabled() const;

@@ -135,6 +135,11 @@ void AppDelegate::refreshStatusAsync(std::function<void()> completion) {
   });
 }
 
+void AppDelegate::applicationShouldReportStatus(
+    std::function<void(const std::string& status)> report) {
+  refreshStatusAsync([this, report = std::move(report)] { report(statusDescription()); });
+}
+
 std::string AppDelegate::statusDescription() const {
   if (!isEnabled()) {
     return "Off, using your Mac's normal delay";

@@ -12,6 +12,9 @@ class RecordingDelegate final : public ApplicationDelegate {
     }
   }
   void applicationShouldHandleReopen() override {}
+  void applicationShouldSwitch(bool /*isOn*/) override {}
+  void applicationShouldReportStatus(
+      std::function<void(const std::string& status)> /*report*/) override {}
 
   int launches = 0;
   std::function<void()> onLaunch;
