@@ -4,7 +4,9 @@ _Zephlin() {
     local cur prev words cword
     _init_completion || return
     if [ "$cword" -eq 1 ]; then
-        mapfile -t COMPREPLY < <(compgen -W 'apply restore status help' -- "$cur")
+        local words='apply restore status help'
+        [[ $cur != -* ]] || words='--tap-test --switch-on --switch-off --status --help'
+        mapfile -t COMPREPLY < <(compgen -W "$words" -- "$cur")
     fi
 }
 complete -F _Zephlin Zephlin

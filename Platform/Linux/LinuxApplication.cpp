@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "Platform/Linux/LauncherActions.h"
 #include "Platform/Linux/Watching/WindowSystem.h"
 #include "Platform/Linux/Windows/ActivationToken.h"
 
@@ -24,8 +25,8 @@ int& withReachableDisplay(int& argc) {
   return argc;
 }
 
-/// Every option just starts the application. Qt would use the ones it knows, and end the process at
-/// one that it cannot follow.
+/// Every option that is no action just starts the application. Qt would use the ones it knows, and
+/// end the process at one that it cannot follow.
 int& withoutOptions(int& argc) {
   argc = std::min(argc, 1);
   return argc;
@@ -63,6 +64,7 @@ class ThemeIconEngine final : public QIconEngine {
 
 LinuxApplication::LinuxApplication(int& argc, char** argv)
     : activationToken_(takeActivationTokenFromEnvironment()),
+      launcherAction_(launcherActionIn(argc, argv)),
       application_(withReachableDisplay(withoutOptions(argc)), argv) {
   QApplication::setApplicationName("Zephlin");
   QApplication::setApplicationVersion(ZEPHLIN_VERSION);
@@ -81,6 +83,18 @@ void LinuxApplication::reopen() {
   }
 }
 
+void LinuxApplication::switchFeature(bool isOn) {
+  if (const auto delegate = delegate_.lock()) {
+    delegate->applicationShouldSwitch(isOn);
+  }
+}
+
+void LinuxApplication::readStatus(std::function<void(const std::string& status)> report) {
+  if (const auto delegate = delegate_.lock()) {
+    delegate->applicationShouldReportStatus(std::move(report));
+  }
+}
+
 void LinuxApplication::setDelegate(std::weak_ptr<ApplicationDelegate> delegate) {
   delegate_ = std::move(delegate);
 }
@@ -96,6 +110,7 @@ void LinuxApplication::run() {
         if (const auto delegate = delegate_.lock()) {
           delegate->applicationDidFinishLaunching();
         }
+        services_.hasLaunched();
       },
       Qt::QueuedConnection);
   QApplication::exec();

@@ -19,6 +19,8 @@ class LinuxApplication final : public Application {
     std::function<bool()> handOverToRunningInstance;
     /// Makes the key equivalents of a menu work in the application's windows.
     std::function<void(std::shared_ptr<Menu>)> setMainMenu;
+    /// Called when the delegate was told that launching has finished.
+    std::function<void()> hasLaunched;
     /// Called when the event loop has ended.
     std::function<void()> loopHasEnded;
   };
@@ -31,10 +33,17 @@ class LinuxApplication final : public Application {
   [[nodiscard]] bool isDisplayed() const;
   /// What the launcher of this process handed over, or an empty text (ActivationToken.h).
   [[nodiscard]] const QString& activationToken() const { return activationToken_; }
+  /// The action of the launcher that this process was started for, or an empty text
+  /// (LauncherActions.h).
+  [[nodiscard]] const QString& launcherAction() const { return launcherAction_; }
   /// Whether terminate() was called.
   [[nodiscard]] bool isTerminating() const { return isTerminating_; }
   /// The user has started the application again.
   void reopen();
+  /// The user has switched the application's feature on or off in the launcher.
+  void switchFeature(bool isOn);
+  /// As ApplicationDelegate::applicationShouldReportStatus.
+  void readStatus(std::function<void(const std::string& status)> report);
 
   void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
   /// Does nothing: Qt shows only the windows of any application.
@@ -50,6 +59,7 @@ class LinuxApplication final : public Application {
  private:
   // Before Qt, which looks into the environment too.
   QString activationToken_;
+  QString launcherAction_;
   QApplication application_;
   std::weak_ptr<ApplicationDelegate> delegate_;
   Services services_;

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "Platform/Linux/LauncherActions.h"
 #include "Platform/Linux/LinuxUpdater.h"
 #include "Platform/Linux/Session/ConfigurationFolder.h"
 #include "Platform/Linux/Windows/ActivationToken.h"
@@ -23,14 +24,11 @@ LinuxPlatform::LinuxPlatform(int& argc, char** argv)
       application_(argc, argv),
       userDefaults_(defaultsPath(), *systemLog_),
       statusBar_([this] { return application_.isTerminating(); }),
+      statusReporter_(application_, alerts_),
       hidDevices_(currentWindowSystem(), holdsInputBack),
       eventTaps_(currentWindowSystem(), holdsInputBack),
       loginService_(QApplication::applicationFilePath().toStdString(), *systemLog_),
-      instance_(*systemLog_,
-                [this](const QString& activationToken) {
-                  setActivationToken(activationToken);
-                  application_.reopen();
-                }),
+      instance_(*systemLog_, [this](const InstanceRequest& request) { answer(request); }),
       quitSignals_([this] { application_.terminate(); }) {
   takeNoPartInSessions();
   if (!application_.isDisplayed()) {
@@ -45,15 +43,29 @@ LinuxPlatform::LinuxPlatform(int& argc, char** argv)
              keyEquivalents_ = std::make_unique<KeyEquivalents>(
                  std::move(menu), [this] { application_.terminate(); });
            },
+       .hasLaunched =
+           [this] {
+             performLauncherAction(application_.launcherAction(), application_, statusReporter_);
+           },
        .loopHasEnded = [this] { leaveWork(); }});
 }
 
 bool LinuxPlatform::handOverToRunningInstance() {
-  if (!instance_.becomeTheInstance(application_.activationToken())) {
+  if (!instance_.becomeTheInstance({.action = application_.launcherAction(),
+                                    .activationToken = application_.activationToken()})) {
     return true;
   }
   setActivationToken(application_.activationToken());
   return false;
+}
+
+void LinuxPlatform::answer(const InstanceRequest& request) {
+  setActivationToken(request.activationToken);
+  if (request.action.isEmpty()) {
+    application_.reopen();
+  } else {
+    performLauncherAction(request.action, application_, statusReporter_);
+  }
 }
 
 std::unique_ptr<Updater> LinuxPlatform::makeStartedUpdater() {

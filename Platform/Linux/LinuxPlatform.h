@@ -10,6 +10,7 @@
 #include "Platform/Linux/Session/RunningInstance.h"
 #include "Platform/Linux/Session/SessionEnd.h"
 #include "Platform/Linux/StatusItem/QtStatusBar.h"
+#include "Platform/Linux/StatusReporter.h"
 #include "Platform/Linux/Watching/LinuxKeyboard.h"
 #include "Platform/Linux/Watching/LogindWorkspace.h"
 #include "Platform/Linux/Windows/KeyEquivalents.h"
@@ -41,6 +42,7 @@ class LinuxPlatform final : public Platform {
 
  private:
   bool handOverToRunningInstance();
+  void answer(const InstanceRequest& request);
   void leaveWork();
 
   std::shared_ptr<LinuxSystemLog> systemLog_ = std::make_shared<LinuxSystemLog>();
@@ -53,6 +55,7 @@ class LinuxPlatform final : public Platform {
   JsonUserDefaults userDefaults_;
   QtStatusBar statusBar_;
   QtAlertPresenter alerts_;
+  StatusReporter statusReporter_;
   QtWindowServer windows_;
   LinuxHidDevices hidDevices_;
   LinuxEventTaps eventTaps_;

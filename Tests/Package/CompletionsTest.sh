@@ -53,6 +53,8 @@ mapfile -t words < <(Zephlin help | commands_in)
 offered 'Zephlin ' "${words[@]}"
 offered 'Zephlin re' restore
 offered 'Zephlin apply ' ''
+offered 'Zephlin --' --tap-test --switch-on --switch-off --status --help
+offered 'Zephlin --switch-o' --switch-on --switch-off
 
 mapfile -t words < <(hidutil --help | commands_in)
 offered 'hidutil ' "${words[@]}"

@@ -43,29 +43,30 @@ QVariantMap platformDataWith(const QString& activationToken) {
 
 }  // namespace
 
-/// What the running instance answers to. There are no files and no actions, so opening files just
-/// comes forward.
+/// What the running instance answers to. There are no files, so opening files just comes forward.
 class InstanceObject final : public QObject {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
 
  public:
-  explicit InstanceObject(std::function<void(const QString&)> onActivate)
-      : onActivate_(std::move(onActivate)) {}
+  explicit InstanceObject(std::function<void(const InstanceRequest&)> onRequest)
+      : onRequest_(std::move(onRequest)) {}
 
  public Q_SLOTS:
   /// Answers at once: coming forward may take as long as an alert is open.
-  void Activate(const QVariantMap& platformData) {
-    QTimer::singleShot(0, this, [this, token = tokenIn(platformData)] { onActivate_(token); });
-  }
+  void Activate(const QVariantMap& platformData) { ActivateAction({}, {}, platformData); }
   void Open(const QStringList& /*addresses*/, const QVariantMap& platformData) {
     Activate(platformData);
   }
-  void ActivateAction(const QString& /*action*/, const QVariantList& /*parameters*/,
-                      const QVariantMap& /*platformData*/) {}
+  void ActivateAction(const QString& action, const QVariantList& /*parameters*/,
+                      const QVariantMap& platformData) {
+    QTimer::singleShot(0, this, [this, request = InstanceRequest{action, tokenIn(platformData)}] {
+      onRequest_(request);
+    });
+  }
 
  private:
-  std::function<void(const QString&)> onActivate_;
+  std::function<void(const InstanceRequest&)> onRequest_;
 };
 
 namespace {
@@ -98,7 +99,7 @@ enum class InstanceReply {
 };
 
 /// Blocks for a few seconds at most.
-InstanceReply askToComeForward(pid_t instance, const QString& activationToken) {
+InstanceReply send(const InstanceRequest& request, pid_t instance) {
   const QDBusConnection bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) {
     return InstanceReply::Unreachable;
@@ -108,10 +109,15 @@ InstanceReply askToComeForward(pid_t instance, const QString& activationToken) {
   if (!owner.isValid() || static_cast<pid_t>(owner.value()) != instance) {
     return InstanceReply::NotThereYet;
   }
-  auto message = QDBusMessage::createMethodCall(instanceBusName, instanceBusPath,
-                                                instanceBusInterface, "Activate");
+  const bool isAction = !request.action.isEmpty();
+  auto message =
+      QDBusMessage::createMethodCall(instanceBusName, instanceBusPath, instanceBusInterface,
+                                     isAction ? "ActivateAction" : "Activate");
   message.setAutoStartService(false);
-  message << platformDataWith(activationToken);
+  if (isAction) {
+    message << request.action << QVariantList();
+  }
+  message << platformDataWith(request.activationToken);
   const QDBusMessage reply = bus.call(message, QDBus::Block, replyMilliseconds);
   return reply.type() == QDBusMessage::ReplyMessage ? InstanceReply::Answered
                                                     : InstanceReply::Unreachable;
@@ -119,12 +125,13 @@ InstanceReply askToComeForward(pid_t instance, const QString& activationToken) {
 
 }  // namespace
 
-RunningInstance::RunningInstance(SystemLog& log, std::function<void(const QString&)> onActivate)
-    : log_(log), object_(std::make_unique<InstanceObject>(std::move(onActivate))) {}
+RunningInstance::RunningInstance(SystemLog& log,
+                                 std::function<void(const InstanceRequest&)> onRequest)
+    : log_(log), object_(std::make_unique<InstanceObject>(std::move(onRequest))) {}
 
 RunningInstance::~RunningInstance() = default;
 
-bool RunningInstance::becomeTheInstance(const QString& activationToken) {
+bool RunningInstance::becomeTheInstance(const InstanceRequest& request) {
   const auto deadline = std::chrono::steady_clock::now() + timeout;
   for (;;) {
     const auto holder = otherHolder();
@@ -132,7 +139,7 @@ bool RunningInstance::becomeTheInstance(const QString& activationToken) {
       answerOnTheBus();
       return true;
     }
-    const InstanceReply reply = askToComeForward(*holder, activationToken);
+    const InstanceReply reply = send(request, *holder);
     if (reply == InstanceReply::Answered) {
       return false;
     }

@@ -19,6 +19,14 @@ constexpr const char* instanceBusInterface = "org.freedesktop.Application";
 
 class InstanceObject;
 
+/// What a start asks of the running instance.
+struct InstanceRequest {
+  /// The name of an action of the application's launcher; empty to come forward.
+  QString action{};
+  /// May be empty (Windows/ActivationToken.h).
+  QString activationToken{};
+};
+
 /// Makes this process the user's one running instance of Zephlin for as long as it lives, or hands
 /// over to the one that runs. A file lock decides which one that is (instanceLockPath); the session
 /// bus only carries the message (org.freedesktop.Application, as for desktop entries with D-Bus
@@ -28,18 +36,16 @@ class InstanceObject;
 /// one in a process, with a QCoreApplication.
 class RunningInstance {
  public:
-  /// `onActivate` is called from the event loop, once for each start that was handed over, with its
-  /// activation token, which may be empty (Windows/ActivationToken.h). The log outlives the
-  /// instance.
-  RunningInstance(SystemLog& log, std::function<void(const QString&)> onActivate);
+  /// `onRequest` is called from the event loop, once for each start that was handed over and for
+  /// each request of a launcher. The log outlives the instance.
+  RunningInstance(SystemLog& log, std::function<void(const InstanceRequest&)> onRequest);
   RunningInstance(const RunningInstance&) = delete;
   RunningInstance& operator=(const RunningInstance&) = delete;
   ~RunningInstance();
 
-  /// True if this process is the instance now. Otherwise the running one was asked to come
-  /// forward with this process's activation token; a failure to reach it within a few seconds is
-  /// logged. Called once.
-  [[nodiscard]] bool becomeTheInstance(const QString& activationToken);
+  /// True if this process is the instance now. Otherwise the running one got the request; a
+  /// failure to reach it within a few seconds is logged. Called once.
+  [[nodiscard]] bool becomeTheInstance(const InstanceRequest& request);
 
  private:
   /// Takes the lock, or returns who has it.

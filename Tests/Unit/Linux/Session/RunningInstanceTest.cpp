@@ -57,6 +57,15 @@ TEST_F(RunningInstanceTest, ASecondStartHandsItsActivationTokenOver) {
   first.waitForErrors("instance\nactivated by token\nactivated\n");
 }
 
+TEST_F(RunningInstanceTest, ASecondStartHandsItsActionOver) {
+  Instance first;
+  ::setenv("XDG_ACTIVATION_TOKEN", " by token", 1);
+  TestProcess second({SESSION_PROGRAM, "instance", " for tap-test"});
+  EXPECT_EQ(second.wait(), handedOver);
+  ::unsetenv("XDG_ACTIVATION_TOKEN");
+  first.waitForErrors("instance\nactivated for tap-test by token\n");
+}
+
 TEST_F(RunningInstanceTest, TheCommandLineToolSeesTheInstance) {
   Instance first;
   const auto running = runningApplicationsWithBundleIdentifier("com.quorvenel.zephlin");
@@ -124,7 +133,8 @@ TEST_F(RunningInstanceTest, OtherCallsOfTheInterfaceDoNoHarm) {
   EXPECT_EQ(test::run({SESSION_PROGRAM, "caller"}).errors,
             "answered\nanswered\nanswered\nrefused\n");
   EXPECT_EQ(start().wait().errors, "handed over\n");
-  first.waitForErrors("instance\nactivated\nactivated by startup id\nactivated\n");
+  first.waitForErrors(
+      "instance\nactivated\nactivated by startup id\nactivated for an action\nactivated\n");
 }
 
 }  // namespace

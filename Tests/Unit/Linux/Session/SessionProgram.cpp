@@ -1,8 +1,9 @@
 // Runs one part of the session, for tests that need a process to start or signal:
 //
 //   instance       becomes the running instance, and prints "instance" and, for each start that is
-//                  handed over, "activated" and its activation token; or prints "handed over" and
-//                  ends. Its own token is XDG_ACTIVATION_TOKEN
+//                  handed over, "activated", its action and its activation token; or prints
+//                  "handed over" and ends. Its own token is XDG_ACTIVATION_TOKEN, and its action
+//                  the next argument
 //   stranger       takes the instance's name on the bus without its lock, and prints "stranger"
 //   caller         calls what else the instance's interface has, and prints how each call ends
 //   quit-signals   prints "ready" and runs until it is asked to quit, then prints "quits"
@@ -30,10 +31,12 @@ void print(const char* text) {
 }
 
 int runInstance(SystemLog& log) {
-  RunningInstance instance(log, [](const QString& activationToken) {
-    print(("activated" + activationToken.toStdString()).c_str());
+  RunningInstance instance(log, [](const InstanceRequest& request) {
+    print(("activated" + request.action + request.activationToken).toStdString().c_str());
   });
-  if (!instance.becomeTheInstance(qEnvironmentVariable("XDG_ACTIVATION_TOKEN"))) {
+  if (!instance.becomeTheInstance(
+          {.action = QApplication::arguments().value(2),
+           .activationToken = qEnvironmentVariable("XDG_ACTIVATION_TOKEN")})) {
     print("handed over");
     return 0;
   }
@@ -58,7 +61,7 @@ void call(const char* method, const QVariantList& arguments) {
 int callOthers() {
   call("Open", {QStringList("file:///x"), QVariantMap()});
   call("Activate", {QVariantMap{{"desktop-startup-id", " by startup id"}}});
-  call("ActivateAction", {"action", QVariantList(), QVariantMap()});
+  call("ActivateAction", {" for an action", QVariantList(), QVariantMap()});
   call("Activate", {"wrong"});
   return 0;
 }
