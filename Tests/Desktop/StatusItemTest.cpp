@@ -1,9 +1,7 @@
 // The icon in the panel and its tool tip.
 
-#include <algorithm>
-#include <cstdlib>
-
 #include "Tests/Desktop/Harness/DesktopTest.h"
+#include "Tests/Desktop/Harness/Sight.h"
 
 namespace zephlin::test {
 namespace {
@@ -12,18 +10,6 @@ constexpr const char* instantToolTip = "Zephlin: instant Caps Lock is ON";
 constexpr const char* disabledToolTip = "Zephlin: disabled (Apple default delay)";
 constexpr const char* failedToolTip =
     "Zephlin: enabled, but the fix could not be applied. Check Input Monitoring permission.";
-
-/// How far the most different pixel is from the panel, of 255.
-int contrastOf(const QImage& icon) {
-  const int background = qGray(icon.pixel(0, 0));
-  int contrast = 0;
-  for (int y = 0; y < icon.height(); ++y) {
-    for (int x = 0; x < icon.width(); ++x) {
-      contrast = std::max(contrast, std::abs(qGray(icon.pixel(x, y)) - background));
-    }
-  }
-  return contrast;
-}
 
 class StatusItem : public DesktopTest {
  protected:
