@@ -150,6 +150,10 @@ QString takeActivationTokenFromEnvironment() {
 }
 
 void comeToFront(QWidget& window) {
+  // Wayland compositors put a new window in front, and many refuse to raise one that is there.
+  if (QGuiApplication::platformName().startsWith("wayland") && !window.isActiveWindow()) {
+    window.hide();
+  }
   window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
   window.show();
   window.raise();

@@ -36,6 +36,7 @@ void addButtons(QMessageBox& box, const Alert& alert) {
 
 void QtAlertPresenter::runModal(const Alert& alert) {
   if (shown_) {
+    isAskedForAgain_ = true;
     comeToFront(*shown_);
     return;
   }
@@ -53,7 +54,11 @@ void QtAlertPresenter::runModal(const Alert& alert) {
   setIcon(box);
   addButtons(box, alert);
   comeToFront(box);
-  box.exec();
+  // Coming to the front again may hide the box for a moment, which ends exec().
+  do {
+    isAskedForAgain_ = false;
+    box.exec();
+  } while (isAskedForAgain_ && box.isVisible());
 }
 
 }  // namespace zephlin

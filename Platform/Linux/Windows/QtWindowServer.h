@@ -36,6 +36,7 @@ class QtAlertPresenter final : public AlertPresenter {
 
  private:
   QPointer<QMessageBox> shown_;
+  bool isAskedForAgain_ = false;
 };
 
 }  // namespace zephlin
