@@ -14,6 +14,8 @@
 #include <memory>
 #include <utility>
 
+#include "Platform/Linux/Windows/TitleBar.h"
+
 namespace zephlin {
 
 namespace {
@@ -156,6 +158,7 @@ void comeToFront(QWidget& window) {
   }
   window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
   window.show();
+  replaceDecorationOfQt(window);
   window.raise();
   const QString token = takeToken();
   activateWithToken(window, token);
