@@ -18,7 +18,7 @@ for icon in *.svg; do
         for size in 16 22 24 32 64; do
             tile=$folder/$icon$background$size.png
             # A panel replaces this colour by its own.
-            sed "s/#363636/$foreground/" "$icon" | rsvg-convert --width "$size" --height "$size" |
+            sed "s/#808080/$foreground/" "$icon" | rsvg-convert --width "$size" --height "$size" |
                 convert - -background "$background" -gravity center -extent "$((size + 16))x80" \
                     -filter point -resize "$((magnification * 100))%" "$tile"
             tiles+=("$tile")
