@@ -23,7 +23,7 @@ LinuxPlatform::LinuxPlatform(int& argc, char** argv)
     : qtMessages_(*systemLog_),
       application_(argc, argv),
       userDefaults_(defaultsPath(), *systemLog_),
-      statusBar_([this] { return application_.isTerminating(); }),
+      statusBar_([this] { return application_.isTerminating(); }, [] {}),
       statusReporter_(application_, alerts_),
       hidDevices_(currentWindowSystem(), holdsInputBack),
       eventTaps_(currentWindowSystem(), holdsInputBack),

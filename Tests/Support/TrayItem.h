@@ -74,6 +74,8 @@ class TrayItem final : public QObject {
     }
   }
 
+  [[nodiscard]] const QString& service() const { return service_; }
+
   [[nodiscard]] QVariant property(const char* name) const {
     return bus_.property({service_, path_, itemInterface, name});
   }

@@ -1,159 +1,141 @@
 #include "Platform/Linux/StatusItem/QtStatusBar.h"
 
-#include <QCursor>
 #include <QGuiApplication>
-#include <QIcon>
 #include <QObject>
-#include <QPixmap>
-#include <QSystemTrayIcon>
 #include <QTimer>
 #include <memory>
 #include <utility>
 
-#include "Platform/Linux/StatusItem/QtMenuTranslation.h"
+#include "Platform/Linux/StatusItem/StatusNotifierItem.h"
 #include "Platform/Linux/StatusItem/SymbolIcons.h"
-#include "Platform/Linux/StatusItem/TrayFinder.h"
-#include "Platform/Linux/StatusItem/XEmbedTray.h"
+#include "Platform/Linux/StatusItem/XEmbedItem.h"
 
 namespace zephlin {
 
 namespace {
 
-/// Keeps the place of an item without an image: panels show a sign of their own for an item without
-/// an icon.
-QIcon blankIcon() {
-  QPixmap nothing(22, 22);
-  nothing.fill(Qt::transparent);
-  return QIcon(nothing);
-}
+/// How long a panel that has brought up its XEmbed tray may take for its StatusNotifier host. Much
+/// more than it takes even while a session starts, and short enough for the user not to notice.
+constexpr std::chrono::seconds hostTimeout{3};
 
 /// A status item in whatever tray the desktop has or will have: it appears when a panel starts, and
-/// again when the panel restarts.
+/// again when the panel restarts. Panels such as Xfce's offer both kinds, in no fixed order, and
+/// StatusNotifier is the better one. A StatusNotifier host is therefore used whenever there is one,
+/// and an XEmbed tray only if none has come for a while.
 class QtStatusItem final : public StatusItem {
  public:
-  explicit QtStatusItem(std::function<bool()> isTerminating);
+  QtStatusItem(std::function<bool()> isTerminating, std::function<void()> trayIsMissing);
   [[nodiscard]] bool hasButton() const override { return true; }
   void setButtonImage(const std::optional<SymbolImage>& image) override;
   void setButtonToolTip(const std::string& text) override;
   void setMenu(std::shared_ptr<Menu> menu) override;
-  void menuTitlesDidChange() override;
+  void menuTitlesDidChange() override { menu_.itemsDidChange(); }
 
  private:
-  void appearIn(TrayKind kind);
+  void hostsChanged();
   void xembedTrayChanged();
-  [[nodiscard]] QIcon icon() const;
-  void showIcon();
-  void showMenu();
-  void openMenu();
+  void awaitHost();
+  void appearIn(std::unique_ptr<TrayEntry> entry);
+  void showImage();
 
-  std::function<bool()> isTerminating_;
   std::optional<SymbolImage> image_;
   std::string toolTip_;
-  std::shared_ptr<QtMenuTranslation> menu_;
-  // The one that the panel has, which may still be the previous one.
-  std::shared_ptr<QtMenuTranslation> shownMenu_;
-  TrayKind kind_ = TrayKind::StatusNotifier;
-  // Made when there is a tray to show it in.
-  std::unique_ptr<QSystemTrayIcon> tray_;
-  XEmbedTray xembed_;
-  TrayFinder finder_;
+  StatusMenu menu_;
+  StatusNotifierWatcher watcher_;
+  XEmbedTray xembedTray_;
+  // Absent while there is no tray.
+  std::unique_ptr<TrayEntry> entry_;
+  QTimer hostTimeout_;
   QTimer nextPass_;
   // Destroyed first: no callback runs after it.
   QObject context_;
 };
 
-QtStatusItem::QtStatusItem(std::function<bool()> isTerminating)
-    : isTerminating_(std::move(isTerminating)),
-      xembed_([this] { xembedTrayChanged(); }),
-      finder_(xembed_, [this](TrayKind kind) { appearIn(kind); }) {
+QtStatusItem::QtStatusItem(std::function<bool()> isTerminating, std::function<void()> trayIsMissing)
+    : menu_(std::move(isTerminating),
+            [this] {
+              if (entry_) {
+                entry_->showMenu();
+              }
+            }),
+      watcher_([this] { hostsChanged(); }),
+      xembedTray_([this] { xembedTrayChanged(); }) {
+  hostTimeout_.setSingleShot(true);
+  hostTimeout_.setInterval(watcher_.isPossible() ? hostTimeout : std::chrono::seconds(0));
+  QObject::connect(&hostTimeout_, &QTimer::timeout, &context_, [this] {
+    if (xembedTray_.isThere()) {
+      appearIn(std::make_unique<XEmbedItem>(xembedTray_, menu_));
+    }
+  });
   nextPass_.setSingleShot(true);
-  QObject::connect(&nextPass_, &QTimer::timeout, &context_, [this] { showMenu(); });
+  QObject::connect(&nextPass_, &QTimer::timeout, &context_, [this] { menu_.update(); });
+  QTimer::singleShot(QtStatusBar::patience, &context_, [this, missing = std::move(trayIsMissing)] {
+    if (!watcher_.hasHost() && !xembedTray_.isThere()) {
+      missing();
+    }
+  });
+  awaitHost();
 }
 
 void QtStatusItem::setButtonImage(const std::optional<SymbolImage>& image) {
   if (image != image_) {
     image_ = image;
-    showIcon();
+    showImage();
   }
 }
 
 void QtStatusItem::setButtonToolTip(const std::string& text) {
   if (text != toolTip_) {
     toolTip_ = text;
-    if (tray_) {
-      tray_->setToolTip(QString::fromStdString(text));
+    if (entry_) {
+      entry_->setToolTip(QString::fromStdString(text));
     }
   }
 }
 
 void QtStatusItem::setMenu(std::shared_ptr<Menu> menu) {
-  menu_ = std::make_shared<QtMenuTranslation>(std::move(menu), isTerminating_);
-  if (tray_) {
+  menu_.setMenu(std::move(menu));
+  if (entry_) {
     // The delegate is not called from within a call of its own.
     nextPass_.start();
   }
 }
 
-void QtStatusItem::menuTitlesDidChange() {
-  if (menu_) {
-    menu_->showTitles();
+void QtStatusItem::hostsChanged() {
+  entry_.reset();
+  if (watcher_.hasHost()) {
+    hostTimeout_.stop();
+    appearIn(std::make_unique<StatusNotifierItem>(watcher_, menu_));
+  } else {
+    awaitHost();
   }
-}
-
-void QtStatusItem::appearIn(TrayKind kind) {
-  kind_ = kind;
-  tray_ = std::make_unique<QSystemTrayIcon>();
-  QObject::connect(tray_.get(), &QSystemTrayIcon::activated, &context_, [this](auto reason) {
-    if (reason == QSystemTrayIcon::Trigger) {
-      openMenu();
-    }
-  });
-  showIcon();
-  tray_->setToolTip(QString::fromStdString(toolTip_));
-  showMenu();
-  // Last: a panel reads everything as soon as the item is there.
-  tray_->show();
-  xembedTrayChanged();
 }
 
 void QtStatusItem::xembedTrayChanged() {
-  if (!tray_) {
-    finder_.xembedTrayCame();
-  } else if (kind_ == TrayKind::XEmbed) {
-    xembed_.watchColours();
-    // Read when they are watched, so that no change is missed in between.
-    showIcon();
+  if (entry_) {
+    showImage();
+  } else {
+    awaitHost();
   }
 }
 
-QIcon QtStatusItem::icon() const {
-  const auto name = image_ ? iconNameOf(image_->name) : std::nullopt;
-  if (!name) {
-    return blankIcon();
-  }
-  if (kind_ == TrayKind::XEmbed) {
-    return drawnIcon(*name, xembed_.foreground().value_or(contrastingColour()));
-  }
-  return isInstalledIcon(*name) ? namedIcon(*name) : drawnIcon(*name, contrastingColour());
-}
-
-void QtStatusItem::showIcon() {
-  if (tray_) {
-    tray_->setIcon(icon());
+void QtStatusItem::awaitHost() {
+  if (xembedTray_.isThere()) {
+    hostTimeout_.start();
   }
 }
 
-void QtStatusItem::showMenu() {
-  if (menu_) {
-    menu_->update();
-    tray_->setContextMenu(&menu_->qtMenu());
-    shownMenu_ = menu_;
-  }
+void QtStatusItem::appearIn(std::unique_ptr<TrayEntry> entry) {
+  entry_ = std::move(entry);
+  showImage();
+  entry_->setToolTip(QString::fromStdString(toolTip_));
+  menu_.update();
+  entry_->appear();
 }
 
-void QtStatusItem::openMenu() {
-  if (menu_) {
-    menu_->qtMenu().popup(QCursor::pos());
+void QtStatusItem::showImage() {
+  if (entry_) {
+    entry_->setIconName(image_ ? iconNameOf(image_->name) : std::nullopt);
   }
 }
 
@@ -169,14 +151,14 @@ class HiddenStatusItem final : public StatusItem {
 
 }  // namespace
 
-QtStatusBar::QtStatusBar(std::function<bool()> isTerminating)
-    : isTerminating_(std::move(isTerminating)) {}
+QtStatusBar::QtStatusBar(std::function<bool()> isTerminating, std::function<void()> trayIsMissing)
+    : isTerminating_(std::move(isTerminating)), trayIsMissing_(std::move(trayIsMissing)) {}
 
 std::unique_ptr<StatusItem> QtStatusBar::makeStatusItem() {
   if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
     return std::make_unique<HiddenStatusItem>();
   }
-  return std::make_unique<QtStatusItem>(isTerminating_);
+  return std::make_unique<QtStatusItem>(isTerminating_, trayIsMissing_);
 }
 
 std::optional<SymbolImage> QtStatusBar::systemSymbol(const std::string& name,

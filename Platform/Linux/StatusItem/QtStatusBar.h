@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 
 #include "Platform/StatusBar.h"
@@ -11,8 +12,13 @@ namespace zephlin {
 /// Main thread, while the QApplication lives.
 class QtStatusBar final : public StatusBar {
  public:
-  /// `isTerminating` returns whether the application was asked to terminate.
-  explicit QtStatusBar(std::function<bool()> isTerminating);
+  /// How long an item may take to find a tray, before `trayIsMissing`.
+  static constexpr std::chrono::seconds patience{6};
+
+  /// `isTerminating` returns whether the application was asked to terminate. `trayIsMissing` is
+  /// called from the event loop, once for each item that is in no tray when `patience` has passed
+  /// since it was made; never without a display. A tray that comes later still shows the item.
+  QtStatusBar(std::function<bool()> isTerminating, std::function<void()> trayIsMissing);
 
   /// Without a display (Qt's platform "offscreen") the item has no button.
   std::unique_ptr<StatusItem> makeStatusItem() override;
@@ -21,6 +27,7 @@ class QtStatusBar final : public StatusBar {
 
  private:
   std::function<bool()> isTerminating_;
+  std::function<void()> trayIsMissing_;
 };
 
 }  // namespace zephlin

@@ -1,13 +1,13 @@
 #include "Platform/Linux/StatusItem/SymbolIcons.h"
 
-#include <QIconEngine>
 #include <QImageReader>
 #include <QPainter>
 #include <QPixmap>
 #include <QStandardPaths>
 #include <algorithm>
 #include <array>
-#include <utility>
+
+#include "Platform/Linux/StatusItem/SymbolMasks.h"
 
 // Q_INIT_RESOURCE registers a static library's resources, and must not be in a namespace.
 static void registerResources() {
@@ -27,25 +27,6 @@ constexpr std::array symbols{
     Symbol{"capslock", "zephlin-capslock-symbolic"},
     Symbol{"capslock.fill", "zephlin-capslock-fill-symbolic"},
     Symbol{"exclamationmark.triangle", "zephlin-warning-symbolic"},
-};
-
-/// An icon that a panel loads by its name. Its pictures are empty, so that nothing is drawn: Qt
-/// would send them along, and the panel does not use them.
-class NamedIconEngine final : public QIconEngine {
- public:
-  explicit NamedIconEngine(QString name) : name_(std::move(name)) {}
-
-  void paint(QPainter* /*painter*/, const QRect& /*rect*/, QIcon::Mode /*mode*/,
-             QIcon::State /*state*/) override {}
-  QPixmap pixmap(const QSize& /*size*/, QIcon::Mode /*mode*/, QIcon::State /*state*/) override {
-    return {};
-  }
-  QString iconName() override { return name_; }
-  bool isNull() override { return false; }
-  [[nodiscard]] QIconEngine* clone() const override { return new NamedIconEngine(name_); }
-
- private:
-  QString name_;
 };
 
 /// Loads Qt's plugin for SVG when it is first needed.
@@ -78,10 +59,6 @@ bool isInstalledIcon(const QString& iconName) {
               .isEmpty();
 }
 
-QIcon namedIcon(const QString& iconName) {
-  return QIcon(new NamedIconEngine(iconName));
-}
-
 QIcon drawnIcon(const QString& iconName, const QColor& colour) {
   registerResources();
   QIcon icon;
@@ -91,8 +68,28 @@ QIcon drawnIcon(const QString& iconName, const QColor& colour) {
   return icon;
 }
 
+QByteArray symbolPicture(const std::optional<QString>& iconName, int size) {
+  const auto masks = symbolMasks();
+  const auto mask = std::find_if(masks.begin(), masks.end(), [&](const SymbolMask& each) {
+    return each.size == size && iconName == QLatin1String(each.iconName);
+  });
+  constexpr int bytesPerPixel = 4;
+  if (mask == masks.end()) {
+    return {size * size * bytesPerPixel, '\0'};
+  }
+  const QColor colour = contrastingColour();
+  QByteArray pixels;
+  for (const unsigned char opacity : mask->opacities) {
+    for (const int component :
+         {static_cast<int>(opacity), colour.red(), colour.green(), colour.blue()}) {
+      pixels.append(static_cast<char>(component));
+    }
+  }
+  return pixels;
+}
+
 QColor contrastingColour() {
-  return {0x78, 0x78, 0x78};
+  return {0x80, 0x80, 0x80};
 }
 
 }  // namespace zephlin

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QColor>
 #include <QIcon>
 #include <QString>
@@ -16,15 +17,18 @@ std::optional<QString> iconNameOf(const std::string& symbol);
 /// theme falls back to. Qt knows too, but reads whole themes to find out. Any thread.
 bool isInstalledIcon(const QString& iconName);
 
-/// The icon of this name for a panel that loads it from the theme and colours it. Main thread.
-QIcon namedIcon(const QString& iconName);
-
 /// The icon of this name as the program carries it, drawn in one colour and in all sizes that
 /// panels ask for. Main thread.
 QIcon drawnIcon(const QString& iconName, const QColor& colour);
 
-/// For panels whose colours are unknown: has a contrast of at least 3:1 with the usual light and
-/// dark panels (WCAG 2.1, success criterion 1.4.11).
+/// The icon of this name as the pixels of a StatusNotifier picture, in the contrasting colour:
+/// opacity, red, green and blue of each. `size` is one of symbolMaskSizes. Transparent without a
+/// name. Any thread.
+QByteArray symbolPicture(const std::optional<QString>& iconName, int size);
+
+/// For panels whose colours are unknown: has a contrast of at least 3:1 with light panels down to
+/// #e4e4e4 and with dark ones up to #333333 (WCAG 2.1, success criterion 1.4.11). The icons' files
+/// have it too, for panels that do not recolour them.
 QColor contrastingColour();
 
 }  // namespace zephlin

@@ -11,7 +11,10 @@ namespace {
 
 class QtMenuTranslationTest : public ::testing::Test {
  protected:
-  QtMenuTranslationTest() { translation_->update(); }
+  QtMenuTranslationTest() {
+    menu_->setMenu(sample_->menu);
+    menu_->update();
+  }
 
   [[nodiscard]] QAction& entry(int index) const {
     return *translation_->qtMenu().actions().at(index);
@@ -19,8 +22,9 @@ class QtMenuTranslationTest : public ::testing::Test {
 
   std::shared_ptr<SampleMenu> sample_ = SampleMenu::make();
   bool isTerminating_ = false;
-  std::unique_ptr<QtMenuTranslation> translation_ =
-      std::make_unique<QtMenuTranslation>(sample_->menu, [this] { return isTerminating_; });
+  std::unique_ptr<StatusMenu> menu_ = std::make_unique<StatusMenu>(
+      [this] { return isTerminating_; }, [this] { translation_->show(); });
+  std::unique_ptr<QtMenuTranslation> translation_ = std::make_unique<QtMenuTranslation>(*menu_);
 };
 
 constexpr int titleLine = 0;
@@ -52,7 +56,7 @@ TEST_F(QtMenuTranslationTest, ASwitchIsCheckableAndACommandIsNot) {
 TEST_F(QtMenuTranslationTest, ASwitchKeepsItsActionAndStaysCheckableWhenItIsSwitched) {
   const auto before = translation_->qtMenu().actions();
   sample_->isOn = false;
-  translation_->update();
+  menu_->update();
   EXPECT_EQ(translation_->qtMenu().actions(), before);
   EXPECT_TRUE(entry(switchEntry).isCheckable());
   EXPECT_FALSE(entry(switchEntry).isChecked());
@@ -60,7 +64,7 @@ TEST_F(QtMenuTranslationTest, ASwitchKeepsItsActionAndStaysCheckableWhenItIsSwit
 
 TEST_F(QtMenuTranslationTest, ACommandThatTakesASwitchsPlaceIsNotCheckable) {
   sample_->isSwitchThere = false;
-  translation_->update();
+  menu_->update();
   EXPECT_EQ(entry(switchEntry).text().toStdString(), "Command");
   EXPECT_FALSE(entry(switchEntry).isCheckable());
 }
@@ -75,7 +79,7 @@ TEST_F(QtMenuTranslationTest, CommandIsControlAndIsShownWithoutBecomingAShortcut
 TEST_F(QtMenuTranslationTest, EntriesThatStayInPlaceKeepTheirActions) {
   const auto before = translation_->qtMenu().actions();
   sample_->status = "On";
-  translation_->update();
+  menu_->update();
   EXPECT_EQ(translation_->qtMenu().actions(), before);
   EXPECT_EQ(entry(statusLine).text().toStdString(), "On");
 }
@@ -85,37 +89,37 @@ TEST_F(QtMenuTranslationTest, WhatHasNotChangedIsLeftAlone) {
   for (const QAction* action : translation_->qtMenu().actions()) {
     QObject::connect(action, &QAction::changed, &translation_->qtMenu(), [&changes] { ++changes; });
   }
-  translation_->update();
+  menu_->update();
   EXPECT_EQ(changes, 0);
   sample_->status = "On";
-  translation_->update();
+  menu_->update();
   EXPECT_EQ(changes, 1);
 }
 
 TEST_F(QtMenuTranslationTest, ItemsThatComeAndGoLeaveTheOthersInOrder) {
   sample_->extraItems = 3;
-  translation_->update();
+  menu_->update();
   ASSERT_EQ(translation_->qtMenu().actions().size(), SampleMenu::itemsWithoutExtras + 3);
   EXPECT_EQ(entry(quit).text().toStdString(), "Extra");
   EXPECT_TRUE(entry(quit).shortcut().isEmpty());
   EXPECT_EQ(entry(quit + 3).text().toStdString(), "Quit");
   sample_->extraItems = 0;
-  translation_->update();
+  menu_->update();
   ASSERT_EQ(translation_->qtMenu().actions().size(), SampleMenu::itemsWithoutExtras);
   EXPECT_EQ(entry(quit).text().toStdString(), "Quit");
 }
 
 TEST_F(QtMenuTranslationTest, ATitleThatChangesIsShownWhenAsked) {
   sample_->statusLine.lock()->title = "On & on";
-  translation_->showTitles();
+  menu_->itemsDidChange();
   EXPECT_EQ(entry(statusLine).text().toStdString(), "On && on");
 }
 
 TEST_F(QtMenuTranslationTest, AnItemOfAnEarlierBuildChangesNothing) {
   const auto former = sample_->statusLine.lock();
-  translation_->update();
+  menu_->update();
   former->title = "Outdated";
-  translation_->showTitles();
+  menu_->itemsDidChange();
   EXPECT_EQ(entry(statusLine).text().toStdString(), "Checking…");
 }
 
@@ -136,19 +140,22 @@ TEST_F(QtMenuTranslationTest, AnActionRunsFromTheEventLoopAndTheMenuIsFreshAfter
 TEST_F(QtMenuTranslationTest, AnActionThatWasChosenRunsOnceThoughTheMenuIsRebuiltMeanwhile) {
   int chosen = 0;
   sample_->commandChosen = [&chosen] { ++chosen; };
-  translation_->update();
+  menu_->update();
   entry(command).trigger();
-  translation_->update();
+  menu_->update();
   QCoreApplication::processEvents();
   EXPECT_EQ(chosen, 1);
 }
 
-TEST_F(QtMenuTranslationTest, AnActionMayDestroyTheTranslation) {
-  sample_->commandChosen = [this] { translation_.reset(); };
+TEST_F(QtMenuTranslationTest, AnActionMayDestroyTheMenu) {
+  sample_->commandChosen = [this] {
+    translation_.reset();
+    menu_.reset();
+  };
   entry(command).trigger();
   const int rebuilds = sample_->rebuilds;
   QCoreApplication::processEvents();
-  EXPECT_FALSE(translation_);
+  EXPECT_FALSE(menu_);
   EXPECT_EQ(sample_->rebuilds, rebuilds);
 }
 
@@ -164,7 +171,7 @@ TEST_F(QtMenuTranslationTest, AnActionThatTerminatesTheApplicationIsNotFollowedB
 TEST_F(QtMenuTranslationTest, AMenuThatEnablesItsItemsEnablesThoseWithAnAction) {
   sample_->menu->autoenablesItems = true;
   sample_->isOn = false;
-  translation_->update();
+  menu_->update();
   EXPECT_TRUE(entry(command).isEnabled());
   EXPECT_FALSE(entry(statusLine).isEnabled());
 }

@@ -4,10 +4,12 @@
 
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
 #include <QTemporaryDir>
 #include <optional>
 
 #include "Platform/Linux/StatusItem/QtStatusBar.h"
+#include "Platform/Linux/StatusItem/SymbolIcons.h"
 #include "Tests/Support/FakePanel.h"
 #include "Tests/Support/FakeXEmbedTray.h"
 #include "Tests/Support/PrivateDesktop.h"
@@ -52,8 +54,14 @@ class StatusNotifierItemTest : public ::testing::Test {
     return true;
   }
 
+  void call(const char* method, const QVariantList& arguments) const {
+    bus_.call({shown_->service(), "/StatusNotifierItem", itemInterface, method}, arguments);
+  }
+
   InstalledIcons icons_{true};
-  QtStatusBar bar_{[] { return false; }};
+  BusConnection bus_{sessionBusAddress()};
+  int missingTrays_ = 0;
+  QtStatusBar bar_{[] { return false; }, [this] { ++missingTrays_; }};
   std::unique_ptr<StatusItem> item_;
   std::optional<TrayItem> shown_;
 };
@@ -118,20 +126,55 @@ TEST_F(ShownStatusNotifierItemTest, IsKnownByTheApplicationsName) {
   EXPECT_EQ(shown_->text("Title"), "Zephlin");
 }
 
-TEST_F(ShownStatusNotifierItemTest, NamesItsIconIfItIsInstalledAndSendsNoPicture) {
-  EXPECT_EQ(shown_->text("IconName"), "zephlin-capslock-symbolic");
-  for (const int width : shown_->pictureWidths()) {
-    EXPECT_EQ(width, 0);
+TEST_F(ShownStatusNotifierItemTest, IsAMenuToPanelsAndHasNothingToActivate) {
+  EXPECT_TRUE(shown_->property("ItemIsMenu").toBool());
+  EXPECT_EQ(shown_->text("Status"), "Active");
+  for (const char* method : {"Activate", "ContextMenu"}) {
+    EXPECT_THROW(call(method, {10, 10}), std::runtime_error) << method;
   }
+  call("SecondaryActivate", {10, 10});
+  call("Scroll", {120, "vertical"});
+  EXPECT_TRUE(QGuiApplication::allWindows().isEmpty());
 }
 
-TEST_F(StatusNotifierItemTest, SendsPicturesIfItsIconIsNotInstalled) {
+TEST_F(ShownStatusNotifierItemTest, NamesItsIconIfItIsInstalledAndSendsPicturesToo) {
+  EXPECT_EQ(shown_->text("IconName"), "zephlin-capslock-symbolic");
+  EXPECT_EQ(shown_->pictureWidths(), (std::vector<int>{22, 44}));
+}
+
+TEST_F(StatusNotifierItemTest, SendsOnlyPicturesIfItsIconIsNotInstalled) {
   const InstalledIcons none(false);
   FakePanel panel;
   makeItem();
   ASSERT_TRUE(appearsIn(panel));
   EXPECT_EQ(shown_->text("IconName"), "");
-  EXPECT_EQ(shown_->pictureWidths(), (std::vector<int>{16, 22, 24, 32, 48, 64}));
+  EXPECT_EQ(shown_->pictureWidths(), (std::vector<int>{22, 44}));
+  EXPECT_EQ(shown_->pictures()[0].pixels, symbolPicture("zephlin-capslock-symbolic", 22));
+}
+
+TEST_F(StatusNotifierItemTest, LeavesAnXEmbedTrayForAPanelThatComesLater) {
+  FakeXEmbedTray xembedTray;
+  makeItem();
+  ASSERT_TRUE(eventually([&xembedTray] { return xembedTray.hasIcon(); }));
+  std::optional<FakePanel> panel(std::in_place);
+  ASSERT_TRUE(appearsIn(*panel));
+  EXPECT_TRUE(QGuiApplication::allWindows().isEmpty());
+  panel.reset();
+  EXPECT_TRUE(eventually([] { return !QGuiApplication::allWindows().isEmpty(); }));
+}
+
+TEST_F(StatusNotifierItemTest, ReportsOnceThatThereIsNoTray) {
+  makeItem();
+  ASSERT_TRUE(eventually([this] { return missingTrays_ == 1; }));
+  FakePanel panel;
+  EXPECT_TRUE(appearsIn(panel));
+}
+
+TEST_F(StatusNotifierItemTest, ReportsNothingInATray) {
+  FakePanel panel;
+  makeItem();
+  runLoopFor(QtStatusBar::patience + std::chrono::milliseconds(100));
+  EXPECT_EQ(missingTrays_, 0);
 }
 
 TEST_F(ShownStatusNotifierItemTest, KeepsItsPlaceWithoutAnImage) {

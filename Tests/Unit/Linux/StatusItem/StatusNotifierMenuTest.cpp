@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <QDBusArgument>
+#include <optional>
 
 #include "Platform/Linux/StatusItem/QtStatusBar.h"
+#include "Platform/Linux/StatusItem/StatusNotifierTypes.h"
 #include "Tests/Support/FakePanel.h"
 #include "Tests/Support/QtLoop.h"
 #include "Tests/Support/TrayItem.h"
@@ -32,8 +34,13 @@ class StatusNotifierMenuTest : public ::testing::Test {
     return entries;
   }
 
+  QVariantList call(const char* method, const QVariantList& arguments) const {
+    return bus_.call({shown_->service(), "/MenuBar", menuInterface, method}, arguments);
+  }
+
   FakePanel panel_;
-  QtStatusBar bar_{[] { return false; }};
+  BusConnection bus_{sessionBusAddress()};
+  QtStatusBar bar_{[] { return false; }, [] {}};
   std::shared_ptr<SampleMenu> sample_ = SampleMenu::make();
   std::unique_ptr<StatusItem> item_;
   std::unique_ptr<TrayItem> shown_;
@@ -141,6 +148,110 @@ TEST_F(StatusNotifierMenuTest, TheItemMayBeDestroyedByAnEntry) {
   shown_->click(shown_->entries()[4].id);
   EXPECT_TRUE(eventually([this] { return !panel_.isItemOnBus(); }));
   EXPECT_FALSE(item_);
+}
+
+constexpr int noSuchEntry = 4711;
+
+TEST_F(StatusNotifierMenuTest, AnUnderscoreInATitleIsNoMnemonic) {
+  sample_->status = "snake_case";
+  shown_->aboutToShow();
+  EXPECT_EQ(shown_->entries()[1].label(), "snake__case");
+}
+
+TEST_F(StatusNotifierMenuTest, APanelLearnsWhetherItHasToReadTheLayoutAgain) {
+  EXPECT_EQ(call("AboutToShow", {0}), QVariantList{false});
+  sample_->isOn = false;
+  EXPECT_EQ(call("AboutToShow", {0}), QVariantList{false});
+  sample_->extraItems = 2;
+  EXPECT_EQ(call("AboutToShow", {0}), QVariantList{true});
+  EXPECT_EQ(shown_->signalsSent("LayoutUpdated"), 1);
+  EXPECT_EQ(shown_->entries().size(), 8U);
+}
+
+TEST_F(StatusNotifierMenuTest, ACommandThatTakesASwitchsPlaceIsAnotherEntry) {
+  const int before = shown_->entries()[3].id;
+  sample_->isSwitchThere = false;
+  shown_->aboutToShow();
+  EXPECT_EQ(shown_->entries()[3].label(), "Command");
+  EXPECT_FALSE(shown_->entries()[3].isCheckable());
+  EXPECT_NE(shown_->entries()[3].id, before);
+}
+
+TEST_F(StatusNotifierMenuTest, ItIsReadInParts) {
+  const int id = shown_->entries()[3].id;
+  const QStringList names{"label", "no such property"};
+  const auto rows = qdbus_cast<QList<MenuEntryProperties>>(
+      call("GetGroupProperties", {QVariant::fromValue(QList<int>{id, noSuchEntry}), names})[0]);
+  ASSERT_EQ(rows.size(), 1);
+  EXPECT_EQ(rows[0].id, id);
+  EXPECT_EQ(rows[0].properties, (QVariantMap{{"label", "Switch"}}));
+  const auto everything = qdbus_cast<QList<MenuEntryProperties>>(
+      call("GetGroupProperties", {QVariant::fromValue(QList<int>()), QStringList()})[0]);
+  EXPECT_EQ(everything.size(), 6);
+  const auto property = call("GetProperty", {id, "toggle-state"})[0].value<QDBusVariant>();
+  EXPECT_EQ(property.variant(), 1);
+  const auto layout =
+      qdbus_cast<MenuLayout>(call("GetLayout", {id, -1, QStringList{"toggle-type"}})[1]);
+  EXPECT_EQ(layout.id, id);
+  EXPECT_EQ(layout.properties, (QVariantMap{{"toggle-type", "checkmark"}}));
+  EXPECT_TRUE(layout.children.isEmpty());
+  EXPECT_TRUE(
+      qdbus_cast<MenuLayout>(call("GetLayout", {0, 0, QStringList()})[1]).children.isEmpty());
+}
+
+TEST_F(StatusNotifierMenuTest, EventsInAGroupAreObeyedAndUnknownOnesNamed) {
+  const int id = shown_->entries()[3].id;
+  const QList<MenuEvent> events{{id, "clicked", QDBusVariant(0), 0},
+                                {noSuchEntry, "clicked", QDBusVariant(0), 0}};
+  EXPECT_EQ(qdbus_cast<QList<int>>(call("EventGroup", {QVariant::fromValue(events)})[0]),
+            QList<int>{noSuchEntry});
+  EXPECT_TRUE(eventually([this] { return sample_->switchings == 1; }));
+  const QVariantList reply =
+      call("AboutToShowGroup", {QVariant::fromValue(QList<int>{0, noSuchEntry})});
+  EXPECT_TRUE(qdbus_cast<QList<int>>(reply[0]).isEmpty());
+  EXPECT_EQ(qdbus_cast<QList<int>>(reply[1]), QList<int>{noSuchEntry});
+}
+
+TEST_F(StatusNotifierMenuTest, CallersThatAreWrongGetAnError) {
+  const int id = shown_->entries()[3].id;
+  const QVariant nothing = QVariant::fromValue(QDBusVariant(0));
+  EXPECT_THROW(call("GetLayout", {noSuchEntry, -1, QStringList()}), std::runtime_error);
+  EXPECT_THROW(call("GetLayout", {"0", -1, QStringList()}), std::runtime_error);
+  EXPECT_THROW(call("GetLayout", {}), std::runtime_error);
+  EXPECT_THROW(call("GetGroupProperties", {QStringList(), QStringList()}), std::runtime_error);
+  EXPECT_THROW(call("GetProperty", {noSuchEntry, "label"}), std::runtime_error);
+  EXPECT_THROW(call("GetProperty", {id, "no such property"}), std::runtime_error);
+  EXPECT_THROW(call("Event", {noSuchEntry, "clicked", nothing, 0U}), std::runtime_error);
+  EXPECT_THROW(call("Event", {id, "clicked", 0, 0U}), std::runtime_error);
+  EXPECT_THROW(call("Event", {id}), std::runtime_error);
+  EXPECT_THROW(call("EventGroup", {QVariantList{id}}), std::runtime_error);
+  EXPECT_THROW(call("AboutToShow", {-1}), std::runtime_error);
+  EXPECT_THROW(call("AboutToShow", {"0"}), std::runtime_error);
+  EXPECT_THROW(call("deleteLater", {}), std::runtime_error);
+  call("Event", {id, "no such event", nothing, 0U});
+  EXPECT_EQ(shown_->entries().size(), 6U);
+  EXPECT_EQ(sample_->switchings, 0);
+}
+
+TEST_F(StatusNotifierMenuTest, AnEntryThatIsNotEnabledCannotBeChosen) {
+  bool isChosen = false;
+  sample_->commandChosen = [&isChosen] { isChosen = true; };
+  sample_->isOn = false;
+  shown_->aboutToShow();
+  shown_->click(shown_->entries()[4].id);
+  shown_->click(shown_->entries()[2].id);
+  shown_->click(shown_->entries()[3].id);
+  ASSERT_TRUE(eventually([this] { return sample_->switchings == 1; }));
+  EXPECT_FALSE(isChosen);
+}
+
+TEST_F(StatusNotifierMenuTest, TheReplyToAClickDoesNotWaitForTheAction) {
+  std::optional<QDBusPendingCall> click;
+  bool wasAnswered = false;
+  sample_->commandChosen = [&] { wasAnswered = eventually([&] { return click->isFinished(); }); };
+  click = bus_.get().asyncCall(messageFor({shown_->service(), "/MenuBar", menuInterface, "Event"},
+                                          eventArguments(shown_->entries()[4].id, "clicked")));
+  EXPECT_TRUE(eventually([&wasAnswered] { return wasAnswered; }));
 }
 
 }  // namespace

@@ -2,7 +2,10 @@
 
 #include <QFile>
 #include <QImage>
+#include <QPainter>
 #include <QSvgRenderer>
+#include <algorithm>
+#include <cmath>
 
 #include "Platform/Linux/StatusItem/QtStatusBar.h"
 #include "Platform/Linux/StatusItem/SymbolIcons.h"
@@ -28,6 +31,24 @@ double coverage(const QImage& image) {
   }
   return painted / (image.width() * image.height());
 }
+
+/// WCAG 2.1's relative luminance.
+double luminance(const QColor& colour) {
+  const auto linear = [](double component) {
+    return component <= 0.03928 ? component / 12.92 : std::pow((component + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+         0.0722 * linear(colour.blueF());
+}
+
+double contrast(const QColor& one, const QColor& other) {
+  const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
+  return (lighter + 0.05) / (darker + 0.05);
+}
+
+/// Black, white, and the panels of Breeze, Adwaita and waybar's own style, dark and light.
+const QColor panels[] = {"#000000", "#202020", "#2a2e32", "#2d2d2d", "#2b303b", "#333333",
+                         "#e4e4e4", "#eff0f1", "#ebebeb", "#f6f5f4", "#ffffff"};
 
 /// At parts of the width and height.
 bool isPainted(const QImage& image, double x, double y) {
@@ -75,6 +96,46 @@ TEST(SymbolIcons, DrawnIconsHaveTheColourThatIsAskedFor) {
   EXPECT_EQ(QColor(image.pixel(16, 12)), green);
 }
 
+TEST(SymbolIcons, ThePicturesForPanelsAreLegibleOnLightAndDarkPanels) {
+  for (const char* symbol : {"capslock", "capslock.fill", "exclamationmark.triangle"}) {
+    for (const int size : {22, 44}) {
+      const QByteArray pixels = symbolPicture(iconNameOf(symbol), size);
+      ASSERT_EQ(pixels.size(), size * size * 4) << symbol;
+      double painted = 0;
+      for (qsizetype pixel = 0; pixel < pixels.size(); pixel += 4) {
+        const auto component = [&](int index) {
+          return static_cast<unsigned char>(pixels[pixel + index]);
+        };
+        painted += component(0) / 255.0;
+        for (const QColor& panel : panels) {
+          ASSERT_GE(contrast(QColor(component(1), component(2), component(3)), panel), 3)
+              << panel.name().toStdString();
+        }
+      }
+      EXPECT_NEAR(painted / (size * size), coverage(drawn(symbol, size)), 0.01) << symbol << size;
+    }
+  }
+}
+
+TEST(SymbolIcons, ThePictureWithoutASymbolIsTransparent) {
+  EXPECT_EQ(symbolPicture(std::nullopt, 22), QByteArray(22 * 22 * 4, '\0'));
+}
+
+TEST(SymbolIcons, TheFilesAreLegibleInPanelsThatDoNotRecolourThem) {
+  for (const char* symbol : {"capslock", "capslock.fill", "exclamationmark.triangle"}) {
+    QSvgRenderer renderer(QStringLiteral(ICONS "/%1.svg").arg(iconNameOf(symbol).value()));
+    QImage image(64, 64, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    renderer.render(&painter);
+    const QColor colour = image.pixelColor(32, 57);
+    EXPECT_EQ(colour.alpha(), 255) << symbol;
+    for (const QColor& panel : panels) {
+      EXPECT_GE(contrast(colour, panel), 3) << symbol << panel.name().toStdString();
+    }
+  }
+}
+
 TEST(SymbolIcons, PanelsOfBothKindsFindWhatTheyRecolour) {
   for (const char* symbol : {"capslock", "capslock.fill", "exclamationmark.triangle"}) {
     QFile file(QStringLiteral(ICONS "/%1.svg").arg(iconNameOf(symbol).value()));
@@ -97,14 +158,14 @@ TEST(SymbolIcons, AnUnknownSymbolHasNoIcon) {
 }
 
 TEST(QtStatusBarTest, KnowsExactlyTheSymbolsThatHaveAnIcon) {
-  QtStatusBar bar([] { return false; });
+  QtStatusBar bar([] { return false; }, [] {});
   EXPECT_EQ(bar.systemSymbol("capslock", "Zephlin"), (SymbolImage{"capslock", "Zephlin", false}));
   EXPECT_FALSE(bar.systemSymbol("", "Zephlin"));
   EXPECT_FALSE(bar.systemSymbol("zephlin-capslock-symbolic", "Zephlin"));
 }
 
 TEST(QtStatusBarTest, AnItemHasNoButtonWithoutADisplay) {
-  QtStatusBar bar([] { return false; });
+  QtStatusBar bar([] { return false; }, [] {});
   const auto item = bar.makeStatusItem();
   EXPECT_FALSE(item->hasButton());
   item->setButtonImage(bar.systemSymbol("capslock", "Zephlin"));
