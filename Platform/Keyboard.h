@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <variant>
 
+#include "Platform/Dispatch.h"
 #include "Platform/Observation.h"
 
 namespace zephlin {
@@ -14,6 +16,26 @@ using ModifierFlags = std::uint64_t;
 constexpr ModifierFlags modifierCapsLock = 1U << 16U;
 constexpr ModifierFlags modifierShift = 1U << 17U;
 constexpr ModifierFlags modifierCommand = 1U << 20U;
+
+/// When something happened to a keyboard, on a clock that all keyboard events of a desktop share.
+/// On a desktop without a clock of that kind, Clock's time when the event is delivered.
+using EventTime = Seconds;
+
+/// A key goes down or comes up.
+struct KeyEvent {
+  bool isDown = false;
+  EventTime time{};
+  bool operator==(const KeyEvent&) const = default;
+};
+
+/// The modifier flags as they are from now on.
+struct FlagsEvent {
+  ModifierFlags flags = 0;
+  /// When they changed. Absent if this is not a change but the flags as they were found, when
+  /// listening began or after a time in which changes could not be seen.
+  std::optional<EventTime> changeTime;
+  bool operator==(const FlagsEvent&) const = default;
+};
 
 /// Input devices. Main thread; so are the callbacks.
 class HidDevices {
@@ -29,18 +51,18 @@ class HidDevices {
   /// is modal; a menu that another process shows, as panels do on Linux, holds nothing back. On
   /// failure, returns the platform's error code.
   virtual std::variant<std::unique_ptr<Observation>, std::int32_t> openCapsLockKey(
-      std::function<void(bool isDown)> callback) = 0;
+      std::function<void(const KeyEvent&)> callback) = 0;
 };
 
 /// The desktop's keyboard events. Main thread; so are the callbacks.
 class EventTaps {
  public:
   virtual ~EventTaps() = default;
-  /// Calls back with the new modifier flags each time they change, without altering any event.
+  /// Calls back each time the modifier flags change, without altering any event.
   /// Input is held back as in HidDevices::openCapsLockKey. If the system disables the tap, the
   /// calls end; it is not enabled again. Null if the user has not allowed it.
   virtual std::unique_ptr<Observation> listenToFlagsChanged(
-      std::function<void(ModifierFlags flags)> callback) = 0;
+      std::function<void(const FlagsEvent&)> callback) = 0;
   /// The keyboard's present flags.
   virtual ModifierFlags currentModifierFlags() = 0;
 };

@@ -46,9 +46,9 @@ void TapTestController::startMonitoring() {
 }
 
 void TapTestController::startPressMonitor() {
-  auto opened = platform_.hidDevices().openCapsLockKey([this](bool isDown) {
-    if (isDown) {
-      registerPress();
+  auto opened = platform_.hidDevices().openCapsLockKey([this](const KeyEvent& event) {
+    if (event.isDown) {
+      registerPress(event.time);
     }
   });
   if (const auto* code = std::get_if<std::int32_t>(&opened)) {
@@ -60,7 +60,7 @@ void TapTestController::startPressMonitor() {
 
 bool TapTestController::startToggleTap() {
   auto tap = platform_.eventTaps().listenToFlagsChanged(
-      [this](ModifierFlags flags) { registerCapsState(hasCapsLock(flags), tapCapsState_); });
+      [this](const FlagsEvent& event) { registerCapsState(event, tapCapsState_); });
   if (!tap) {
     platform_.systemLog()->log(
         "Zephlin: could not create flagsChanged event tap, falling back to polling");
@@ -74,7 +74,8 @@ void TapTestController::startTogglePolling() {
   pollTimer_ =
       platform_.dispatch().scheduleTimer(pollInterval, Seconds::zero(), [weak = weak_from_this()] {
         if (const auto self = weak.lock()) {
-          self->registerCapsState(hasCapsLock(self->platform_.eventTaps().currentModifierFlags()),
+          self->registerCapsState({self->platform_.eventTaps().currentModifierFlags(),
+                                   self->platform_.clock().now().time_since_epoch()},
                                   self->polledCapsState_);
         }
       });
@@ -88,21 +89,22 @@ void TapTestController::stopMonitoring() {
   tapCapsState_.reset();
 }
 
-void TapTestController::registerPress() {
+void TapTestController::registerPress(EventTime time) {
   pressCount_ = checkedSum(pressCount_, 1);
-  lastPressTime_ = platform_.clock().now();
+  lastPressTime_ = time;
   refreshLabels();
 }
 
-void TapTestController::registerCapsState(bool isOn, RememberedState& channel) {
+void TapTestController::registerCapsState(const FlagsEvent& event, RememberedState& channel) {
+  const bool isOn = hasCapsLock(event.flags);
   // The first observation only sets the baseline.
-  if (!channel || *channel == isOn) {
+  if (!event.changeTime || !channel || *channel == isOn) {
     channel = isOn;
     return;
   }
   toggleCount_ = checkedSum(toggleCount_, 1);
   if (lastPressTime_) {
-    const Milliseconds elapsed = platform_.clock().now() - *lastPressTime_;
+    const Milliseconds elapsed = *event.changeTime - *lastPressTime_;
     if (elapsed < maximumLatency) {
       lastLatencyMS_ = std::llround(elapsed.count());
     }

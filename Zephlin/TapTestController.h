@@ -45,8 +45,8 @@ class TapTestController : public WindowDelegate,
   bool startToggleTap();
   void startTogglePolling();
   void stopMonitoring();
-  void registerPress();
-  void registerCapsState(bool isOn, RememberedState& channel);
+  void registerPress(EventTime time);
+  void registerCapsState(const FlagsEvent& event, RememberedState& channel);
   void clearCounts();
   void refreshLabels();
   void refreshVerdict();
@@ -69,7 +69,7 @@ class TapTestController : public WindowDelegate,
   std::shared_ptr<Label> channelNoteLabel_;
   std::int64_t pressCount_ = 0;
   std::int64_t toggleCount_ = 0;
-  std::optional<WallTime> lastPressTime_;
+  std::optional<EventTime> lastPressTime_;
   std::optional<std::int64_t> lastLatencyMS_;
   std::unique_ptr<Observation> hidManager_;
   std::unique_ptr<Observation> eventTap_;

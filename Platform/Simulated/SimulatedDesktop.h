@@ -106,8 +106,8 @@ class SimulatedDesktop final : public Platform {
   SimulatedStatusBar statusBar_{application_, tracking_};
   SimulatedAlerts alerts_{*loop_, tracking_};
   SimulatedWindows windows_;
-  SimulatedHidDevices hidDevices_{dispatch_.mainQueue(), tracking_};
-  SimulatedEventTaps eventTaps_{tracking_};
+  SimulatedHidDevices hidDevices_{dispatch_.mainQueue(), tracking_, clock_};
+  SimulatedEventTaps eventTaps_{tracking_, clock_};
   SimulatedLoginService loginService_;
   SimulatedUpdaters updaters_;
   SimulatedKeyboards keyboards_;

@@ -11,7 +11,7 @@ std::unique_ptr<Observation> SimulatedHidDevices::observeDeviceAppeared(
 }
 
 std::variant<std::unique_ptr<Observation>, std::int32_t> SimulatedHidDevices::openCapsLockKey(
-    std::function<void(bool isDown)> callback) {
+    std::function<void(const KeyEvent&)> callback) {
   if (openingFailure_) {
     return *openingFailure_;
   }
@@ -24,12 +24,12 @@ void SimulatedHidDevices::announceAppeared() {
 
 void SimulatedHidDevices::moveCapsLockKey(bool isDown) {
   if (!tracking_.holdsInputBack()) {
-    inputs_.notification(isDown)();
+    inputs_.notification({isDown, clock_.now().time_since_epoch()})();
   }
 }
 
 std::unique_ptr<Observation> SimulatedEventTaps::listenToFlagsChanged(
-    std::function<void(ModifierFlags flags)> callback) {
+    std::function<void(const FlagsEvent&)> callback) {
   if (!allowed_) {
     return nullptr;
   }
@@ -39,8 +39,13 @@ std::unique_ptr<Observation> SimulatedEventTaps::listenToFlagsChanged(
 void SimulatedEventTaps::setFlags(ModifierFlags flags) {
   flags_ = flags;
   if (!tracking_.holdsInputBack()) {
-    taps_.notification(flags)();
+    taps_.notification({flags, clock_.now().time_since_epoch()})();
   }
+}
+
+void SimulatedEventTaps::findFlags(ModifierFlags flags) {
+  flags_ = flags;
+  taps_.notification({flags, std::nullopt})();
 }
 
 void SimulatedCapsLockKey::press(bool registers) {

@@ -24,12 +24,13 @@ struct SimulatedTracking {
 
 class SimulatedHidDevices final : public HidDevices {
  public:
-  SimulatedHidDevices(std::shared_ptr<MainQueue> mainQueue, const SimulatedTracking& tracking)
-      : mainQueue_(std::move(mainQueue)), tracking_(tracking) {}
+  SimulatedHidDevices(std::shared_ptr<MainQueue> mainQueue, const SimulatedTracking& tracking,
+                      const Clock& clock)
+      : mainQueue_(std::move(mainQueue)), tracking_(tracking), clock_(clock) {}
 
   std::unique_ptr<Observation> observeDeviceAppeared(std::function<void()> callback) override;
   std::variant<std::unique_ptr<Observation>, std::int32_t> openCapsLockKey(
-      std::function<void(bool isDown)> callback) override;
+      std::function<void(const KeyEvent&)> callback) override;
 
   /// From now on devices cannot be observed, or can again.
   void setObservable(bool observable) { observable_ = observable; }
@@ -47,18 +48,20 @@ class SimulatedHidDevices final : public HidDevices {
  private:
   std::shared_ptr<MainQueue> mainQueue_;
   const SimulatedTracking& tracking_;
+  const Clock& clock_;
   bool observable_ = true;
   std::optional<std::int32_t> openingFailure_;
   ObserverList<> appeared_;
-  ObserverList<bool> inputs_;
+  ObserverList<KeyEvent> inputs_;
 };
 
 class SimulatedEventTaps final : public EventTaps {
  public:
-  explicit SimulatedEventTaps(const SimulatedTracking& tracking) : tracking_(tracking) {}
+  SimulatedEventTaps(const SimulatedTracking& tracking, const Clock& clock)
+      : tracking_(tracking), clock_(clock) {}
 
   std::unique_ptr<Observation> listenToFlagsChanged(
-      std::function<void(ModifierFlags flags)> callback) override;
+      std::function<void(const FlagsEvent&)> callback) override;
   ModifierFlags currentModifierFlags() override { return flags_; }
 
   /// From now on no tap is given, or is again.
@@ -66,14 +69,17 @@ class SimulatedEventTaps final : public EventTaps {
 
   /// Makes these the current flags and delivers the event, unless input is held back.
   void setFlags(ModifierFlags flags);
+  /// Makes these the current flags while changes cannot be seen, and delivers them as found.
+  void findFlags(ModifierFlags flags);
 
   [[nodiscard]] std::size_t openTaps() const { return taps_.count(); }
 
  private:
   const SimulatedTracking& tracking_;
+  const Clock& clock_;
   bool allowed_ = true;
   ModifierFlags flags_ = 0;
-  ObserverList<ModifierFlags> taps_;
+  ObserverList<FlagsEvent> taps_;
 };
 
 /// The Caps Lock key and its neighbours under a user's fingers.

@@ -4,6 +4,7 @@
 #include <utility>
 
 #import "Platform/macOS/MacKeyboard.h"
+#import "Platform/macOS/MacServices.h"
 #import "Platform/macOS/Retained.h"
 
 namespace zephlin {
@@ -14,7 +15,7 @@ namespace {
 /// the main run loop.
 class EventTap final : public Observation {
  public:
-  using Callback = std::function<void(ModifierFlags flags)>;
+  using Callback = std::function<void(const FlagsEvent&)>;
 
   explicit EventTap(Callback callback) : callback_(std::move(callback)) {}
   EventTap(const EventTap&) = delete;
@@ -61,7 +62,7 @@ CGEventRef EventTap::eventArrived(CGEventTapProxy proxy, CGEventType type, CGEve
   if (context != nullptr && type == kCGEventFlagsChanged) {
     // A copy, since the call may end the tap.
     const Callback callback = static_cast<EventTap*>(context)->callback_;
-    callback(CGEventGetFlags(event));
+    callback({CGEventGetFlags(event), MacClock().now().time_since_epoch()});
   }
   return event;
 }
@@ -69,7 +70,7 @@ CGEventRef EventTap::eventArrived(CGEventTapProxy proxy, CGEventType type, CGEve
 }  // namespace
 
 std::unique_ptr<Observation> MacEventTaps::listenToFlagsChanged(
-    std::function<void(ModifierFlags flags)> callback) {
+    std::function<void(const FlagsEvent&)> callback) {
   auto tap = std::make_unique<EventTap>(std::move(callback));
   if (!tap->install()) {
     return nullptr;

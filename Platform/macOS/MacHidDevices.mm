@@ -7,6 +7,7 @@
 #include <utility>
 
 #import "Platform/macOS/MacKeyboard.h"
+#import "Platform/macOS/MacServices.h"
 #import "Platform/macOS/Retained.h"
 
 namespace zephlin {
@@ -93,7 +94,8 @@ CFDictionaryRef matchingDictionary(NSString* pageKey, int page, NSString* usageK
 /// A HID manager. It holds a plain pointer to this, and calls only while it is scheduled.
 class HidInput final : public Observation {
  public:
-  explicit HidInput(std::function<void(bool isDown)> callback) : callback_(std::move(callback)) {}
+  explicit HidInput(std::function<void(const KeyEvent&)> callback)
+      : callback_(std::move(callback)) {}
   HidInput(const HidInput&) = delete;
   HidInput& operator=(const HidInput&) = delete;
   ~HidInput() override;
@@ -104,7 +106,7 @@ class HidInput final : public Observation {
   static void valueArrived(void* context, IOReturn result, void* sender, IOHIDValueRef value);
   void unschedule();
 
-  std::function<void(bool isDown)> callback_;
+  std::function<void(const KeyEvent&)> callback_;
   Retained<IOHIDManagerRef> manager_;
   bool isOpen_ = false;
 };
@@ -147,7 +149,7 @@ void HidInput::valueArrived(void* context, IOReturn result, void* sender, IOHIDV
   }
   // A copy, since the call may end the observation.
   const auto callback = static_cast<HidInput*>(context)->callback_;
-  callback(IOHIDValueGetIntegerValue(value) != 0);
+  callback({IOHIDValueGetIntegerValue(value) != 0, MacClock().now().time_since_epoch()});
 }
 
 }  // namespace
@@ -161,7 +163,7 @@ std::unique_ptr<Observation> MacHidDevices::observeDeviceAppeared(std::function<
 }
 
 std::variant<std::unique_ptr<Observation>, std::int32_t> MacHidDevices::openCapsLockKey(
-    std::function<void(bool isDown)> callback) {
+    std::function<void(const KeyEvent&)> callback) {
   auto input = std::make_unique<HidInput>(std::move(callback));
   if (const IOReturn result = input->open(); result != kIOReturnSuccess) {
     return result;

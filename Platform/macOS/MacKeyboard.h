@@ -16,14 +16,14 @@ class MacHidDevices final : public HidDevices {
   /// On failure, the IOReturn of IOHIDManagerOpen: kIOReturnNotPermitted (0xe00002e2) if the
   /// user has not allowed Input Monitoring.
   std::variant<std::unique_ptr<Observation>, std::int32_t> openCapsLockKey(
-      std::function<void(bool isDown)> callback) override;
+      std::function<void(const KeyEvent&)> callback) override;
 };
 
 /// Quartz event taps of the login session.
 class MacEventTaps final : public EventTaps {
  public:
   std::unique_ptr<Observation> listenToFlagsChanged(
-      std::function<void(ModifierFlags flags)> callback) override;
+      std::function<void(const FlagsEvent&)> callback) override;
   ModifierFlags currentModifierFlags() override;
 };
 

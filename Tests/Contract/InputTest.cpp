@@ -1,3 +1,4 @@
+#include <optional>
 #include <variant>
 
 #include "Tests/Contract/ContractTest.h"
@@ -9,13 +10,13 @@ using Values = std::vector<bool>;
 
 class InputTest : public ContractTest {
  protected:
-  std::unique_ptr<Observation> open(std::function<void(bool isDown)> callback) {
+  std::unique_ptr<Observation> open(std::function<void(const KeyEvent&)> callback) {
     auto opened = platform().hidDevices().openCapsLockKey(std::move(callback));
     EXPECT_TRUE(std::holds_alternative<std::unique_ptr<Observation>>(opened));
     return std::move(std::get<std::unique_ptr<Observation>>(opened));
   }
 
-  std::unique_ptr<Observation> listen(std::function<void(ModifierFlags flags)> callback) {
+  std::unique_ptr<Observation> listen(std::function<void(const FlagsEvent&)> callback) {
     return platform().eventTaps().listenToFlagsChanged(std::move(callback));
   }
 
@@ -33,7 +34,7 @@ class InputTest : public ContractTest {
 
 TEST_F(InputTest, ThePressChannelTellsDownAndUpInOrder) {
   Values values;
-  const auto key = open([&](bool isDown) { values.push_back(isDown); });
+  const auto key = open([&](const KeyEvent& event) { values.push_back(event.isDown); });
   tapCapsLock();
   tapCapsLock();
   EXPECT_TRUE(runUntil([&] { return values.size() >= 4; }));
@@ -43,9 +44,9 @@ TEST_F(InputTest, ThePressChannelTellsDownAndUpInOrder) {
 
 TEST_F(InputTest, TheEventTapTellsEachToggle) {
   std::vector<bool> states;
-  const auto tap = listen([&](ModifierFlags flags) {
-    const bool isOn = (flags & modifierCapsLock) != 0;
-    if (states.empty() || states.back() != isOn) {
+  const auto tap = listen([&](const FlagsEvent& event) {
+    const bool isOn = (event.flags & modifierCapsLock) != 0;
+    if (event.changeTime && (states.empty() || states.back() != isOn)) {
       states.push_back(isOn);
     }
   });
@@ -59,11 +60,31 @@ TEST_F(InputTest, TheEventTapTellsEachToggle) {
   EXPECT_EQ(states, (std::vector<bool>{true, false}));
 }
 
+TEST_F(InputTest, ATogglesTimeIsNotBeforeThatOfItsPress) {
+  std::optional<EventTime> press;
+  std::optional<EventTime> toggle;
+  const auto key = open([&](const KeyEvent& event) {
+    if (event.isDown) {
+      press = event.time;
+    }
+  });
+  const auto tap = listen([&](const FlagsEvent& event) {
+    if (event.changeTime) {
+      toggle = event.changeTime;
+    }
+  });
+  tapCapsLock();
+  EXPECT_TRUE(runUntil([&] { return press && toggle; }));
+  EXPECT_GE(*toggle, *press);
+  EXPECT_LT(*toggle - *press, Seconds(1));
+  tapCapsLock();
+}
+
 TEST_F(InputTest, NothingIsDeliveredDuringAModalAlert) {
   Values values;
   int changes = 0;
-  const auto key = open([&](bool isDown) { values.push_back(isDown); });
-  const auto tap = listen([&](ModifierFlags) { ++changes; });
+  const auto key = open([&](const KeyEvent& event) { values.push_back(event.isDown); });
+  const auto tap = listen([&](const FlagsEvent& event) { changes += event.changeTime ? 1 : 0; });
   mainQueue()->post([&] {
     tapCapsLock();
     settle();
@@ -83,8 +104,8 @@ TEST_F(InputTest, NothingIsDeliveredDuringAModalAlert) {
 
 TEST_F(InputTest, ObservationsEndWithTheirObjects) {
   int calls = 0;
-  auto key = open([&](bool) { ++calls; });
-  auto tap = listen([&](ModifierFlags) { ++calls; });
+  auto key = open([&](const KeyEvent&) { ++calls; });
+  auto tap = listen([&](const FlagsEvent&) { ++calls; });
   key.reset();
   tap.reset();
   tapCapsLock();
@@ -98,11 +119,11 @@ TEST_F(InputTest, ObservationsMayEndWithinTheirOwnCallbacks) {
   int changes = 0;
   std::unique_ptr<Observation> key;
   std::unique_ptr<Observation> tap;
-  key = open([&](bool) {
+  key = open([&](const KeyEvent&) {
     key.reset();
     ++presses;
   });
-  tap = listen([&](ModifierFlags) {
+  tap = listen([&](const FlagsEvent&) {
     tap.reset();
     ++changes;
   });

@@ -26,7 +26,7 @@ class WatchedDesktop final : public test::DelegatingPlatform<Platform&>,
   /// Whether the press channel may be opened.
   bool inputIsAllowed = true;
 
-  void pressCapsLock() { capsLockMoved_(true); }
+  void pressCapsLock() { capsLockMoved_({true, now_.time_since_epoch()}); }
   /// The system accepts a press, so many seconds later.
   void toggleCapsLockAfter(double seconds) {
     now_ += Seconds(seconds);
@@ -34,13 +34,13 @@ class WatchedDesktop final : public test::DelegatingPlatform<Platform&>,
     touchModifiers();
   }
   /// An event that changes nothing.
-  void touchModifiers() { flagsChanged_(flags_); }
+  void touchModifiers() { flagsChanged_({flags_, now_.time_since_epoch()}); }
 
  private:
   [[nodiscard]] WallTime now() const override { return now_; }
 
   std::unique_ptr<Observation> listenToFlagsChanged(
-      std::function<void(ModifierFlags flags)> callback) override {
+      std::function<void(const FlagsEvent&)> callback) override {
     flagsChanged_ = std::move(callback);
     return std::make_unique<Observation>();
   }
@@ -50,7 +50,7 @@ class WatchedDesktop final : public test::DelegatingPlatform<Platform&>,
     return std::make_unique<Observation>();
   }
   std::variant<std::unique_ptr<Observation>, std::int32_t> openCapsLockKey(
-      std::function<void(bool isDown)> callback) override {
+      std::function<void(const KeyEvent&)> callback) override {
     if (!inputIsAllowed) {
       return std::int32_t{1};
     }
@@ -66,8 +66,8 @@ class WatchedDesktop final : public test::DelegatingPlatform<Platform&>,
 
   WallTime now_;
   ModifierFlags flags_ = 0;
-  std::function<void(ModifierFlags flags)> flagsChanged_;
-  std::function<void(bool isDown)> capsLockMoved_;
+  std::function<void(const FlagsEvent&)> flagsChanged_;
+  std::function<void(const KeyEvent&)> capsLockMoved_;
 };
 
 }  // namespace zephlin::contract

@@ -12,7 +12,7 @@ class DevicesTest : public MacTest {
     return platform().hidDevices().observeDeviceAppeared(std::move(callback));
   }
   std::variant<std::unique_ptr<Observation>, std::int32_t> open(
-      std::function<void(bool isDown)> callback) {
+      std::function<void(const KeyEvent&)> callback) {
     return platform().hidDevices().openCapsLockKey(std::move(callback));
   }
 };
@@ -80,7 +80,7 @@ TEST_F(DevicesTest, WhereMatchingFailsThePortIsDestroyedAgain) {
 }
 
 TEST_F(DevicesTest, TheManagerMatchesCapsLockOfKeyboardsAndIsScheduledBeforeItIsOpened) {
-  const auto input = open([](bool) {});
+  const auto input = open([](const KeyEvent&) {});
   EXPECT_EQ(standins::calls({"IOHID"}),
             (Calls{"IOHIDManagerCreate(default, 0)",
                    "IOHIDManagerSetDeviceMatching(2 entries, DeviceUsagePage 1, DeviceUsage 6)",
@@ -92,7 +92,7 @@ TEST_F(DevicesTest, TheManagerMatchesCapsLockOfKeyboardsAndIsScheduledBeforeItIs
 
 TEST_F(DevicesTest, TheManagerDeliversPressesAndReleasesAndNoOtherKey) {
   std::vector<bool> values;
-  const auto input = open([&](bool isDown) { values.push_back(isDown); });
+  const auto input = open([&](const KeyEvent& event) { values.push_back(event.isDown); });
   standins::reportKey(7, 57, 1);
   standins::reportKey(7, 4, 1);
   standins::reportKey(7, 57, 2);
@@ -103,7 +103,7 @@ TEST_F(DevicesTest, TheManagerDeliversPressesAndReleasesAndNoOtherKey) {
 
 TEST_F(DevicesTest, TheManagerIsUnscheduledThenClosedThenReleased) {
   std::vector<bool> values;
-  auto input = open([&](bool isDown) { values.push_back(isDown); });
+  auto input = open([&](const KeyEvent& event) { values.push_back(event.isDown); });
   standins::forgetCalls();
   input = std::int32_t{0};
   EXPECT_EQ(standins::calls({"IOHID"}),
@@ -115,7 +115,7 @@ TEST_F(DevicesTest, TheManagerIsUnscheduledThenClosedThenReleased) {
 
 TEST_F(DevicesTest, WhereOpeningFailsTheCodeIsReturnedAndTheManagerUnscheduledAndReleased) {
   standins::knobs().hidOpenResult = static_cast<std::int32_t>(0xe00002e2);
-  const auto input = open([](bool) {});
+  const auto input = open([](const KeyEvent&) {});
   EXPECT_EQ(std::get<std::int32_t>(input), static_cast<std::int32_t>(0xe00002e2));
   const Calls calls = standins::calls({"IOHID"});
   EXPECT_EQ(Calls(calls.end() - 3, calls.end()),

@@ -10,7 +10,7 @@ class EventTapsTest : public MacTest {
  protected:
   std::unique_ptr<Observation> listen() {
     return platform().eventTaps().listenToFlagsChanged(
-        [this](ModifierFlags flags) { seen_.push_back(flags); });
+        [this](const FlagsEvent& event) { seen_.push_back(event.flags); });
   }
 
   std::vector<ModifierFlags> seen_;

@@ -8,8 +8,10 @@
 #include <QSocketNotifier>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <ctime>
 #include <map>
 #include <string>
 #include <string_view>
@@ -44,6 +46,11 @@ void letThrough(int descriptor, unsigned type, unsigned onlyCode) {
   ::ioctl(descriptor, EVIOCSMASK, &mask);
 }
 
+EventTime timeOf(const input_event& event) {
+  return std::chrono::seconds(event.input_event_sec) +
+         std::chrono::microseconds(event.input_event_usec);
+}
+
 bool isKeyboard(udev_device* device) {
   const char* value = udev_device_get_property_value(device, "ID_INPUT_KEYBOARD");
   return value != nullptr && std::string_view(value) == "1" &&
@@ -52,7 +59,7 @@ bool isKeyboard(udev_device* device) {
 
 class EventDevices final : public Observation {
  public:
-  EventDevices(EventKind kind, std::function<void(int value)> callback)
+  EventDevices(EventKind kind, std::function<void(const EventValue&)> callback)
       : kind_(kind),
         callback_(std::move(callback)),
         monitor_("input", "add", [this](udev_device* device) { addKeyboard(device); }) {
@@ -76,7 +83,7 @@ class EventDevices final : public Observation {
   void receive(const std::string& path);
 
   EventKind kind_;
-  EndableCallback<int> callback_;
+  EndableCallback<const EventValue&> callback_;
   UdevMonitor monitor_;
   std::map<std::string, std::unique_ptr<Keyboard>> keyboards_;
   int failure_ = ENOENT;
@@ -118,7 +125,7 @@ void EventDevices::addKeyboard(udev_device* device) {
 }
 
 void EventDevices::receive(const std::string& path) {
-  std::vector<int> values;
+  std::vector<EventValue> values;
   try {
     values = keyboards_.at(path)->device.takeValues();
   } catch (const std::system_error&) {
@@ -137,6 +144,7 @@ EventDevice::EventDevice(const std::string& path, EventKind kind)
   if (error != 0 || libevdev_has_event_code(device, kind.type, kind.code) == 0) {
     throw std::system_error(error != 0 ? error : ENOENT, std::generic_category(), path);
   }
+  libevdev_set_clock_id(device, CLOCK_MONOTONIC);
   // As codes of EV_SYN, the kernel takes the types of events.
   letThrough(descriptor_.get(), EV_SYN, kind.type);
   letThrough(descriptor_.get(), kind.type, kind.code);
@@ -146,8 +154,8 @@ void EventDevice::Deleter::operator()(libevdev* device) const {
   libevdev_free(device);
 }
 
-std::vector<int> EventDevice::takeValues() {
-  std::vector<int> values;
+std::vector<EventValue> EventDevice::takeValues() {
+  std::vector<EventValue> values;
   unsigned flag = LIBEVDEV_READ_FLAG_NORMAL;
   for (;;) {
     input_event event{};
@@ -163,13 +171,13 @@ std::vector<int> EventDevice::takeValues() {
         status == LIBEVDEV_READ_STATUS_SYNC ? LIBEVDEV_READ_FLAG_SYNC : LIBEVDEV_READ_FLAG_NORMAL;
     if (status >= 0 && event.type == kind_.type && event.code == kind_.code &&
         event.value != keyRepetition) {
-      values.push_back(event.value);
+      values.push_back({event.value, timeOf(event)});
     }
   }
 }
 
 std::variant<std::unique_ptr<Observation>, std::int32_t> openEventDevices(
-    EventKind kind, std::function<void(int value)> callback) {
+    EventKind kind, std::function<void(const EventValue&)> callback) {
   auto devices = std::make_unique<EventDevices>(kind, std::move(callback));
   if (devices->isEmpty()) {
     return devices->failure();

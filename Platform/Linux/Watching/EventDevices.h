@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Base/FileDescriptor.h"
+#include "Platform/Keyboard.h"
 #include "Platform/Observation.h"
 
 struct libevdev;
@@ -18,6 +19,13 @@ namespace zephlin {
 struct EventKind {
   unsigned type;
   unsigned code;
+};
+
+/// A value that an event device has reported, and when, by the kernel's monotonic clock.
+struct EventValue {
+  int value = 0;
+  EventTime time{};
+  bool operator==(const EventValue&) const = default;
 };
 
 /// One of the kernel's event devices, open for one kind of event. The kernel is asked to send no
@@ -31,7 +39,7 @@ class EventDevice {
 
   /// The values that have arrived, without a key's repetitions. Does not wait. Throws
   /// std::system_error when the device has gone.
-  std::vector<int> takeValues();
+  std::vector<EventValue> takeValues();
 
  private:
   struct Deleter {
@@ -47,6 +55,6 @@ class EventDevice {
 /// read, including keyboards that appear later. If none can be read at first: EACCES if a
 /// permission was missing, otherwise ENOENT. Main thread.
 std::variant<std::unique_ptr<Observation>, std::int32_t> openEventDevices(
-    EventKind kind, std::function<void(int value)> callback);
+    EventKind kind, std::function<void(const EventValue&)> callback);
 
 }  // namespace zephlin

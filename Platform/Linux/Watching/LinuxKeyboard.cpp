@@ -57,32 +57,48 @@ ModifierFlags flagsOfLed(bool isOn) {
   return isOn ? modifierCapsLock : 0;
 }
 
-/// Other modifiers have no LED. The first change is delivered together with the state before it, so
-/// that it counts as a change.
-class LedObservation final : public Observation {
+/// One kind of event, from the event devices that the user may read.
+template <typename Event>
+class DeviceEvents final : public Observation {
  public:
-  LedObservation(bool isOn, std::function<void(ModifierFlags)> callback)
-      : callback_(std::move(callback)),
-        undelivered_{flagsOfLed(isOn)},
-        devices_(openEventDevices({EV_LED, LED_CAPSL}, [this](int value) {
-          undelivered_.push_back(flagsOfLed(value != 0));
-          callback_.callForEach(std::exchange(undelivered_, {}));
-        })) {}
+  using Translation = std::function<std::vector<Event>(const EventValue&)>;
 
-  [[nodiscard]] bool isOpen() const {
-    return std::holds_alternative<std::unique_ptr<Observation>>(devices_);
+  DeviceEvents(EventKind kind, Translation translate, std::function<void(const Event&)> callback)
+      : callback_(std::move(callback)),
+        translate_(std::move(translate)),
+        devices_(openEventDevices(
+            kind, [this](const EventValue& value) { callback_.callForEach(translate_(value)); })) {}
+
+  /// Why none could be opened; absent if some are open.
+  [[nodiscard]] std::optional<std::int32_t> failure() const {
+    const auto* const code = std::get_if<std::int32_t>(&devices_);
+    return code == nullptr ? std::nullopt : std::optional(*code);
   }
 
  private:
-  EndableCallback<ModifierFlags> callback_;
-  std::vector<ModifierFlags> undelivered_;
+  EndableCallback<const Event&> callback_;
+  Translation translate_;
   std::variant<std::unique_ptr<Observation>, std::int32_t> devices_;
 };
 
-std::unique_ptr<Observation> listenToLed(bool isOn, std::function<void(ModifierFlags)> callback) {
-  auto observation = std::make_unique<LedObservation>(isOn, std::move(callback));
-  return observation->isOpen() ? std::move(observation) : nullptr;
+std::vector<KeyEvent> keyEvents(const EventValue& value) {
+  return {{value.value != 0, value.time}};
 }
+
+/// Other modifiers have no LED. Each change is delivered together with the state before it, so that
+/// it counts as a change, whatever was delivered last.
+class LedChanges {
+ public:
+  explicit LedChanges(bool isOn) : flags_(flagsOfLed(isOn)) {}
+
+  std::vector<FlagsEvent> operator()(const EventValue& value) {
+    const ModifierFlags before = std::exchange(flags_, flagsOfLed(value.value != 0));
+    return {{before, std::nullopt}, {flags_, value.time}};
+  }
+
+ private:
+  ModifierFlags flags_;
+};
 
 }  // namespace
 
@@ -98,15 +114,25 @@ std::unique_ptr<Observation> LinuxHidDevices::observeDeviceAppeared(
 }
 
 std::variant<std::unique_ptr<Observation>, std::int32_t> LinuxHidDevices::openCapsLockKey(
-    std::function<void(bool isDown)> callback) {
-  auto deliver = [isHeldBack = holdsInputBack_, callback = std::move(callback)](int value) {
+    std::function<void(const KeyEvent&)> callback) {
+  const auto deliver = [isHeldBack = holdsInputBack_,
+                        callback = std::move(callback)](const KeyEvent& event) {
     if (!isHeldBack()) {
-      callback(value != 0);
+      callback(event);
     }
   };
-  return desktop_ == WindowSystem::X11
-             ? openX11CapsLockKey(std::move(deliver))
-             : openEventDevices({EV_KEY, KEY_CAPSLOCK}, std::move(deliver));
+  if (desktop_ == WindowSystem::X11) {
+    auto key = openX11CapsLockKey(deliver);
+    if (std::holds_alternative<std::unique_ptr<Observation>>(key)) {
+      return key;
+    }
+  }
+  auto key =
+      std::make_unique<DeviceEvents<KeyEvent>>(EventKind{EV_KEY, KEY_CAPSLOCK}, keyEvents, deliver);
+  if (const auto code = key->failure()) {
+    return *code;
+  }
+  return key;
 }
 
 LinuxEventTaps::LinuxEventTaps(WindowSystem desktop, std::function<bool()> holdsInputBack,
@@ -118,16 +144,21 @@ LinuxEventTaps::LinuxEventTaps(WindowSystem desktop, std::function<bool()> holds
 LinuxEventTaps::~LinuxEventTaps() = default;
 
 std::unique_ptr<Observation> LinuxEventTaps::listenToFlagsChanged(
-    std::function<void(ModifierFlags flags)> callback) {
-  auto deliver = [isHeldBack = holdsInputBack_,
-                  callback = std::move(callback)](ModifierFlags flags) {
-    if (!isHeldBack()) {
-      callback(flags);
+    std::function<void(const FlagsEvent&)> callback) {
+  const auto deliver = [isHeldBack = holdsInputBack_,
+                        callback = std::move(callback)](const FlagsEvent& event) {
+    if (!event.changeTime || !isHeldBack()) {
+      callback(event);
     }
   };
-  return desktop_ == WindowSystem::X11
-             ? listenToX11Modifiers(std::move(deliver))
-             : listenToLed(isAnyCapsLockLedOn(ledFolder_), std::move(deliver));
+  if (desktop_ == WindowSystem::X11) {
+    if (auto tap = listenToX11Modifiers(deliver)) {
+      return tap;
+    }
+  }
+  auto tap = std::make_unique<DeviceEvents<FlagsEvent>>(
+      EventKind{EV_LED, LED_CAPSL}, LedChanges(isAnyCapsLockLedOn(ledFolder_)), deliver);
+  return tap->failure() ? nullptr : std::move(tap);
 }
 
 ModifierFlags LinuxEventTaps::currentModifierFlags() {

@@ -19,8 +19,9 @@ class X11KeyboardState;
 /// no cost while nothing happens. A keyboard service that starts during an observation counts as an
 /// appearing device, because properties do not outlive the service.
 ///
-/// Error codes are errno's: those of `openX11CapsLockKey` under X11, and those of
-/// `openEventDevices` elsewhere.
+/// The X server reports the Caps Lock key. Under Wayland, and where the X server does not report
+/// it, it comes from the event devices, if the user may read them. Error codes are those of
+/// `openEventDevices`.
 class LinuxHidDevices final : public HidDevices {
  public:
   /// `holdsInputBack` returns whether a menu of this process is open or an alert is modal.
@@ -29,7 +30,7 @@ class LinuxHidDevices final : public HidDevices {
 
   std::unique_ptr<Observation> observeDeviceAppeared(std::function<void()> callback) override;
   std::variant<std::unique_ptr<Observation>, std::int32_t> openCapsLockKey(
-      std::function<void(bool isDown)> callback) override;
+      std::function<void(const KeyEvent&)> callback) override;
 
  private:
   WindowSystem desktop_;
@@ -38,9 +39,8 @@ class LinuxHidDevices final : public HidDevices {
 };
 
 /// Changes of modifiers. Under X11 they come from the X server's keyboard state, with Control as
-/// the command key. Under Wayland only Caps Lock is known, from the keyboards' LEDs, which the
-/// compositor sets: changes only if the user may read the event devices, the first one preceded by
-/// the state before it; the current state in any case.
+/// the command key. Elsewhere only Caps Lock is known, from the keyboards' LEDs: changes only if
+/// the user may read the event devices, the current state in any case.
 class LinuxEventTaps final : public EventTaps {
  public:
   static constexpr const char* systemLedFolder = "/sys/class/leds";
@@ -53,7 +53,7 @@ class LinuxEventTaps final : public EventTaps {
   ~LinuxEventTaps() override;
 
   std::unique_ptr<Observation> listenToFlagsChanged(
-      std::function<void(ModifierFlags flags)> callback) override;
+      std::function<void(const FlagsEvent&)> callback) override;
   /// No flags if they cannot be read.
   ModifierFlags currentModifierFlags() override;
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "Platform/Linux/Watching/EndableCallback.h"
+#include "Platform/Linux/Watching/ServerTime.h"
 
 namespace zephlin {
 
@@ -66,23 +67,25 @@ std::optional<std::uint8_t> keycodeOf(const X11Connection& connection, std::stri
 class CapsLockKeyObservation final : public Observation {
  public:
   CapsLockKeyObservation(std::unique_ptr<X11Connection> connection, std::uint8_t keycode,
-                         std::function<void(int value)> callback)
+                         std::function<void(const KeyEvent&)> callback)
       : keycode_(keycode), callback_(std::move(callback)), connection_(std::move(connection)) {
     connection_->watch([this] { receive(); });
   }
 
  private:
   void receive() {
-    std::vector<int> values;
+    std::vector<KeyEvent> moves;
     for (const auto& event : connection_->takeEvents()) {
-      if (const auto value = valueOf(*event)) {
-        values.push_back(*value);
+      if (const auto isDown = movement(*event)) {
+        const auto& key = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(*event);
+        moves.push_back({*isDown, serverTime(key.time)});
       }
     }
-    callback_.callForEach(values);
+    callback_.callForEach(moves);
   }
 
-  std::optional<int> valueOf(const xcb_generic_event_t& event) {
+  /// Whether the key goes down or comes up; nothing for any other event.
+  std::optional<bool> movement(const xcb_generic_event_t& event) {
     const auto& key = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
     if (event.response_type != XCB_GE_GENERIC ||
         key.extension != connection_->extension(&xcb_input_id)->major_opcode ||
@@ -90,16 +93,16 @@ class CapsLockKeyObservation final : public Observation {
       return std::nullopt;
     }
     if (key.event_type == XCB_INPUT_RAW_KEY_PRESS && heldOn_.insert(key.sourceid).second) {
-      return 1;
+      return true;
     }
     if (key.event_type == XCB_INPUT_RAW_KEY_RELEASE && heldOn_.erase(key.sourceid) > 0) {
-      return 0;
+      return false;
     }
     return std::nullopt;
   }
 
   std::uint8_t keycode_;
-  EndableCallback<int> callback_;
+  EndableCallback<const KeyEvent&> callback_;
   std::unique_ptr<X11Connection> connection_;
   /// The keyboards whose key is down.
   std::set<xcb_input_device_id_t> heldOn_;
@@ -124,6 +127,14 @@ ModifierFlags flagsOf(unsigned modifiers, unsigned lockedModifiers) {
   return flags;
 }
 
+/// No flags once the server has gone. Waits for the server.
+ModifierFlags currentFlags(const X11Connection& connection) {
+  const auto cookie = xcb_xkb_get_state(connection.get(), XCB_XKB_ID_USE_CORE_KBD);
+  const X11Message<xcb_xkb_get_state_reply_t> state(
+      xcb_xkb_get_state_reply(connection.get(), cookie, nullptr));
+  return state ? flagsOf(state->mods, state->lockedMods) : 0;
+}
+
 /// Has the server send an event each time the modifiers change.
 bool selectModifierChanges(const X11Connection& connection) {
   constexpr std::uint16_t parts =
@@ -136,44 +147,51 @@ bool selectModifierChanges(const X11Connection& connection) {
                                         XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0, 0, 0, 0, &details));
 }
 
-/// The flags in such an event; nothing for any other event.
-std::optional<ModifierFlags> changedModifierFlags(const X11Connection& connection,
-                                                  const xcb_generic_event_t& event) {
+/// What such an event reports; nothing for any other event.
+std::optional<FlagsEvent> modifierChange(const X11Connection& connection,
+                                         const xcb_generic_event_t& event) {
   const auto& state = reinterpret_cast<const xcb_xkb_state_notify_event_t&>(event);
   if (event.response_type != connection.extension(&xcb_xkb_id)->first_event ||
       state.xkbType != XCB_XKB_STATE_NOTIFY) {
     return std::nullopt;
   }
-  return flagsOf(state.mods, state.lockedMods);
+  return FlagsEvent{flagsOf(state.mods, state.lockedMods), serverTime(state.time)};
 }
 
 class ModifierObservation final : public Observation {
  public:
   ModifierObservation(std::unique_ptr<X11Connection> connection,
-                      std::function<void(ModifierFlags)> callback)
-      : callback_(std::move(callback)), connection_(std::move(connection)) {
+                      std::function<void(const FlagsEvent&)> callback)
+      : callback_(std::move(callback)),
+        connection_(std::move(connection)),
+        undelivered_{{currentFlags(*connection_), std::nullopt}} {
     connection_->watch([this] { receive(); });
   }
 
  private:
   void receive() {
-    std::vector<ModifierFlags> changes;
+    std::vector<FlagsEvent> changes;
     for (const auto& event : connection_->takeEvents()) {
-      if (const auto flags = changedModifierFlags(*connection_, *event)) {
-        changes.push_back(*flags);
+      if (const auto change = modifierChange(*connection_, *event)) {
+        changes.push_back(*change);
       }
+    }
+    if (!changes.empty()) {
+      changes.insert(changes.begin(), undelivered_.begin(), undelivered_.end());
+      undelivered_.clear();
     }
     callback_.callForEach(changes);
   }
 
-  EndableCallback<ModifierFlags> callback_;
+  EndableCallback<const FlagsEvent&> callback_;
   std::unique_ptr<X11Connection> connection_;
+  std::vector<FlagsEvent> undelivered_;
 };
 
 }  // namespace
 
 std::variant<std::unique_ptr<Observation>, std::int32_t> openX11CapsLockKey(
-    std::function<void(int value)> callback) {
+    std::function<void(const KeyEvent&)> callback) {
   auto connection = X11Connection::open();
   if (!connection) {
     return ECONNREFUSED;
@@ -201,13 +219,10 @@ std::unique_ptr<X11KeyboardState> X11KeyboardState::open() {
 }
 
 ModifierFlags X11KeyboardState::modifierFlags() const {
-  const auto cookie = xcb_xkb_get_state(connection_->get(), XCB_XKB_ID_USE_CORE_KBD);
-  const X11Message<xcb_xkb_get_state_reply_t> state(
-      xcb_xkb_get_state_reply(connection_->get(), cookie, nullptr));
-  return state ? flagsOf(state->mods, state->lockedMods) : 0;
+  return currentFlags(*connection_);
 }
 
-std::unique_ptr<Observation> listenToX11Modifiers(std::function<void(ModifierFlags)> callback) {
+std::unique_ptr<Observation> listenToX11Modifiers(std::function<void(const FlagsEvent&)> callback) {
   auto connection = connectionWithXkb();
   if (!connection || !selectModifierChanges(*connection)) {
     return nullptr;

@@ -360,7 +360,7 @@ class OrderOfSources final : public test::DelegatingPlatform<SimulatedDesktop>,
     return open<Observation>("devices");
   }
   std::variant<std::unique_ptr<Observation>, std::int32_t> openCapsLockKey(
-      std::function<void(bool isDown)> /*callback*/) override {
+      std::function<void(const KeyEvent&)> /*callback*/) override {
     return open<Observation>("input");
   }
   std::unique_ptr<Observation> observeDidWake(std::function<void()> /*callback*/) override {

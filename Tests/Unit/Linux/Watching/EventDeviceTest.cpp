@@ -6,9 +6,11 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdarg>
 #include <cstdint>
 #include <cstring>
+#include <ctime>
 #include <map>
 #include <set>
 #include <string>
@@ -24,6 +26,7 @@ struct Kernel {
   bool isCapsLockDown = false;
   /// The codes that it lets through, of each type, as set by EVIOCSMASK.
   std::map<unsigned, std::set<unsigned>> masks;
+  int clock = CLOCK_REALTIME;
 };
 
 Kernel& kernel() {
@@ -45,6 +48,10 @@ void setMask(const input_mask& mask) {
 int answer(unsigned long request, void* argument) {
   if (request == EVIOCSMASK) {
     setMask(*static_cast<const input_mask*>(argument));
+    return 0;
+  }
+  if (request == EVIOCSCLOCKID) {
+    kernel().clock = *static_cast<const int*>(argument);
     return 0;
   }
   const std::size_t bytes = _IOC_SIZE(request);
@@ -86,8 +93,10 @@ class EventDeviceTest : public testing::Test {
     return path;
   }
 
-  void send(unsigned type, unsigned code, int value) {
+  void send(unsigned type, unsigned code, int value, std::chrono::microseconds time = {}) {
     input_event event{};
+    event.input_event_sec = time.count() / 1'000'000;
+    event.input_event_usec = time.count() % 1'000'000;
     event.type = static_cast<std::uint16_t>(type);
     event.code = static_cast<std::uint16_t>(code);
     event.value = value;
@@ -95,6 +104,14 @@ class EventDeviceTest : public testing::Test {
   }
 
   test::TemporaryDirectory directory_;
+  std::vector<int> takeValues() {
+    std::vector<int> values;
+    for (const EventValue& each : device_.takeValues()) {
+      values.push_back(each.value);
+    }
+    return values;
+  }
+
   const std::string path_ = makeNode(directory_.file("event0"));
   FileDescriptor keyboard_{::open(path_.c_str(), O_RDWR | O_CLOEXEC)};
   EventDevice device_{path_, capsLockKey};
@@ -105,20 +122,29 @@ TEST_F(EventDeviceTest, HasTheKernelLetItsOneCodeThroughAndNothingElse) {
             (std::map<unsigned, std::set<unsigned>>{{EV_SYN, {EV_KEY}}, {EV_KEY, {KEY_CAPSLOCK}}}));
 }
 
+TEST_F(EventDeviceTest, HasTheTimesOfTheMonotonicClock) {
+  EXPECT_EQ(kernel().clock, CLOCK_MONOTONIC);
+  send(EV_KEY, KEY_CAPSLOCK, 1, std::chrono::microseconds(123'456'789));
+  send(EV_SYN, SYN_REPORT, 0);
+  const std::vector<EventValue> values = device_.takeValues();
+  ASSERT_EQ(values.size(), 1U);
+  EXPECT_DOUBLE_EQ(values[0].time.count(), 123.456789);
+}
+
 TEST_F(EventDeviceTest, AsksForTheStateWhenEventsWereLost) {
   send(EV_KEY, KEY_CAPSLOCK, 1);
   send(EV_SYN, SYN_REPORT, 0);
-  EXPECT_EQ(device_.takeValues(), std::vector<int>{1});
+  EXPECT_EQ(takeValues(), std::vector<int>{1});
   send(EV_SYN, SYN_DROPPED, 0);
   send(EV_SYN, SYN_REPORT, 0);
-  EXPECT_EQ(device_.takeValues(), std::vector<int>{0});
+  EXPECT_EQ(takeValues(), std::vector<int>{0});
   kernel().isCapsLockDown = true;
   send(EV_SYN, SYN_DROPPED, 0);
   send(EV_SYN, SYN_REPORT, 0);
-  EXPECT_EQ(device_.takeValues(), std::vector<int>{1});
+  EXPECT_EQ(takeValues(), std::vector<int>{1});
   send(EV_KEY, KEY_CAPSLOCK, 0);
   send(EV_SYN, SYN_REPORT, 0);
-  EXPECT_EQ(device_.takeValues(), std::vector<int>{0});
+  EXPECT_EQ(takeValues(), std::vector<int>{0});
 }
 
 }  // namespace

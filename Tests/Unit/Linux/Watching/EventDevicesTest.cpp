@@ -7,6 +7,7 @@
 #include <fstream>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -21,7 +22,8 @@ namespace {
 
 using test::MockedDevices;
 using Values = std::vector<std::int64_t>;
-using Flags = std::vector<ModifierFlags>;
+/// Flags, and whether they have changed or were found so.
+using Changes = std::vector<std::pair<ModifierFlags, bool>>;
 
 constexpr EventKind capsLockKey{EV_KEY, KEY_CAPSLOCK};
 constexpr EventKind capsLockLed{EV_LED, LED_CAPSL};
@@ -46,7 +48,8 @@ class OrdinaryUser {
 class EventDevicesTest : public testing::Test {
  protected:
   std::int32_t open() {
-    auto opened = devices_.openCapsLockKey([this](bool isDown) { values_.push_back(isDown); });
+    auto opened = devices_.openCapsLockKey(
+        [this](const KeyEvent& event) { values_.push_back(event.isDown); });
     if (const auto* code = std::get_if<std::int32_t>(&opened)) {
       return *code;
     }
@@ -54,15 +57,17 @@ class EventDevicesTest : public testing::Test {
     return 0;
   }
   std::unique_ptr<Observation> listen() {
-    return taps_.listenToFlagsChanged([this](ModifierFlags flags) { flags_.push_back(flags); });
+    return taps_.listenToFlagsChanged([this](const FlagsEvent& event) {
+      changes_.emplace_back(event.flags, event.changeTime.has_value());
+    });
   }
   bool valuesBecome(const Values& expected) {
     test::eventually([&] { return values_.size() >= expected.size(); });
     return values_ == expected;
   }
-  bool flagsBecome(const Flags& expected) {
-    test::eventually([&] { return flags_.size() >= expected.size(); });
-    return flags_ == expected;
+  bool changesBecome(const Changes& expected) {
+    test::eventually([&] { return changes_.size() >= expected.size(); });
+    return changes_ == expected;
   }
 
   MockedDevices machine_;
@@ -71,7 +76,7 @@ class EventDevicesTest : public testing::Test {
   test::TemporaryDirectory ledFolder_;
   LinuxEventTaps taps_{WindowSystem::Wayland, [this] { return isHeldBack_; }, ledFolder_.path()};
   Values values_;
-  Flags flags_;
+  Changes changes_;
   std::unique_ptr<Observation> key_;
 };
 
@@ -130,22 +135,31 @@ TEST_F(EventDevicesTest, GoOnWithoutAKeyboardThatGoes) {
 TEST_F(EventDevicesTest, AreHeldBackByAMenu) {
   machine_.addKeyboard(1);
   ASSERT_EQ(open(), 0);
-  const auto tap = listen();
   isHeldBack_ = true;
   machine_.report(1, capsLockKey, {1, 0});
+  test::runLoopFor(std::chrono::milliseconds(100));
+  isHeldBack_ = false;
+  machine_.report(1, capsLockKey, {1});
+  EXPECT_TRUE(valuesBecome({1}));
+}
+
+TEST_F(EventDevicesTest, HoldTogglesBackDuringAMenuWithoutLosingTheState) {
+  machine_.addKeyboard(1);
+  const auto tap = listen();
+  isHeldBack_ = true;
   machine_.report(1, capsLockLed, {1});
   test::runLoopFor(std::chrono::milliseconds(100));
   isHeldBack_ = false;
-  EXPECT_EQ(values_, Values{});
-  EXPECT_EQ(flags_, Flags{});
+  machine_.report(1, capsLockLed, {0});
+  EXPECT_TRUE(changesBecome({{0, false}, {modifierCapsLock, false}, {0, true}}));
 }
 
 TEST_F(EventDevicesTest, EndWithinACall) {
   machine_.addKeyboard(1);
   Values values;
-  auto opened = openEventDevices(capsLockKey, [&](int value) {
+  auto opened = openEventDevices(capsLockKey, [&](const EventValue& event) {
     key_.reset();
-    values.push_back(value);
+    values.push_back(event.value);
   });
   key_ = std::move(std::get<std::unique_ptr<Observation>>(opened));
   machine_.report(1, capsLockKey, {1, 0});
@@ -174,10 +188,11 @@ TEST_F(EventDevicesTest, ReportTheTogglesOfTheLed) {
   machine_.report(1, capsLockKey, {1, 0});
   machine_.report(1, {EV_LED, LED_NUML}, {1});
   machine_.report(1, capsLockLed, {1, 0});
-  EXPECT_TRUE(flagsBecome({0, modifierCapsLock, 0}));
+  EXPECT_TRUE(
+      changesBecome({{0, false}, {modifierCapsLock, true}, {modifierCapsLock, false}, {0, true}}));
 }
 
-TEST_F(EventDevicesTest, ReportTheStateBeforeTheFirstToggle) {
+TEST_F(EventDevicesTest, ReportTheStateBeforeEachToggle) {
   machine_.addKeyboard(1);
   const std::filesystem::path led = ledFolder_.path() / "input1::capslock";
   std::filesystem::create_directory(led);
@@ -185,20 +200,21 @@ TEST_F(EventDevicesTest, ReportTheStateBeforeTheFirstToggle) {
   const auto tap = listen();
   std::ofstream(led / "brightness") << "0\n";
   machine_.report(1, capsLockLed, {0, 1});
-  EXPECT_TRUE(flagsBecome({modifierCapsLock, 0, modifierCapsLock}));
+  EXPECT_TRUE(
+      changesBecome({{modifierCapsLock, false}, {0, true}, {0, false}, {modifierCapsLock, true}}));
 }
 
 TEST_F(EventDevicesTest, ReportNoToggleAfterACallHasEndedThem) {
   machine_.addKeyboard(1);
   std::unique_ptr<Observation> tap;
-  tap = taps_.listenToFlagsChanged([&](ModifierFlags flags) {
+  tap = taps_.listenToFlagsChanged([&](const FlagsEvent& event) {
     tap.reset();
-    flags_.push_back(flags);
+    changes_.emplace_back(event.flags, event.changeTime.has_value());
   });
   machine_.report(1, capsLockLed, {1});
-  ASSERT_TRUE(test::eventually([&] { return !flags_.empty(); }));
+  ASSERT_TRUE(test::eventually([&] { return !changes_.empty(); }));
   test::runLoopFor(std::chrono::milliseconds(50));
-  EXPECT_EQ(flags_, Flags{0});
+  EXPECT_EQ(changes_, (Changes{{0, false}}));
 }
 
 TEST_F(EventDevicesTest, ReportNoTogglesIfNoKeyboardHasAnLed) {

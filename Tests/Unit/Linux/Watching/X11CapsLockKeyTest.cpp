@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <memory>
+#include <thread>
 #include <variant>
 #include <vector>
 
@@ -20,7 +22,10 @@ using Values = std::vector<std::int64_t>;
 class X11CapsLockKeyTest : public testing::Test {
  protected:
   void open() {
-    auto opened = devices_.openCapsLockKey([this](bool isDown) { values_.push_back(isDown); });
+    auto opened = devices_.openCapsLockKey([this](const KeyEvent& event) {
+      values_.push_back(event.isDown);
+      times_.push_back(event.time);
+    });
     key_ = std::move(std::get<std::unique_ptr<Observation>>(opened));
   }
   bool valuesBecome(const Values& expected) {
@@ -32,6 +37,7 @@ class X11CapsLockKeyTest : public testing::Test {
   bool isHeldBack_ = false;
   LinuxHidDevices devices_{WindowSystem::X11, [this] { return isHeldBack_; }};
   Values values_;
+  std::vector<EventTime> times_;
   std::unique_ptr<Observation> key_;
 };
 
@@ -48,6 +54,21 @@ TEST_F(X11CapsLockKeyTest, ReportsAPressBeforeTheRelease) {
   EXPECT_TRUE(valuesBecome({1}));
   server_.release(PrivateXServer::capsLock);
   EXPECT_TRUE(valuesBecome({1, 0}));
+}
+
+TEST_F(X11CapsLockKeyTest, HasTheServersTimesHoweverLateItIsSeen) {
+  open();
+  const EventTime begin = std::chrono::steady_clock::now().time_since_epoch();
+  server_.press(PrivateXServer::capsLock);
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  server_.release(PrivateXServer::capsLock);
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  ASSERT_TRUE(valuesBecome({1, 0}));
+  const EventTime end = std::chrono::steady_clock::now().time_since_epoch();
+  EXPECT_GE(times_[1] - times_[0], std::chrono::milliseconds(49));
+  EXPECT_LE(times_[1], end - std::chrono::milliseconds(99));
+  // The server's clock of milliseconds may be coarse.
+  EXPECT_GE(times_[0], begin - std::chrono::milliseconds(10));
 }
 
 TEST_F(X11CapsLockKeyTest, IgnoresOtherKeys) {
@@ -99,9 +120,9 @@ TEST_F(X11CapsLockKeyTest, IsHeldBackByAMenu) {
 
 TEST_F(X11CapsLockKeyTest, EndsWithinACall) {
   Values values;
-  auto opened = openX11CapsLockKey([&](int value) {
+  auto opened = openX11CapsLockKey([&](const KeyEvent& event) {
     key_.reset();
-    values.push_back(value);
+    values.push_back(event.isDown);
   });
   key_ = std::move(std::get<std::unique_ptr<Observation>>(opened));
   server_.tap(PrivateXServer::capsLock);
@@ -119,7 +140,7 @@ TEST_F(X11CapsLockKeyTest, FallsSilentWithTheServer) {
 
 TEST(X11CapsLockKeyWithoutAServer, FailsWithACode) {
   const test::EnvironmentVariable display("DISPLAY", ":no-display");
-  const auto opened = openX11CapsLockKey([](int) {});
+  const auto opened = openX11CapsLockKey([](const KeyEvent&) {});
   EXPECT_EQ(std::get<std::int32_t>(opened), ECONNREFUSED);
 }
 

@@ -17,7 +17,13 @@ using Flags = std::vector<ModifierFlags>;
 class X11KeyboardStateTest : public testing::Test {
  protected:
   void listen() {
-    tap_ = taps_.listenToFlagsChanged([this](ModifierFlags flags) { changes_.push_back(flags); });
+    tap_ = taps_.listenToFlagsChanged([this](const FlagsEvent& event) {
+      if (event.changeTime) {
+        changes_.push_back(event.flags);
+      } else {
+        found_.push_back(event.flags);
+      }
+    });
     ASSERT_NE(tap_, nullptr);
   }
   bool changesBecome(const Flags& expected) {
@@ -28,7 +34,9 @@ class X11KeyboardStateTest : public testing::Test {
   PrivateXServer server_;
   bool isHeldBack_ = false;
   LinuxEventTaps taps_{WindowSystem::X11, [this] { return isHeldBack_; }};
+  /// Those of changes, and those that were found.
   Flags changes_;
+  Flags found_;
   std::unique_ptr<Observation> tap_;
 };
 
@@ -38,6 +46,22 @@ TEST_F(X11KeyboardStateTest, ReportsEachToggleOnce) {
   server_.tap(PrivateXServer::capsLock);
   server_.tap(PrivateXServer::capsLock);
   EXPECT_TRUE(changesBecome({modifierCapsLock, 0, modifierCapsLock}));
+}
+
+TEST_F(X11KeyboardStateTest, ReportsTheStateThatItFoundBeforeTheFirstChange) {
+  server_.tap(PrivateXServer::capsLock);
+  listen();
+  server_.tap(PrivateXServer::capsLock);
+  EXPECT_TRUE(changesBecome({0}));
+  EXPECT_EQ(found_, Flags{modifierCapsLock});
+}
+
+TEST_F(X11KeyboardStateTest, ReportsTheStateThatItFoundAlsoIfTheFirstChangeIsHeldBack) {
+  listen();
+  isHeldBack_ = true;
+  server_.tap(PrivateXServer::leftShift);
+  test::runLoopFor(std::chrono::milliseconds(100));
+  EXPECT_EQ(found_, Flags{0});
 }
 
 TEST_F(X11KeyboardStateTest, ReportsShiftAndControl) {
@@ -75,9 +99,11 @@ TEST_F(X11KeyboardStateTest, IsHeldBackByAMenu) {
 
 TEST_F(X11KeyboardStateTest, EndsWithinACall) {
   Flags changes;
-  tap_ = listenToX11Modifiers([&](ModifierFlags flags) {
-    tap_.reset();
-    changes.push_back(flags);
+  tap_ = listenToX11Modifiers([&](const FlagsEvent& event) {
+    if (event.changeTime) {
+      tap_.reset();
+      changes.push_back(event.flags);
+    }
   });
   server_.tap(PrivateXServer::leftShift);
   ASSERT_TRUE(test::eventually([&] { return !changes.empty(); }));
@@ -108,8 +134,8 @@ TEST_F(X11KeyboardStateTest, IsNothingOnceTheServerHasGone) {
 
 TEST(X11KeyboardStateWithoutAServer, IsNothing) {
   const test::EnvironmentVariable display("DISPLAY", ":no-display");
+  EXPECT_EQ(listenToX11Modifiers([](const FlagsEvent&) {}), nullptr);
   LinuxEventTaps taps(WindowSystem::X11, [] { return false; });
-  EXPECT_EQ(taps.listenToFlagsChanged([](ModifierFlags) {}), nullptr);
   EXPECT_EQ(taps.currentModifierFlags(), 0U);
 }
 
