@@ -50,8 +50,8 @@ need_build_packages() {
 
 # To build it with its application for desktops; further packages may follow.
 need_desktop_build_packages() {
-    need_build_packages qt6-base-dev qt6-svg-dev libxcb1-dev libxcb-xinput-dev libxcb-xkb-dev \
-        "$@"
+    need_build_packages qt6-base-dev qt6-base-private-dev qt6-svg-dev libwayland-dev libxcb1-dev \
+        libxcb-xinput-dev libxcb-xkb-dev "$@"
 }
 
 # A desktop without a display: an X server in memory, a window manager and a panel.

@@ -13,6 +13,7 @@
 #include "Platform/Linux/Watching/EventDevices.h"
 #include "Platform/Linux/Watching/ServiceSubscription.h"
 #include "Platform/Linux/Watching/UdevMonitor.h"
+#include "Platform/Linux/Watching/WaylandKeyboards.h"
 #include "Platform/Linux/Watching/X11Keyboard.h"
 
 namespace zephlin {
@@ -57,27 +58,40 @@ ModifierFlags flagsOfLed(bool isOn) {
   return isOn ? modifierCapsLock : 0;
 }
 
-/// One kind of event, from the event devices that the user may read.
+/// One kind of event, from the compositor while one of our windows has the focus, and otherwise
+/// from the event devices that the user may read. Without a compositor, from the event devices
+/// alone.
 template <typename Event>
-class DeviceEvents final : public Observation {
+class FocusedOrDevices final : public Observation {
  public:
   using Translation = std::function<std::vector<Event>(const EventValue&)>;
 
-  DeviceEvents(EventKind kind, Translation translate, std::function<void(const Event&)> callback)
+  FocusedOrDevices(EventKind kind, Translation translate,
+                   std::function<void(const Event&)> callback)
       : callback_(std::move(callback)),
         translate_(std::move(translate)),
-        devices_(openEventDevices(
-            kind, [this](const EventValue& value) { callback_.callForEach(translate_(value)); })) {}
+        keyboards_(WaylandKeyboards::open([this](const WaylandKeyboards::Event& reported) {
+          if (const auto* event = std::get_if<Event>(&reported)) {
+            callback_.call(*event);
+          }
+        })),
+        devices_(openEventDevices(kind, [this](const EventValue& value) {
+          const std::vector<Event> events = translate_(value);
+          if (!keyboards_ || !keyboards_->hasFocus()) {
+            callback_.callForEach(events);
+          }
+        })) {}
 
-  /// Why none could be opened; absent if some are open.
+  /// Why nothing will be delivered; absent if something may be.
   [[nodiscard]] std::optional<std::int32_t> failure() const {
     const auto* const code = std::get_if<std::int32_t>(&devices_);
-    return code == nullptr ? std::nullopt : std::optional(*code);
+    return code == nullptr || keyboards_ ? std::nullopt : std::optional(*code);
   }
 
  private:
   EndableCallback<const Event&> callback_;
   Translation translate_;
+  std::unique_ptr<WaylandKeyboards> keyboards_;
   std::variant<std::unique_ptr<Observation>, std::int32_t> devices_;
 };
 
@@ -127,8 +141,8 @@ std::variant<std::unique_ptr<Observation>, std::int32_t> LinuxHidDevices::openCa
       return key;
     }
   }
-  auto key =
-      std::make_unique<DeviceEvents<KeyEvent>>(EventKind{EV_KEY, KEY_CAPSLOCK}, keyEvents, deliver);
+  auto key = std::make_unique<FocusedOrDevices<KeyEvent>>(EventKind{EV_KEY, KEY_CAPSLOCK},
+                                                          keyEvents, deliver);
   if (const auto code = key->failure()) {
     return *code;
   }
@@ -156,7 +170,7 @@ std::unique_ptr<Observation> LinuxEventTaps::listenToFlagsChanged(
       return tap;
     }
   }
-  auto tap = std::make_unique<DeviceEvents<FlagsEvent>>(
+  auto tap = std::make_unique<FocusedOrDevices<FlagsEvent>>(
       EventKind{EV_LED, LED_CAPSL}, LedChanges(isAnyCapsLockLedOn(ledFolder_)), deliver);
   return tap->failure() ? nullptr : std::move(tap);
 }

@@ -19,9 +19,10 @@ class X11KeyboardState;
 /// no cost while nothing happens. A keyboard service that starts during an observation counts as an
 /// appearing device, because properties do not outlive the service.
 ///
-/// The X server reports the Caps Lock key. Under Wayland, and where the X server does not report
-/// it, it comes from the event devices, if the user may read them. Error codes are those of
-/// `openEventDevices`.
+/// Under X11 the server reports the Caps Lock key. Under Wayland the compositor does while a window
+/// of ours has the focus, and needs no permission; without the focus, and where the X server does
+/// not report the key, it comes from the event devices, if the user may read them. Error codes are
+/// those of `openEventDevices`.
 class LinuxHidDevices final : public HidDevices {
  public:
   /// `holdsInputBack` returns whether a menu of this process is open or an alert is modal.
@@ -39,8 +40,9 @@ class LinuxHidDevices final : public HidDevices {
 };
 
 /// Changes of modifiers. Under X11 they come from the X server's keyboard state, with Control as
-/// the command key. Elsewhere only Caps Lock is known, from the keyboards' LEDs: changes only if
-/// the user may read the event devices, the current state in any case.
+/// the command key. Elsewhere only Caps Lock is known: its changes from the compositor while a
+/// window of ours has the focus, and otherwise from the keyboards' LEDs, if the user may read the
+/// event devices; the current state from the LEDs in any case.
 class LinuxEventTaps final : public EventTaps {
  public:
   static constexpr const char* systemLedFolder = "/sys/class/leds";
