@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <variant>
 
 #include "Platform/Dispatch.h"
@@ -37,6 +38,13 @@ struct FlagsEvent {
   bool operator==(const FlagsEvent&) const = default;
 };
 
+/// What the user can do about a Caps Lock key that cannot be watched.
+struct CapsLockKeyHelp {
+  std::string advice;
+  /// Opens a document that says more.
+  std::function<void()> open;
+};
+
 /// Input devices. Main thread; so are the callbacks.
 class HidDevices {
  public:
@@ -52,6 +60,8 @@ class HidDevices {
   /// failure, returns the platform's error code.
   virtual std::variant<std::unique_ptr<Observation>, std::int32_t> openCapsLockKey(
       std::function<void(const KeyEvent&)> callback) = 0;
+  /// Absent where there is nothing to add to what the application says itself.
+  virtual std::optional<CapsLockKeyHelp> capsLockKeyHelp() { return std::nullopt; }
 };
 
 /// The desktop's keyboard events. Main thread; so are the callbacks.

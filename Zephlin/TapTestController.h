@@ -54,6 +54,8 @@ class TapTestController : public WindowDelegate,
   /// Shows what has changed in the views, if there is a window.
   void display();
 
+  /// Shows the platform's help below the channel note if no press can be counted, and only then.
+  void refreshHelp();
   void buildWindow();
   std::shared_ptr<View> makeContent();
   std::shared_ptr<View> makeStatsRow();
@@ -67,6 +69,8 @@ class TapTestController : public WindowDelegate,
   std::shared_ptr<Label> verdictLabel_;
   std::shared_ptr<RoundedView> verdictPill_;
   std::shared_ptr<Label> channelNoteLabel_;
+  /// What the window has below the channel note.
+  std::optional<CapsLockKeyHelp> help_;
   std::int64_t pressCount_ = 0;
   std::int64_t toggleCount_ = 0;
   std::optional<EventTime> lastPressTime_;

@@ -58,7 +58,9 @@ TapTestController::TapTestController(Platform& platform)
       verdictLabel_(makeLine("", verdictFont, ColorRole::SecondaryLabel)),
       verdictPill_(
           std::make_shared<RoundedView>(separatorColor, std::nullopt, pillRadius, contentWidth)),
-      channelNoteLabel_(makeParagraph("", noteFont, ColorRole::TertiaryLabel)) {}
+      channelNoteLabel_(makeParagraph("", noteFont, ColorRole::TertiaryLabel)) {
+  verdictPill_->embed(verdictLabel_, pillInsets);
+}
 
 void TapTestController::show() {
   if (!window_) {
@@ -67,6 +69,7 @@ void TapTestController::show() {
   clearCounts();
   refreshLabels();
   startMonitoring();
+  refreshHelp();
   refreshChannelNote();
   refreshLabels();
   platform_.application().activateIgnoringOtherApps();
@@ -75,6 +78,16 @@ void TapTestController::show() {
 
 void TapTestController::windowWillClose() {
   stopMonitoring();
+}
+
+void TapTestController::refreshHelp() {
+  auto help = hidManager_ ? std::nullopt : platform_.hidDevices().capsLockKeyHelp();
+  const bool isShown = help_.has_value();
+  help_ = std::move(help);
+  // A window's views are fixed once it has been built.
+  if (help_.has_value() != isShown) {
+    buildWindow();
+  }
 }
 
 void TapTestController::buildWindow() {
@@ -98,7 +111,6 @@ std::shared_ptr<View> TapTestController::makeContent() {
                                           subtitleFont, ColorRole::SecondaryLabel),
                             18);
   stack->addArrangedSubview(makeStatsRow(), 16);
-  verdictPill_->embed(verdictLabel_, pillInsets);
   stack->addArrangedSubview(verdictPill_, 4);
   stack->addArrangedSubview(latencyLabel_, 18);
   stack->addArrangedSubview(
@@ -109,6 +121,11 @@ std::shared_ptr<View> TapTestController::makeContent() {
   // The button is held by the window, which the controller owns.
   stack->addArrangedSubview(std::make_shared<Button>("Reset", [this] { resetPressed(); }));
   stack->addArrangedSubview(channelNoteLabel_);
+  if (help_) {
+    stack->addArrangedSubview(
+        makeParagraph(help_->advice.c_str(), hintFont, ColorRole::SecondaryLabel));
+    stack->addArrangedSubview(std::make_shared<Button>("Help", help_->open));
+  }
 
   auto container = std::make_shared<Box>(windowWidth);
   container->addSubview(stack, {});

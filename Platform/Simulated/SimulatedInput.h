@@ -32,10 +32,14 @@ class SimulatedHidDevices final : public HidDevices {
   std::variant<std::unique_ptr<Observation>, std::int32_t> openCapsLockKey(
       std::function<void(const KeyEvent&)> callback) override;
 
+  std::optional<CapsLockKeyHelp> capsLockKeyHelp() override { return help_; }
+
   /// From now on devices cannot be observed, or can again.
   void setObservable(bool observable) { observable_ = observable; }
   /// From now on inputs open, or fail with this code.
   void failOpening(std::optional<std::int32_t> code) { openingFailure_ = code; }
+  /// From now on this is the help for a Caps Lock key that does not open.
+  void setHelp(std::optional<CapsLockKeyHelp> help) { help_ = std::move(help); }
 
   /// Calls the observers, through the main queue.
   void announceAppeared();
@@ -51,6 +55,7 @@ class SimulatedHidDevices final : public HidDevices {
   const Clock& clock_;
   bool observable_ = true;
   std::optional<std::int32_t> openingFailure_;
+  std::optional<CapsLockKeyHelp> help_;
   ObserverList<> appeared_;
   ObserverList<KeyEvent> inputs_;
 };

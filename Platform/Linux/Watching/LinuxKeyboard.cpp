@@ -2,6 +2,10 @@
 
 #include <linux/input-event-codes.h>
 
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QDir>
+#include <QUrl>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -147,6 +151,17 @@ std::variant<std::unique_ptr<Observation>, std::int32_t> LinuxHidDevices::openCa
     return *code;
   }
   return key;
+}
+
+std::optional<CapsLockKeyHelp> LinuxHidDevices::capsLockKeyHelp() {
+  return CapsLockKeyHelp{
+      "Your display server does not report the key. Zephlin can read it from the keyboards if you "
+      "join the group “input” and log in again.",
+      [] {
+        const QDir program(QCoreApplication::applicationDirPath());
+        QDesktopServices::openUrl(
+            QUrl::fromLocalFile(QDir::cleanPath(program.filePath(ZEPHLIN_TROUBLESHOOTING))));
+      }};
 }
 
 LinuxEventTaps::LinuxEventTaps(WindowSystem desktop, std::function<bool()> holdsInputBack,

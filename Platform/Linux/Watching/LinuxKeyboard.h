@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -32,6 +33,7 @@ class LinuxHidDevices final : public HidDevices {
   std::unique_ptr<Observation> observeDeviceAppeared(std::function<void()> callback) override;
   std::variant<std::unique_ptr<Observation>, std::int32_t> openCapsLockKey(
       std::function<void(const KeyEvent&)> callback) override;
+  std::optional<CapsLockKeyHelp> capsLockKeyHelp() override;
 
  private:
   WindowSystem desktop_;

@@ -22,6 +22,39 @@ TEST_F(TapTestWindow, IsNotBuiltBeforeTheFirstShow) {
   EXPECT_EQ(desktop_.windows().made(), 0U);
 }
 
+TEST_F(TapTestWindow, ShowsTheHelpOfThePlatformBelowTheNoteOnlyWhileNoPressCanBeCounted) {
+  int openings = 0;
+  desktop_.hidDevices().setHelp(CapsLockKeyHelp{"Do this.", [&] { ++openings; }});
+  show();
+  EXPECT_EQ(stack().arrangedSubviews().size(), 8U);
+  close();
+  desktop_.hidDevices().failOpening(notPermitted);
+  show();
+  EXPECT_EQ(desktop_.windows().made(), 2U);
+  ASSERT_EQ(stack().arrangedSubviews().size(), 10U);
+  EXPECT_EQ(note().textColor().role, ColorRole::SystemOrange);
+  EXPECT_EQ(row<Label>(8).text(), "Do this.");
+  ASSERT_TRUE(window().pressButton("Help"));
+  EXPECT_EQ(openings, 1);
+  close();
+  show();
+  EXPECT_EQ(desktop_.windows().made(), 2U);
+  close();
+  desktop_.hidDevices().failOpening(std::nullopt);
+  show();
+  EXPECT_EQ(stack().arrangedSubviews().size(), 8U);
+  showAndTouchShift();
+  desktop_.tapCapsLock();
+  expectCounts(1, 1);
+  expectInstant();
+}
+
+TEST_F(TapTestWindow, HasNoHelpIfThePlatformHasNone) {
+  desktop_.hidDevices().failOpening(notPermitted);
+  show();
+  EXPECT_EQ(stack().arrangedSubviews().size(), 8U);
+}
+
 // What the window shows is in Tests/Contract/Golden.
 TEST_F(TapTestWindow, Is408By100PointsLargeBeforeItIsFitted) {
   show();
