@@ -109,9 +109,9 @@ class Keyboard {
   void leave();
   void key(std::uint32_t time, std::uint32_t code, bool isDown);
   void modifiers(bool isLocked);
-  /// Has the changes that arrived without a key delivered after what arrives together with them.
+  /// Calls endBatch() after everything that arrived together.
   void endBatchSoon();
-  [[nodiscard]] std::vector<WaylandKeyboards::Event> takeChanges(EventTime time);
+  void endBatch();
 
   /// A call may destroy this object, so it is the last thing that a function does.
   const Callback& callback_;
@@ -123,6 +123,8 @@ class Keyboard {
   SteadyClock::time_point keyArrival_ = SteadyClock::now();
   EventTime keyTime_ = keyArrival_.time_since_epoch();
   bool batchHasKey_ = false;
+  /// They wait for the end of the batch, as another observer of the same key may get it after this
+  /// one.
   std::vector<ModifierFlags> changesBeforeKey_;
   QObject context_;
 };
@@ -158,11 +160,9 @@ void Keyboard::key(std::uint32_t time, std::uint32_t code, bool isDown) {
   keyArrival_ = SteadyClock::now();
   batchHasKey_ = true;
   endBatchSoon();
-  std::vector<WaylandKeyboards::Event> events = takeChanges(keyTime_);
   if (code == KEY_CAPSLOCK) {
-    events.insert(events.begin(), KeyEvent{isDown, keyTime_});
+    callback_.call(KeyEvent{isDown, keyTime_});
   }
-  callback_.callForEach(events);
 }
 
 void Keyboard::modifiers(bool isLocked) {
@@ -182,21 +182,19 @@ void Keyboard::modifiers(bool isLocked) {
 
 void Keyboard::endBatchSoon() {
   QMetaObject::invokeMethod(
-      &context_,
-      [this] {
-        batchHasKey_ = false;
-        // Without a key, the change is as much later than the last one as it arrived later.
-        callback_.callForEach(takeChanges(keyTime_ + (SteadyClock::now() - keyArrival_)));
-      },
-      Qt::QueuedConnection);
+      &context_, [this] { endBatch(); }, Qt::QueuedConnection);
 }
 
-std::vector<WaylandKeyboards::Event> Keyboard::takeChanges(EventTime time) {
-  std::vector<WaylandKeyboards::Event> events;
+void Keyboard::endBatch() {
+  // A change without a key is as much later than the last key as it arrived later.
+  const EventTime time =
+      batchHasKey_ ? keyTime_ : EventTime(keyTime_ + (SteadyClock::now() - keyArrival_));
+  batchHasKey_ = false;
+  std::vector<WaylandKeyboards::Event> changes;
   for (const ModifierFlags flags : std::exchange(changesBeforeKey_, {})) {
-    events.emplace_back(FlagsEvent{flags, time});
+    changes.emplace_back(FlagsEvent{flags, time});
   }
-  return events;
+  callback_.callForEach(changes);
 }
 
 class Seat {

@@ -103,6 +103,25 @@ TEST_F(WaylandKeyboardsTest, ReportTheKeyFirstAlsoIfTheModifiersAreSentBeforeIt)
   EXPECT_EQ(laterThanFirst(5), 390);
 }
 
+TEST_F(WaylandKeyboardsTest, ReportTheLockAfterTheKeyHasReachedEveryObserver) {
+  Reports order;
+  const auto note = [&order](const WaylandKeyboards::Event& event) {
+    const auto* change = std::get_if<FlagsEvent>(&event);
+    if (change == nullptr || change->changeTime) {
+      order.emplace_back(change == nullptr ? "key" : "lock");
+    }
+  };
+  const auto first = WaylandKeyboards::open(compositor_.display(), note);
+  const auto second = WaylandKeyboards::open(compositor_.display(), note);
+  deliver();
+  seat_.enter(0);
+  deliver();
+  seat_.modifiers(lock, lock);
+  seat_.key(5000, KEY_CAPSLOCK, true);
+  deliver();
+  EXPECT_EQ(order, (Reports{"key", "key", "lock", "lock"}));
+}
+
 TEST_F(WaylandKeyboardsTest, PairTapsThatArriveAllAtOnce) {
   enterUnlocked();
   seat_.key(5000, KEY_CAPSLOCK, true);

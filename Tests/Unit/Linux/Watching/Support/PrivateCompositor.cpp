@@ -116,10 +116,11 @@ void PrivateCompositor::Seat::getKeyboard(wl_client* client, wl_resource* resour
                                           std::uint32_t id) {
   static const struct wl_keyboard_interface requests { .release = destroyResource };
   auto& seat = *static_cast<Seat*>(wl_resource_get_user_data(resource));
-  seat.keyboard_ =
+  wl_resource* const created =
       wl_resource_create(client, &::wl_keyboard_interface, wl_resource_get_version(resource), id);
-  wl_resource_set_implementation(seat.keyboard_, &requests, &seat, [](wl_resource* keyboard) {
-    static_cast<Seat*>(wl_resource_get_user_data(keyboard))->keyboard_ = nullptr;
+  seat.keyboards_.push_back(created);
+  wl_resource_set_implementation(created, &requests, &seat, [](wl_resource* keyboard) {
+    std::erase(static_cast<Seat*>(wl_resource_get_user_data(keyboard))->keyboards_, keyboard);
   });
 }
 
@@ -132,21 +133,29 @@ void PrivateCompositor::Seat::setHasKeyboard(bool hasKeyboard) {
 
 void PrivateCompositor::Seat::enter(std::uint32_t lockedModifiers) {
   wl_array keys{};
-  wl_keyboard_send_enter(keyboard_, 1, *surface_, &keys);
+  for (wl_resource* const keyboard : keyboards_) {
+    wl_keyboard_send_enter(keyboard, 1, *surface_, &keys);
+  }
   modifiers(0, lockedModifiers);
 }
 
 void PrivateCompositor::Seat::leave() {
-  wl_keyboard_send_leave(keyboard_, 2, *surface_);
+  for (wl_resource* const keyboard : keyboards_) {
+    wl_keyboard_send_leave(keyboard, 2, *surface_);
+  }
 }
 
 void PrivateCompositor::Seat::key(std::uint32_t time, std::uint32_t code, bool isDown) {
-  wl_keyboard_send_key(keyboard_, 3, time, code,
-                       isDown ? WL_KEYBOARD_KEY_STATE_PRESSED : WL_KEYBOARD_KEY_STATE_RELEASED);
+  for (wl_resource* const keyboard : keyboards_) {
+    wl_keyboard_send_key(keyboard, 3, time, code,
+                         isDown ? WL_KEYBOARD_KEY_STATE_PRESSED : WL_KEYBOARD_KEY_STATE_RELEASED);
+  }
 }
 
 void PrivateCompositor::Seat::modifiers(std::uint32_t depressed, std::uint32_t locked) {
-  wl_keyboard_send_modifiers(keyboard_, 4, depressed, 0, locked, 0);
+  for (wl_resource* const keyboard : keyboards_) {
+    wl_keyboard_send_modifiers(keyboard, 4, depressed, 0, locked, 0);
+  }
 }
 
 }  // namespace zephlin::test

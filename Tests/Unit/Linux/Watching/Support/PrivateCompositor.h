@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <list>
+#include <vector>
 
 namespace zephlin::test {
 
@@ -23,7 +24,7 @@ class PrivateCompositor {
     void key(std::uint32_t time, std::uint32_t code, bool isDown);
     void modifiers(std::uint32_t depressed, std::uint32_t locked);
     /// Of the client.
-    [[nodiscard]] bool hasKeyboard() const { return keyboard_ != nullptr; }
+    [[nodiscard]] bool hasKeyboard() const { return !keyboards_.empty(); }
 
    private:
     friend class PrivateCompositor;
@@ -35,7 +36,7 @@ class PrivateCompositor {
     wl_resource** surface_ = nullptr;
     wl_global* global_ = nullptr;
     wl_resource* resource_ = nullptr;
-    wl_resource* keyboard_ = nullptr;
+    std::vector<wl_resource*> keyboards_;
     std::uint32_t capabilities_ = WL_SEAT_CAPABILITY_KEYBOARD;
   };
 
