@@ -72,9 +72,6 @@ class TapTestWindow : public DesktopTest {
     return {};
   }
 
-  /// The first event of another modifier is what counting starts from.
-  void tapShift() { desktop().fingers().tap(Key::ShiftLeft); }
-
   [[nodiscard]] Colours colours() const {
     return coloursIn(desktop().screen().picture(desktop().screen().placeOf(window_)));
   }
@@ -92,7 +89,6 @@ TEST_F(TapTestWindow, CarriesTheApplicationsIcon) {
 }
 
 TEST_F(TapTestWindow, CountsTapsAndFindsThemAllRegistered) {
-  tapShift();
   for (int tap = 1; tap <= 4; ++tap) {
     desktop().fingers().tap(Key::CapsLock);
     waitForText(std::to_string(tap) + " Taps");
@@ -108,7 +104,6 @@ TEST_F(TapTestWindow, CountsTapsAndFindsThemAllRegistered) {
 }
 
 TEST_F(TapTestWindow, SaysHowManyTapsWentMissing) {
-  tapShift();
   // Caps Lock is another Control key, and no tap locks anything.
   useKeymap({"ctrl:nocaps"});
   desktop().fingers().tap(Key::CapsLock);
@@ -124,7 +119,6 @@ TEST_F(TapTestWindow, SaysHowManyTapsWentMissing) {
 }
 
 TEST_F(TapTestWindow, StartsAnewAfterReset) {
-  tapShift();
   desktop().fingers().tap(Key::CapsLock);
   waitForText("1 Registered");
   reader_.push(app_.program().id(), "Reset");
@@ -140,7 +134,6 @@ TEST_F(TapTestWindow, StartsAnewAfterReset) {
 }
 
 TEST_F(TapTestWindow, CountsNoOtherKeys) {
-  tapShift();
   for (const Key key : {Key::LetterA, Key::ControlLeft, Key::ShiftLeft}) {
     desktop().fingers().tap(key);
   }
@@ -151,7 +144,6 @@ TEST_F(TapTestWindow, CountsNoOtherKeys) {
 }
 
 TEST_F(TapTestWindow, StartsAnewWhenItIsClosedAndOpenedAgain) {
-  tapShift();
   desktop().fingers().tap(Key::CapsLock);
   waitForText("1 Registered");
   close();
@@ -159,7 +151,6 @@ TEST_F(TapTestWindow, StartsAnewWhenItIsClosedAndOpenedAgain) {
   open();
   waitForText("0 Taps");
   waitForText("0 Registered");
-  tapShift();
   desktop().fingers().tap(Key::CapsLock);
   waitForText("1 Taps");
   waitForText("1 Registered");
