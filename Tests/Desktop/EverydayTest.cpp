@@ -2,6 +2,7 @@
 
 #include "Tests/Desktop/Harness/EverydayTest.h"
 
+#include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,6 +11,10 @@ namespace zephlin::test {
 namespace {
 
 class Everyday : public EverydayTest {};
+
+class EverydayKeys : public EverydayTest {};
+
+class EverydayToolTip : public EverydayTest {};
 
 TEST_F(Everyday, TheIconIsInThePanelAndGoesWithTheApplication) {
   app_.waitForToolTip("Zephlin: instant Caps Lock is ON");
@@ -20,15 +25,26 @@ TEST_F(Everyday, TheIconIsInThePanelAndGoesWithTheApplication) {
   waitUntil("an empty panel", [] { return desktop().panel().placeOfIcons().isNull(); });
 }
 
-TEST_F(Everyday, TheMenuOpensAtThePanel) {
+TEST_F(Everyday, TheMenuOpensAtThePanelWithEitherButton) {
   app_.waitForStatusLine(onLine);
-  menu_.open(rightButton);
   constexpr int farthest = 8;
   const QRect panel = desktop().panel().place().adjusted(0, -farthest, 0, farthest);
-  EXPECT_TRUE(panel.intersects(menu_.place()));
-  EXPECT_TRUE(windows().empty()) << windows().front().title;
-  photograph("menu");
-  menu_.close();
+  for (const int button : {leftButton, rightButton}) {
+    menu_.open(button);
+    EXPECT_TRUE(panel.intersects(menu_.place())) << button;
+    EXPECT_TRUE(windows().empty()) << windows().front().title;
+    photograph(button == leftButton ? "menu" : "menu-after-right-click");
+    menu_.close();
+  }
+}
+
+TEST_F(Everyday, TheMenuSwitchesStartAtLogin) {
+  const std::string file = app_.home() + "/.config/autostart/com.quorvenel.zephlin.desktop";
+  waitUntil("the entry for logins", [&] { return std::filesystem::exists(file); });
+  menu_.choose("Start at Login");
+  waitUntil("no entry for logins", [&] { return !std::filesystem::exists(file); });
+  menu_.choose("Start at Login");
+  waitUntil("the entry for logins", [&] { return std::filesystem::exists(file); });
 }
 
 TEST_F(Everyday, TheMenuSwitchesOffAndOnAndReapplies) {
@@ -53,6 +69,23 @@ TEST_F(Everyday, TheMenuOpensWindowsThatEscapeCloses) {
     photograph(title);
     closeWindow();
   }
+}
+
+TEST_F(EverydayKeys, ChooseFromTheMenu) {
+  desktop().keyboards().waitUntilAllAre("0");
+  menu_.open(rightButton);
+  desktop().fingers().tap(Key::Down);
+  desktop().fingers().tap(Key::Return);
+  desktop().keyboards().waitUntilAllAre("-1");
+  menu_.open(rightButton);
+  desktop().fingers().tap(Key::Escape);
+  menu_.waitUntilClosed();
+}
+
+TEST_F(EverydayToolTip, IsALineThatShowsWhileThePointerIsOnTheIcon) {
+  app_.waitForToolTip("Zephlin: instant Caps Lock is ON");
+  EXPECT_EQ(rowsOfText(desktop().screen().picture(menu_.waitForToolTip())).size(), 1U);
+  photograph("tool-tip");
 }
 
 }  // namespace

@@ -64,12 +64,7 @@ class TapTestWindow : public DesktopTest {
   void waitForText(const std::string& text) { reader_.waitForName(app_.program().id(), text); }
 
   [[nodiscard]] std::string textBeginning(const std::string& beginning) const {
-    for (const std::string& text : reader_.namesIn(app_.program().id())) {
-      if (text.starts_with(beginning)) {
-        return text;
-      }
-    }
-    return {};
+    return reader_.nameBeginning(app_.program().id(), beginning);
   }
 
   [[nodiscard]] Colours colours() const {

@@ -40,6 +40,16 @@ class Accessibility {
     return names;
   }
 
+  /// The first of them that begins so, or an empty text.
+  [[nodiscard]] std::string nameBeginning(pid_t process, const std::string& beginning) const {
+    for (const std::string& name : namesIn(process)) {
+      if (name.starts_with(beginning)) {
+        return name;
+      }
+    }
+    return {};
+  }
+
   void waitForName(pid_t process, const std::string& name) const {
     waitUntil("something named " + name, [&] {
       const std::vector<std::string> names = namesIn(process);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Tests/Desktop/Harness/Accessibility.h"
+#include "Tests/Desktop/Harness/Bundle.h"
 #include "Tests/Desktop/Harness/DesktopTest.h"
 #include "Tests/Desktop/Harness/PanelMenu.h"
 
@@ -50,7 +51,9 @@ class EverydayTest : public DesktopTest {
     waitUntil("the window to go", [this] { return windows().empty(); });
   }
 
-  App app_{desktop(), {.environment = accessible()}};
+  /// Starting at login is for an application in a bundle.
+  const Bundle bundle_;
+  App app_{desktop(), {.command = {bundle_.program()}, .environment = accessible()}};
   PanelMenu menu_{desktop(), app_};
 };
 

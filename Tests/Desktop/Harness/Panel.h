@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QRect>
+#include <vector>
 
 #include "Tests/Desktop/Harness/Screen.h"
 #include "Tests/Desktop/Harness/Waiting.h"
@@ -35,7 +36,11 @@ class Panel {
   /// The part of the screen that has nothing in it but tray icons.
   [[nodiscard]] virtual QRect place() const = 0;
 
-  /// Changes it while it runs. It is dark at first.
+  [[nodiscard]] virtual std::vector<PanelStyle> styles() const {
+    return {PanelStyle::Light, PanelStyle::Dark};
+  }
+
+  /// Changes it while it runs, to one of its styles. It is dark at first.
   virtual void setStyle(PanelStyle style) = 0;
 
   /// The smallest rectangle around the panel's icons; empty without icons.

@@ -21,7 +21,7 @@ class PanelMenu {
 
   /// Clicks the icon, again until the menu shows each entry that the item has. Some panels open
   /// one of their own until they have read the item's.
-  void open(int button = rightButton) {
+  void open(int button = leftButton) {
     app_.item();
     waitUntil("the whole menu", [&] {
       closed_ = pictureAtRest();
@@ -45,6 +45,14 @@ class PanelMenu {
     waitUntilClosed();
   }
 
+  /// Keeps the pointer on the icon until something shows besides it, and returns its place.
+  QRect waitForToolTip() {
+    closed_ = pictureAtRest();
+    desktop_.fingers().moveTo(desktop_.panel().waitForIcon().center());
+    waitUntil("a tool tip", [this] { return largestChange(closed_, picture()).width() > 60; });
+    return largestChange(closed_, picture());
+  }
+
   void waitUntilClosed() const {
     waitUntil("the menu to close", [this] { return findPlace().isNull(); });
   }
@@ -52,7 +60,7 @@ class PanelMenu {
   [[nodiscard]] QRect place() const { return place_; }
 
   /// Opens it and clicks the entry.
-  void choose(const std::string& label, int button = rightButton) {
+  void choose(const std::string& label, int button = leftButton) {
     open(button);
     click(label);
   }

@@ -1,7 +1,7 @@
 #include "Tests/Desktop/Harness/Sight.h"
 
 #include <algorithm>
-#include <array>
+#include <cmath>
 #include <cstdlib>
 #include <map>
 
@@ -11,6 +11,16 @@ namespace {
 int distance(QRgb one, QRgb other) {
   return std::max({std::abs(qRed(one) - qRed(other)), std::abs(qGreen(one) - qGreen(other)),
                    std::abs(qBlue(one) - qBlue(other))});
+}
+
+/// Relative to white, of an sRGB colour.
+double luminance(QRgb colour) {
+  const auto linear = [](int channel) {
+    const double part = channel / 255.0;
+    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(qRed(colour)) + 0.7152 * linear(qGreen(colour)) +
+         0.0722 * linear(qBlue(colour));
 }
 
 /// Not zero for each pixel that differs visibly; shadows hardly do.
@@ -70,12 +80,15 @@ QRgb groundOf(const QImage& picture) {
 
 }  // namespace
 
-int contrastOf(const QImage& picture) {
-  const int ground = qGray(picture.pixel(0, 0));
-  int contrast = 0;
+double contrastOf(const QImage& picture) {
+  const double ground = luminance(picture.pixel(0, 0));
+  double contrast = 1;
   for (int y = 0; y < picture.height(); ++y) {
     for (int x = 0; x < picture.width(); ++x) {
-      contrast = std::max(contrast, std::abs(qGray(picture.pixel(x, y)) - ground));
+      constexpr double glare = 0.05;
+      const double other = luminance(picture.pixel(x, y));
+      contrast =
+          std::max(contrast, (std::max(ground, other) + glare) / (std::min(ground, other) + glare));
     }
   }
   return contrast;
@@ -98,7 +111,7 @@ QRect largestChange(const QImage& before, const QImage& after) {
 
 std::vector<QRect> rowsOfText(const QImage& picture) {
   constexpr int legible = 40;
-  constexpr int frame = 6;
+  constexpr int frame = 24;  // With round corners.
   constexpr int smallestText = 5;
   const QRgb ground = groundOf(picture);
   const QRect inside = picture.rect().adjusted(frame, 0, -frame, 0);

@@ -6,8 +6,9 @@
 
 namespace zephlin::test {
 
-/// How far the most different pixel is from the one in the corner, of 255.
-int contrastOf(const QImage& picture);
+/// The contrast ratio (WCAG 2) of the most different pixel to the one in the corner, from 1 to 21.
+/// Symbols need 3.
+double contrastOf(const QImage& picture);
 
 /// The rectangle around the largest coherent part that two pictures of the same size do not have in
 /// common; empty if they look the same.

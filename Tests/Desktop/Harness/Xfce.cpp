@@ -44,6 +44,7 @@ class XfcePanel final : public Panel {
  public:
   XfcePanel(const Seat& seat, const Environment& environment)
       : Panel(seat.screen),
+        screen_(seat.screen),
         environment_(environment),
         program_({"/usr/bin/xfce4-panel", "--disable-wm-check"}, environment,
                  seat.folder + "/panel.log") {
@@ -57,9 +58,16 @@ class XfcePanel final : public Panel {
     runIn(environment_,
           {"/usr/bin/xfconf-query", "--channel", "xfce4-panel", "--property", "/panels/dark-mode",
            "--set", style == PanelStyle::Dark ? "true" : "false"});
+    waitUntil("the panel's style", [&] {
+      constexpr int middleGray = 128;
+      const QRect corner(place_.topLeft(), QSize(1, 1));
+      return (qGray(screen_.picture(corner).pixel(0, 0)) > middleGray) ==
+             (style == PanelStyle::Light);
+    });
   }
 
  private:
+  const Screen& screen_;
   Environment environment_;
   Program program_;
   QRect place_;
