@@ -105,8 +105,13 @@ Panel& Desktop::panel() {
 void Desktop::stopPanel() {
   panel_.reset();
   waitUntil("the tray to go", [this] {
-    return !hostIsReady(sessionConnection_) && !screen_.hasOwner("_NET_SYSTEM_TRAY_S0");
+    return !shell_->hasTray(sessionConnection_) && !screen_.hasOwner("_NET_SYSTEM_TRAY_S0");
   });
+}
+
+void Desktop::endSession() {
+  shell_->endSession();
+  screen_.end();
 }
 
 QStringList Desktop::registeredItems() const {

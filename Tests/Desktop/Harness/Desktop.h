@@ -53,6 +53,9 @@ class Desktop {
   Panel& panel();
   /// Returns when the tray is gone.
   void stopPanel();
+  /// Logs out: the shell ends, and the screen goes. Nothing but the destructor may be called
+  /// afterwards.
+  void endSession();
   /// The tray items that a panel knows; empty without one.
   [[nodiscard]] QStringList registeredItems() const;
 

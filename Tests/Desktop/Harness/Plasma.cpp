@@ -155,6 +155,11 @@ class Plasma : public Shell {
     return std::make_unique<PlasmaPanel>(seat_, programEnvironment());
   }
 
+  /// The watcher, which is a program of its own, always says so.
+  [[nodiscard]] bool hasTray(const BusConnection& sessionBus) const override {
+    return sessionBus.hasName("org.kde.plasmashell");
+  }
+
   void endSession() override {
     compositor_.send(SIGTERM);
     compositor_.waitForEnd();

@@ -28,6 +28,9 @@ class Screen {
   [[nodiscard]] std::string display() const { return ":" + server_.address(); }
   [[nodiscard]] const XConnection& connection() const { return connection_; }
 
+  /// Nothing but the destructor may be called afterwards.
+  void end() { server_.kill(); }
+
   [[nodiscard]] QSize size() const {
     const xcb_screen_t& screen = connection_.screen();
     return {screen.width_in_pixels, screen.height_in_pixels};

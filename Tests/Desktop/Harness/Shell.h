@@ -63,6 +63,11 @@ class Shell {
   /// Returns when it takes tray items.
   virtual std::unique_ptr<Panel> startPanel() = 0;
 
+  /// Whether there is a panel that shows tray items.
+  [[nodiscard]] virtual bool hasTray(const BusConnection& sessionBus) const {
+    return hostIsReady(sessionBus);
+  }
+
   /// To read back what was done with keys and buttons; the panel's own windows may be among them.
   [[nodiscard]] virtual std::vector<ShownWindow> windows() const = 0;
 
