@@ -17,7 +17,6 @@
 #include "Platform/Linux/Watching/EventDevices.h"
 #include "Platform/Linux/Watching/ServiceSubscription.h"
 #include "Platform/Linux/Watching/UdevMonitor.h"
-#include "Platform/Linux/Watching/WaylandKeyboards.h"
 #include "Platform/Linux/Watching/X11Keyboard.h"
 
 namespace zephlin {
@@ -70,15 +69,16 @@ class FocusedOrDevices final : public Observation {
  public:
   using Translation = std::function<std::vector<Event>(const EventValue&)>;
 
-  FocusedOrDevices(EventKind kind, Translation translate,
+  FocusedOrDevices(wl_display* compositor, EventKind kind, Translation translate,
                    std::function<void(const Event&)> callback)
       : callback_(std::move(callback)),
         translate_(std::move(translate)),
-        keyboards_(WaylandKeyboards::open([this](const WaylandKeyboards::Event& reported) {
-          if (const auto* event = std::get_if<Event>(&reported)) {
-            callback_.call(*event);
-          }
-        })),
+        keyboards_(WaylandKeyboards::open(compositor,
+                                          [this](const WaylandKeyboards::Event& reported) {
+                                            if (const auto* event = std::get_if<Event>(&reported)) {
+                                              callback_.call(*event);
+                                            }
+                                          })),
         devices_(openEventDevices(kind, [this](const EventValue& value) {
           const std::vector<Event> events = translate_(value);
           if (!keyboards_ || !keyboards_->hasFocus()) {
@@ -121,10 +121,11 @@ class LedChanges {
 }  // namespace
 
 LinuxHidDevices::LinuxHidDevices(WindowSystem desktop, std::function<bool()> holdsInputBack,
-                                 std::string socketPath)
+                                 std::string socketPath, std::function<wl_display*()> compositor)
     : desktop_(desktop),
       holdsInputBack_(std::move(holdsInputBack)),
-      socketPath_(std::move(socketPath)) {}
+      socketPath_(std::move(socketPath)),
+      compositor_(std::move(compositor)) {}
 
 std::unique_ptr<Observation> LinuxHidDevices::observeDeviceAppeared(
     std::function<void()> callback) {
@@ -145,8 +146,8 @@ std::variant<std::unique_ptr<Observation>, std::int32_t> LinuxHidDevices::openCa
       return key;
     }
   }
-  auto key = std::make_unique<FocusedOrDevices<KeyEvent>>(EventKind{EV_KEY, KEY_CAPSLOCK},
-                                                          keyEvents, deliver);
+  auto key = std::make_unique<FocusedOrDevices<KeyEvent>>(
+      compositor_(), EventKind{EV_KEY, KEY_CAPSLOCK}, keyEvents, deliver);
   if (const auto code = key->failure()) {
     return *code;
   }
@@ -165,10 +166,11 @@ std::optional<CapsLockKeyHelp> LinuxHidDevices::capsLockKeyHelp() {
 }
 
 LinuxEventTaps::LinuxEventTaps(WindowSystem desktop, std::function<bool()> holdsInputBack,
-                               std::string ledFolder)
+                               std::string ledFolder, std::function<wl_display*()> compositor)
     : desktop_(desktop),
       holdsInputBack_(std::move(holdsInputBack)),
-      ledFolder_(std::move(ledFolder)) {}
+      ledFolder_(std::move(ledFolder)),
+      compositor_(std::move(compositor)) {}
 
 LinuxEventTaps::~LinuxEventTaps() = default;
 
@@ -186,7 +188,8 @@ std::unique_ptr<Observation> LinuxEventTaps::listenToFlagsChanged(
     }
   }
   auto tap = std::make_unique<FocusedOrDevices<FlagsEvent>>(
-      EventKind{EV_LED, LED_CAPSL}, LedChanges(isAnyCapsLockLedOn(ledFolder_)), deliver);
+      compositor_(), EventKind{EV_LED, LED_CAPSL}, LedChanges(isAnyCapsLockLedOn(ledFolder_)),
+      deliver);
   return tap->failure() ? nullptr : std::move(tap);
 }
 

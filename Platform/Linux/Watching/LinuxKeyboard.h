@@ -9,6 +9,7 @@
 
 #include "KeyboardService/Protocol/Transport.h"
 #include "Platform/Keyboard.h"
+#include "Platform/Linux/Watching/WaylandKeyboards.h"
 #include "Platform/Linux/Watching/WindowSystem.h"
 
 namespace zephlin {
@@ -28,7 +29,8 @@ class LinuxHidDevices final : public HidDevices {
  public:
   /// `holdsInputBack` returns whether a menu of this process is open or an alert is modal.
   LinuxHidDevices(WindowSystem desktop, std::function<bool()> holdsInputBack,
-                  std::string socketPath = std::string(defaultSocketPath));
+                  std::string socketPath = std::string(defaultSocketPath),
+                  std::function<wl_display*()> compositor = waylandDisplay);
 
   std::unique_ptr<Observation> observeDeviceAppeared(std::function<void()> callback) override;
   std::variant<std::unique_ptr<Observation>, std::int32_t> openCapsLockKey(
@@ -39,6 +41,7 @@ class LinuxHidDevices final : public HidDevices {
   WindowSystem desktop_;
   std::function<bool()> holdsInputBack_;
   std::string socketPath_;
+  std::function<wl_display*()> compositor_;
 };
 
 /// Changes of modifiers. Under X11 they come from the X server's keyboard state, with Control as
@@ -51,7 +54,8 @@ class LinuxEventTaps final : public EventTaps {
 
   /// `holdsInputBack` returns whether a menu of this process is open or an alert is modal.
   LinuxEventTaps(WindowSystem desktop, std::function<bool()> holdsInputBack,
-                 std::string ledFolder = systemLedFolder);
+                 std::string ledFolder = systemLedFolder,
+                 std::function<wl_display*()> compositor = waylandDisplay);
   LinuxEventTaps(const LinuxEventTaps&) = delete;
   LinuxEventTaps& operator=(const LinuxEventTaps&) = delete;
   ~LinuxEventTaps() override;
@@ -65,6 +69,7 @@ class LinuxEventTaps final : public EventTaps {
   WindowSystem desktop_;
   std::function<bool()> holdsInputBack_;
   std::string ledFolder_;
+  std::function<wl_display*()> compositor_;
   /// Kept between readings, which may come every few milliseconds.
   std::unique_ptr<X11KeyboardState> x11State_;
 };

@@ -293,19 +293,19 @@ void Seats::add(std::uint32_t name) {
 
 }  // namespace
 
-std::unique_ptr<WaylandKeyboards> WaylandKeyboards::open(
-    std::function<void(const Event&)> callback) {
+wl_display* waylandDisplay() {
   auto* const native = QGuiApplication::platformNativeInterface();
-  void* const display =
-      native == nullptr ? nullptr : native->nativeResourceForIntegration("wl_display");
-  return display == nullptr ? nullptr
-                            : open(static_cast<wl_display*>(display), std::move(callback));
+  return native == nullptr
+             ? nullptr
+             : static_cast<wl_display*>(native->nativeResourceForIntegration("wl_display"));
 }
 
 std::unique_ptr<WaylandKeyboards> WaylandKeyboards::open(
     wl_display* display, std::function<void(const Event&)> callback) {
-  return wayland().marshal != nullptr ? std::make_unique<Seats>(display, std::move(callback))
-                                      : nullptr;
+  if (display == nullptr || wayland().marshal == nullptr) {
+    return nullptr;
+  }
+  return std::make_unique<Seats>(display, std::move(callback));
 }
 
 }  // namespace zephlin

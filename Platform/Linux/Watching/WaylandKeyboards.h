@@ -10,6 +10,9 @@ struct wl_display;
 
 namespace zephlin {
 
+/// Qt's connection to the compositor. Null if Qt has none. Main thread.
+wl_display* waylandDisplay();
+
 /// The Caps Lock key and the lock, as a Wayland compositor reports them to the window of this
 /// program that has the keyboard focus. It needs no permission. The key is the one at Caps Lock's
 /// place, whatever it is mapped to, and no other modifier is reported.
@@ -20,11 +23,9 @@ class WaylandKeyboards : public Observation {
  public:
   using Event = std::variant<KeyEvent, FlagsEvent>;
 
-  /// Watches the keyboards of all seats over Qt's connection to the compositor. Null if there is
-  /// none. Main thread; so are the callbacks.
-  static std::unique_ptr<WaylandKeyboards> open(std::function<void(const Event&)> callback);
-  /// As above, over a connection whose default queue is dispatched on Qt's loop. Must end before
-  /// it.
+  /// Watches the keyboards of all seats over a connection to the compositor whose default queue is
+  /// dispatched on Qt's loop, and which must outlive this. Null without a connection. Main thread;
+  /// so are the callbacks.
   static std::unique_ptr<WaylandKeyboards> open(wl_display* display,
                                                 std::function<void(const Event&)> callback);
 

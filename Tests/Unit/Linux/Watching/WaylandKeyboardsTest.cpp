@@ -242,7 +242,8 @@ TEST_F(WaylandKeyboardsTest, MayEndWithinACall) {
 }
 
 TEST(WaylandKeyboardsWithoutACompositor, AreNot) {
-  EXPECT_EQ(WaylandKeyboards::open([](const auto&) {}), nullptr);
+  EXPECT_EQ(waylandDisplay(), nullptr);
+  EXPECT_EQ(WaylandKeyboards::open(nullptr, [](const auto&) {}), nullptr);
 }
 
 }  // namespace
