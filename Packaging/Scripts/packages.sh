@@ -93,7 +93,7 @@ need_test_packages() {
     need_virtual_desktop_packages
     need_packages at-spi2-core libumockdev-dev libxcb-xtest0-dev python3-dbusmock qt6-qpa-plugins \
         strace trayer umockdev x11-xkb-utils
-    need_packages qt6-wayland sway swaybg waybar
+    need_packages qt6-wayland sway swaybg waybar weston
     need_packages appstream bash-completion desktop-file-utils dpkg-dev file fish lintian systemd zsh
 }
 

@@ -1,6 +1,7 @@
 #include "Platform/Linux/Windows/TitleBar.h"
 
 #include <QAbstractButton>
+#include <QCloseEvent>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -55,6 +56,12 @@ void CloseButton::paintEvent(QPaintEvent* /*event*/) {
   }
 }
 
+/// Unlike QWidget::close() and QWindow::close(), says that it comes from the user (spontaneous).
+void closeAsTheCompositor(const QWidget& window) {
+  QCloseEvent event;
+  QCoreApplication::sendEvent(window.windowHandle(), &event);
+}
+
 /// Moves the window when it is dragged.
 class TitleBar final : public QWidget {
  public:
@@ -73,8 +80,7 @@ TitleBar::TitleBar(QWidget& window) : QWidget(&window) {
   connect(&window, &QWidget::windowTitleChanged, title, &QLabel::setText);
 
   auto* close = new CloseButton();
-  // As if the compositor asked for it, which QWidget::close() is not.
-  connect(close, &CloseButton::clicked, &window, [&window] { window.windowHandle()->close(); });
+  connect(close, &CloseButton::clicked, &window, [&window] { closeAsTheCompositor(window); });
 
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins(margin, margin, margin, margin);
