@@ -38,7 +38,8 @@ void DesktopTest::TearDownTestSuite() {
 DesktopTest::DesktopTest() {
   beforeWaitingFails([] {
     const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
-    desktop().photographNow(std::string("failed-") + test->test_suite_name() + "." + test->name());
+    desktop().photographNow("failed-" + desktop().shell().name() + "-" + test->test_suite_name() +
+                            "." + test->name());
   });
   desktop().panel();
   desktop().keyboards().setAll(-1);

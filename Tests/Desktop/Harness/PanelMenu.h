@@ -19,19 +19,15 @@ class PanelMenu {
  public:
   PanelMenu(Desktop& desktop, App& app) : desktop_(desktop), app_(app) {}
 
-  /// Clicks the icon, again until the menu shows each entry that the item has. Some panels open
-  /// one of their own until they have read the item's.
+  /// Clicks the icon, again until the menu shows each entry that the item has. Until they have read
+  /// the item's, some panels open a menu of their own or an empty one.
   void open(int button = leftButton) {
     app_.item();
     waitUntil("the whole menu", [&] {
       closed_ = pictureAtRest();
       desktop_.fingers().click(desktop_.panel().waitForIcon().center(), button);
-      waitUntil("a menu", [this] { return !findPlace().isNull(); });
-      waitUntil("a still menu", [this] { return desktop_.screen().isStill(); });
-      place_ = findPlace();
-      rows_ = rowsOfText(desktop_.screen().picture(place_));
-      labels_ = labels();
-      if (rows_.size() == labels_.size()) {
+      lookAtMenu();
+      if (!labels_.empty() && rows_.size() == labels_.size()) {
         return true;
       }
       close();
@@ -76,6 +72,16 @@ class PanelMenu {
   }
 
  private:
+  void lookAtMenu() {
+    constexpr double patience = 5;
+    const double deadline = monotonicSeconds() + patience;
+    waitUntil("a menu", [&] { return !findPlace().isNull() || monotonicSeconds() > deadline; });
+    waitUntil("a still menu", [this] { return desktop_.screen().isStill(); });
+    place_ = findPlace();
+    rows_ = place_.isNull() ? std::vector<QRect>() : rowsOfText(desktop_.screen().picture(place_));
+    labels_ = labels();
+  }
+
   /// Where nothing reacts to the pointer.
   [[nodiscard]] QPoint elsewhere() const { return {2, desktop_.screen().size().height() / 2}; }
 
