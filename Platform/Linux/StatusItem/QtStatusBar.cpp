@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "Platform/Linux/StatusItem/StatusNotifierItem.h"
+#include "Platform/Linux/StatusItem/StatusNotifierWatcher.h"
 #include "Platform/Linux/StatusItem/SymbolIcons.h"
 #include "Platform/Linux/StatusItem/XEmbedItem.h"
 
@@ -24,7 +25,7 @@ constexpr std::chrono::seconds hostTimeout{3};
 /// and an XEmbed tray only if none has come for a while.
 class QtStatusItem final : public StatusItem {
  public:
-  QtStatusItem(std::function<bool()> isTerminating, std::function<void()> trayIsMissing);
+  QtStatusItem(std::function<bool()> isTerminating, std::function<void(bool)> presenceChanged);
   [[nodiscard]] bool hasButton() const override { return true; }
   void setButtonImage(const std::optional<SymbolImage>& image) override;
   void setButtonToolTip(const std::string& text) override;
@@ -32,48 +33,62 @@ class QtStatusItem final : public StatusItem {
   void menuTitlesDidChange() override { menu_.itemsDidChange(); }
 
  private:
+  enum class TrayKind { None, StatusNotifier, XEmbed };
+
   void hostsChanged();
   void xembedTrayChanged();
   void awaitHost();
-  void appearIn(std::unique_ptr<TrayEntry> entry);
+  void makeEntry(TrayKind kind);
+  void appear();
   void showImage();
 
   std::optional<SymbolImage> image_;
   std::string toolTip_;
   StatusMenu menu_;
+  std::function<void(bool)> presenceChanged_;
+  bool isMissed_ = false;
   StatusNotifierWatcher watcher_;
   XEmbedTray xembedTray_;
-  // Absent while there is no tray.
+  // Absent until there is a tray, and kept when it goes.
   std::unique_ptr<TrayEntry> entry_;
+  TrayKind kind_ = TrayKind::None;
   QTimer hostTimeout_;
+  QTimer presenceTimeout_;
   QTimer nextPass_;
   // Destroyed first: no callback runs after it.
   QObject context_;
 };
 
-QtStatusItem::QtStatusItem(std::function<bool()> isTerminating, std::function<void()> trayIsMissing)
+QtStatusItem::QtStatusItem(std::function<bool()> isTerminating,
+                           std::function<void(bool)> presenceChanged)
     : menu_(std::move(isTerminating),
             [this] {
               if (entry_) {
                 entry_->showMenu();
               }
             }),
+      presenceChanged_(std::move(presenceChanged)),
       watcher_([this] { hostsChanged(); }),
       xembedTray_([this] { xembedTrayChanged(); }) {
   hostTimeout_.setSingleShot(true);
   hostTimeout_.setInterval(watcher_.isPossible() ? hostTimeout : std::chrono::seconds(0));
   QObject::connect(&hostTimeout_, &QTimer::timeout, &context_, [this] {
     if (xembedTray_.isThere()) {
-      appearIn(std::make_unique<XEmbedItem>(xembedTray_, menu_));
+      makeEntry(TrayKind::XEmbed);
+      appear();
     }
   });
   nextPass_.setSingleShot(true);
   QObject::connect(&nextPass_, &QTimer::timeout, &context_, [this] { menu_.update(); });
-  QTimer::singleShot(QtStatusBar::patience, &context_, [this, missing = std::move(trayIsMissing)] {
+  presenceTimeout_.setSingleShot(true);
+  presenceTimeout_.setInterval(QtStatusBar::patience);
+  QObject::connect(&presenceTimeout_, &QTimer::timeout, &context_, [this] {
     if (!watcher_.hasHost() && !xembedTray_.isThere()) {
-      missing();
+      isMissed_ = true;
+      presenceChanged_(false);
     }
   });
+  presenceTimeout_.start();
   awaitHost();
 }
 
@@ -102,19 +117,22 @@ void QtStatusItem::setMenu(std::shared_ptr<Menu> menu) {
 }
 
 void QtStatusItem::hostsChanged() {
-  entry_.reset();
   if (watcher_.hasHost()) {
     hostTimeout_.stop();
-    appearIn(std::make_unique<StatusNotifierItem>(watcher_, menu_));
+    if (kind_ != TrayKind::StatusNotifier) {
+      makeEntry(TrayKind::StatusNotifier);
+    }
+    appear();
   } else {
+    presenceTimeout_.start();
     awaitHost();
   }
 }
 
 void QtStatusItem::xembedTrayChanged() {
-  if (entry_) {
+  if (kind_ == TrayKind::XEmbed) {
     showImage();
-  } else {
+  } else if (!watcher_.hasHost()) {
     awaitHost();
   }
 }
@@ -125,12 +143,26 @@ void QtStatusItem::awaitHost() {
   }
 }
 
-void QtStatusItem::appearIn(std::unique_ptr<TrayEntry> entry) {
-  entry_ = std::move(entry);
+void QtStatusItem::makeEntry(TrayKind kind) {
+  kind_ = kind;
+  // Never in two trays.
+  entry_.reset();
+  if (kind == TrayKind::XEmbed) {
+    entry_ = std::make_unique<XEmbedItem>(xembedTray_, menu_);
+  } else {
+    entry_ = std::make_unique<StatusNotifierItem>(menu_);
+  }
+}
+
+void QtStatusItem::appear() {
   showImage();
   entry_->setToolTip(QString::fromStdString(toolTip_));
   menu_.update();
   entry_->appear();
+  presenceTimeout_.stop();
+  if (std::exchange(isMissed_, false)) {
+    presenceChanged_(true);
+  }
 }
 
 void QtStatusItem::showImage() {
@@ -151,14 +183,15 @@ class HiddenStatusItem final : public StatusItem {
 
 }  // namespace
 
-QtStatusBar::QtStatusBar(std::function<bool()> isTerminating, std::function<void()> trayIsMissing)
-    : isTerminating_(std::move(isTerminating)), trayIsMissing_(std::move(trayIsMissing)) {}
+QtStatusBar::QtStatusBar(std::function<bool()> isTerminating,
+                         std::function<void(bool)> presenceChanged)
+    : isTerminating_(std::move(isTerminating)), presenceChanged_(std::move(presenceChanged)) {}
 
 std::unique_ptr<StatusItem> QtStatusBar::makeStatusItem() {
   if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
     return std::make_unique<HiddenStatusItem>();
   }
-  return std::make_unique<QtStatusItem>(isTerminating_, trayIsMissing_);
+  return std::make_unique<QtStatusItem>(isTerminating_, presenceChanged_);
 }
 
 std::optional<SymbolImage> QtStatusBar::systemSymbol(const std::string& name,

@@ -12,13 +12,14 @@ namespace zephlin {
 /// Main thread, while the QApplication lives.
 class QtStatusBar final : public StatusBar {
  public:
-  /// How long an item may take to find a tray, before `trayIsMissing`.
+  /// How long an item may be in no tray before that is reported.
   static constexpr std::chrono::seconds patience{6};
 
-  /// `isTerminating` returns whether the application was asked to terminate. `trayIsMissing` is
-  /// called from the event loop, once for each item that is in no tray when `patience` has passed
-  /// since it was made; never without a display. A tray that comes later still shows the item.
-  QtStatusBar(std::function<bool()> isTerminating, std::function<void()> trayIsMissing);
+  /// `isTerminating` returns whether the application was asked to terminate. `presenceChanged` is
+  /// called from the event loop: with false when an item has been in no tray for `patience`, and
+  /// with true when it appears in one after that. Never without a display.
+  QtStatusBar(std::function<bool()> isTerminating,
+              std::function<void(bool isInTray)> presenceChanged);
 
   /// Without a display (Qt's platform "offscreen") the item has no button.
   std::unique_ptr<StatusItem> makeStatusItem() override;
@@ -27,7 +28,7 @@ class QtStatusBar final : public StatusBar {
 
  private:
   std::function<bool()> isTerminating_;
-  std::function<void()> trayIsMissing_;
+  std::function<void(bool)> presenceChanged_;
 };
 
 }  // namespace zephlin

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QUuid>
 
 #include "Platform/Linux/StatusItem/SymbolIcons.h"
 #include "Platform/Linux/StatusItem/SymbolMasks.h"
@@ -9,20 +10,18 @@
 
 namespace zephlin {
 
-namespace {
-
-/// The item's name on the bus.
-QString service() {
-  return QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid());
+StatusNotifierItem::StatusNotifierItem(StatusMenu& menu)
+    : menu_(menu),
+      bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus,
+                                         QUuid::createUuid().toString())) {
+  registerStatusNotifierTypes();
+  bus_.registerObject(menuPath().path(), &menu_, QDBusConnection::ExportAllContents);
+  bus_.registerObject(QStringLiteral("/StatusNotifierItem"), this,
+                      QDBusConnection::ExportAllContents);
 }
 
-}  // namespace
-
-StatusNotifierItem::StatusNotifierItem(StatusNotifierWatcher& watcher, StatusMenu& menu)
-    : watcher_(watcher), menu_(menu), bus_(QDBusConnection::sessionBus()) {}
-
 StatusNotifierItem::~StatusNotifierItem() {
-  bus_.unregisterService(service());
+  QDBusConnection::disconnectFromBus(bus_.name());
 }
 
 void StatusNotifierItem::setIconName(const std::optional<QString>& iconName) {
@@ -35,15 +34,6 @@ void StatusNotifierItem::setIconName(const std::optional<QString>& iconName) {
 void StatusNotifierItem::setToolTip(const QString& text) {
   toolTip_ = text;
   Q_EMIT NewToolTip();
-}
-
-void StatusNotifierItem::appear() {
-  registerStatusNotifierTypes();
-  bus_.registerObject(menuPath().path(), &menu_, QDBusConnection::ExportAllContents);
-  bus_.registerObject(QStringLiteral("/StatusNotifierItem"), this,
-                      QDBusConnection::ExportAllContents);
-  bus_.registerService(service());
-  watcher_.registerItem(service());
 }
 
 void StatusNotifierItem::ProvideXdgActivationToken(const QString& token) {

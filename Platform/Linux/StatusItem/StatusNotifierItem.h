@@ -13,8 +13,10 @@
 
 namespace zephlin {
 
-/// The status item as an object on the session bus, under a name of its own. Main thread.
-/// Protocol: freedesktop.org, StatusNotifierItem.
+/// The status item as an object on the session bus, on a connection of its own, whose end removes
+/// it from panels. It has no name there, although the protocol asks for one: when GNOME's
+/// AppIndicator extension 46 sees the name appear, it forgets the properties it has just read, and
+/// then fails to read them again. Main thread. Protocol: freedesktop.org, StatusNotifierItem.
 ///
 /// A click shows the menu, which the panel draws. Panels find that out in two ways: waybar 0.9.17
 /// and xfce4-panel 4.18 read ItemIsMenu; Plasma 5.27 and GNOME's AppIndicator extension 46 call
@@ -37,8 +39,8 @@ class StatusNotifierItem final : public QObject, public TrayEntry {
   Q_PROPERTY(QDBusObjectPath Menu READ menuPath CONSTANT)
 
  public:
-  /// The watcher and the menu outlive the item.
-  StatusNotifierItem(StatusNotifierWatcher& watcher, StatusMenu& menu);
+  /// The menu outlives the item.
+  explicit StatusNotifierItem(StatusMenu& menu);
   StatusNotifierItem(const StatusNotifierItem&) = delete;
   StatusNotifierItem& operator=(const StatusNotifierItem&) = delete;
   ~StatusNotifierItem() override;
@@ -46,7 +48,7 @@ class StatusNotifierItem final : public QObject, public TrayEntry {
   void setIconName(const std::optional<QString>& iconName) override;
   void setToolTip(const QString& text) override;
   void showMenu() override { menu_.show(); }
-  void appear() override;
+  void appear() override { StatusNotifierWatcher::registerItem(bus_); }
 
  public Q_SLOTS:
   /// Called before the panel reports a choice: the right to bring the next window to the front.
@@ -72,7 +74,6 @@ class StatusNotifierItem final : public QObject, public TrayEntry {
   [[nodiscard]] static bool isMenu() { return true; }
   [[nodiscard]] static QDBusObjectPath menuPath();
 
-  StatusNotifierWatcher& watcher_;
   StatusNotifierMenu menu_;
   QDBusConnection bus_;
   std::optional<QString> iconName_;

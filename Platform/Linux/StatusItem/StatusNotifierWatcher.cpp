@@ -31,12 +31,12 @@ StatusNotifierWatcher::StatusNotifierWatcher(std::function<void()> hostsChanged)
   ask();
 }
 
-void StatusNotifierWatcher::registerItem(const QString& service) {
+void StatusNotifierWatcher::registerItem(const QDBusConnection& item) {
   auto message = QDBusMessage::createMethodCall(watcherName, watcherPath, watcherName,
                                                 QLatin1String("RegisterStatusNotifierItem"));
-  message << service;
+  message << item.baseService();
   message.setAutoStartService(false);
-  bus_.asyncCall(message);
+  item.asyncCall(message);
 }
 
 void StatusNotifierWatcher::ask() {

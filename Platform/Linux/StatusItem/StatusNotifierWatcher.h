@@ -3,7 +3,6 @@
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
 #include <QObject>
-#include <QString>
 #include <functional>
 
 namespace zephlin {
@@ -21,8 +20,9 @@ class StatusNotifierWatcher final : public QObject {
   /// Whether there can be hosts: there is a session bus.
   [[nodiscard]] bool isPossible() const { return bus_.isConnected(); }
   [[nodiscard]] bool hasHost() const { return hasHost_; }
-  /// To be called again for each register that comes. `service` is the item's name on the bus.
-  void registerItem(const QString& service);
+  /// Registers the item that is on a connection of its own. To be called for each register that
+  /// comes.
+  static void registerItem(const QDBusConnection& item);
 
  private Q_SLOTS:
   void hostRegistered() { setHasHost(true); }

@@ -14,7 +14,8 @@ class TrayEntry {
   virtual void setToolTip(const QString& text) = 0;
   /// Shows the entries that the menu has now.
   virtual void showMenu() = 0;
-  /// To be called when everything is set: panels read it at once.
+  /// To be called when everything is set, as panels read it at once; and again when a
+  /// StatusNotifier host comes back.
   virtual void appear() = 0;
 };
 

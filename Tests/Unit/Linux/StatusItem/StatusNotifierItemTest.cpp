@@ -60,8 +60,8 @@ class StatusNotifierItemTest : public ::testing::Test {
 
   InstalledIcons icons_{true};
   BusConnection bus_{sessionBusAddress()};
-  int missingTrays_ = 0;
-  QtStatusBar bar_{[] { return false; }, [this] { ++missingTrays_; }};
+  std::vector<bool> presences_;
+  QtStatusBar bar_{[] { return false; }, [this](bool isInTray) { presences_.push_back(isInTray); }};
   std::unique_ptr<StatusItem> item_;
   std::optional<TrayItem> shown_;
 };
@@ -163,18 +163,23 @@ TEST_F(StatusNotifierItemTest, LeavesAnXEmbedTrayForAPanelThatComesLater) {
   EXPECT_TRUE(eventually([] { return !QGuiApplication::allWindows().isEmpty(); }));
 }
 
-TEST_F(StatusNotifierItemTest, ReportsOnceThatThereIsNoTray) {
+TEST_F(StatusNotifierItemTest, ReportsThatItIsInNoTrayAndWhenItIsInOneAfterThat) {
   makeItem();
-  ASSERT_TRUE(eventually([this] { return missingTrays_ == 1; }));
-  FakePanel panel;
-  EXPECT_TRUE(appearsIn(panel));
+  ASSERT_TRUE(eventually([this] { return !presences_.empty(); }));
+  EXPECT_EQ(presences_, std::vector{false});
+  std::optional<FakePanel> panel(std::in_place);
+  ASSERT_TRUE(appearsIn(*panel));
+  EXPECT_EQ(presences_, (std::vector{false, true}));
+  panel.reset();
+  ASSERT_TRUE(eventually([this] { return presences_.size() == 3; }));
+  EXPECT_FALSE(presences_.back());
 }
 
-TEST_F(StatusNotifierItemTest, ReportsNothingInATray) {
+TEST_F(StatusNotifierItemTest, ReportsNothingWhileItIsInATray) {
   FakePanel panel;
   makeItem();
   runLoopFor(QtStatusBar::patience + std::chrono::milliseconds(100));
-  EXPECT_EQ(missingTrays_, 0);
+  EXPECT_TRUE(presences_.empty());
 }
 
 TEST_F(ShownStatusNotifierItemTest, KeepsItsPlaceWithoutAnImage) {

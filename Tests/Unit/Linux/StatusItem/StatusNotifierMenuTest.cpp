@@ -40,7 +40,7 @@ class StatusNotifierMenuTest : public ::testing::Test {
 
   FakePanel panel_;
   BusConnection bus_{sessionBusAddress()};
-  QtStatusBar bar_{[] { return false; }, [] {}};
+  QtStatusBar bar_{[] { return false; }, [](bool) {}};
   std::shared_ptr<SampleMenu> sample_ = SampleMenu::make();
   std::unique_ptr<StatusItem> item_;
   std::unique_ptr<TrayItem> shown_;

@@ -158,14 +158,14 @@ TEST(SymbolIcons, AnUnknownSymbolHasNoIcon) {
 }
 
 TEST(QtStatusBarTest, KnowsExactlyTheSymbolsThatHaveAnIcon) {
-  QtStatusBar bar([] { return false; }, [] {});
+  QtStatusBar bar([] { return false; }, [](bool) {});
   EXPECT_EQ(bar.systemSymbol("capslock", "Zephlin"), (SymbolImage{"capslock", "Zephlin", false}));
   EXPECT_FALSE(bar.systemSymbol("", "Zephlin"));
   EXPECT_FALSE(bar.systemSymbol("zephlin-capslock-symbolic", "Zephlin"));
 }
 
 TEST(QtStatusBarTest, AnItemHasNoButtonWithoutADisplay) {
-  QtStatusBar bar([] { return false; }, [] {});
+  QtStatusBar bar([] { return false; }, [](bool) {});
   const auto item = bar.makeStatusItem();
   EXPECT_FALSE(item->hasButton());
   item->setButtonImage(bar.systemSymbol("capslock", "Zephlin"));

@@ -27,7 +27,7 @@ class XEmbedItemTest : public ::testing::Test {
     return eventually([&tray, &colour] { return tray.hasIcon() && tray.iconColour() == colour; });
   }
 
-  QtStatusBar bar_{[] { return false; }, [] {}};
+  QtStatusBar bar_{[] { return false; }, [](bool) {}};
   std::shared_ptr<SampleMenu> sample_ = SampleMenu::make();
   std::unique_ptr<StatusItem> item_;
 };
