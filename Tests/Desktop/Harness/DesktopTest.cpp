@@ -1,7 +1,9 @@
 #include "Tests/Desktop/Harness/DesktopTest.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "Tests/Desktop/Harness/Xfce.h"
 
@@ -29,6 +31,18 @@ Desktop& DesktopTest::desktop() {
     sharedDesktop() = std::make_unique<Desktop>(shellOfSessions());
   }
   return *sharedDesktop();
+}
+
+std::string DesktopTest::titleOfActiveWindow() {
+  const std::vector<ShownWindow> windows = desktop().shell().windows();
+  const auto active = std::find_if(windows.begin(), windows.end(),
+                                   [](const ShownWindow& window) { return window.isActive; });
+  return active == windows.end() ? "" : active->title;
+}
+
+void DesktopTest::waitForActiveWindow(const std::string& title) {
+  waitUntil([&] { return title + " to be the active window instead of " + titleOfActiveWindow(); },
+            [&] { return titleOfActiveWindow() == title; });
 }
 
 void DesktopTest::TearDownTestSuite() {

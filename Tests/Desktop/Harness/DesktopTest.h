@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "Tests/Desktop/Harness/App.h"
 #include "Tests/Desktop/Harness/Desktop.h"
 #include "Tests/Desktop/Harness/Waiting.h"
@@ -21,6 +23,8 @@ class DesktopTest : public testing::Test {
   void TearDown() override;
 
   static Desktop& desktop();
+  static std::string titleOfActiveWindow();
+  static void waitForActiveWindow(const std::string& title);
   static void TearDownTestSuite();
 };
 

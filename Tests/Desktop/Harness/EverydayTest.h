@@ -32,19 +32,6 @@ class EverydayTest : public DesktopTest {
     return windows;
   }
 
-  static std::string titleOfActiveWindow() {
-    const std::vector<ShownWindow> windows = desktop().shell().windows();
-    const auto active = std::find_if(windows.begin(), windows.end(),
-                                     [](const ShownWindow& window) { return window.isActive; });
-    return active == windows.end() ? "" : active->title;
-  }
-
-  static void waitForActiveWindow(const std::string& title) {
-    waitUntil(
-        [&] { return title + " to be the active window instead of " + titleOfActiveWindow(); },
-        [&] { return titleOfActiveWindow() == title; });
-  }
-
   /// With the key for it.
   void closeWindow() {
     desktop().fingers().tap(Key::Escape);
