@@ -76,6 +76,7 @@ std::unique_ptr<Updater> LinuxPlatform::makeStartedUpdater() {
 // Waiting for a run of hidutil that hangs would keep the process alive without its icon. Everything
 // that has to last is in files by now.
 void LinuxPlatform::leaveWork() {
+  statusReporter_.withdraw();
   if (!dispatch_.abandonSerialQueues()) {
     std::_Exit(EXIT_SUCCESS);
   }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "Platform/Linux/Windows/ActivationToken.h"
+#include "Platform/Linux/Windows/QtWindowServer.h"
 
 namespace zephlin {
 
@@ -36,8 +37,8 @@ void StatusReporter::report() {
 void StatusReporter::trayChanged(bool showsItem) {
   isTrayMissing_ = !showsItem;
   if (showsItem) {
-    notification_.withdraw();
-  } else if (!std::exchange(hasGivenAdvice_, true)) {
+    withdraw();
+  } else if (!std::exchange(hasGivenAdvice_, true) && shownWindows().isEmpty()) {
     application_.readStatus([this](const std::string& status) {
       if (isTrayMissing_) {
         show(status, advice, [] {});
@@ -52,10 +53,10 @@ void StatusReporter::reportSwitch() {
   }
 }
 
-void StatusReporter::show(const std::string& status, const QString& advice,
+void StatusReporter::show(const std::string& status, const QString& more,
                           std::function<void()> failed) {
   notification_.show({.summary = QGuiApplication::applicationDisplayName(),
-                      .body = QString::fromStdString(status) + advice,
+                      .body = QString::fromStdString(status) + more,
                       .action = QStringLiteral("Tap Test")},
                      std::move(failed));
 }

@@ -20,14 +20,16 @@ class StatusReporter {
   void report();
   /// To be called when it turns out that no tray shows the status item (false), and when one does
   /// after all (true). The first time, a notification says how to reach the application without
-  /// it; a tray takes that away.
+  /// it, unless a window of it is open; a tray takes that away.
   void trayChanged(bool showsItem);
+  /// Takes the notification away.
+  void withdraw() { notification_.withdraw(); }
   /// The user has switched the application on or off from outside. Without a tray, they see
   /// nothing of it otherwise.
   void reportSwitch();
 
  private:
-  void show(const std::string& status, const QString& advice, std::function<void()> failed);
+  void show(const std::string& status, const QString& more, std::function<void()> failed);
   void showAlert(const std::string& status);
 
   LinuxApplication& application_;

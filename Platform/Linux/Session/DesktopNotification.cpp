@@ -21,7 +21,8 @@ constexpr QLatin1String serverPath("/org/freedesktop/Notifications");
 constexpr QLatin1String clickAction("default");
 constexpr int serversOwnTimeout = -1;
 /// The bus may have to start the server first, and what it starts may hang.
-constexpr int replyMilliseconds = 5000;
+constexpr int serverMilliseconds = 5000;
+constexpr int pingMilliseconds = 500;
 
 }  // namespace
 
@@ -108,6 +109,10 @@ void NotificationServer::withdraw() {
   isWanted_ = false;
   if (const uint shown = std::exchange(id_, 0); shown != 0) {
     call("CloseNotification", {shown}, [](const QDBusMessage& /*reply*/) {});
+    // The bus answers in order: it has the message above when it answers this one.
+    bus_.call(QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                             "org.freedesktop.DBus.Peer", "Ping"),
+              QDBus::Block, pingMilliseconds);
   }
 }
 
@@ -117,7 +122,7 @@ void NotificationServer::call(const char* method, const QVariantList& arguments,
       QDBusMessage::createMethodCall(serverName, serverPath, serverName, QLatin1String(method));
   message.setArguments(arguments);
   const auto* pending =
-      new QDBusPendingCallWatcher(bus_.asyncCall(message, replyMilliseconds), this);
+      new QDBusPendingCallWatcher(bus_.asyncCall(message, serverMilliseconds), this);
   connect(pending, &QDBusPendingCallWatcher::finished, this,
           [finished](QDBusPendingCallWatcher* call) {
             call->deleteLater();

@@ -9,7 +9,8 @@ namespace zephlin {
 class NotificationServer;
 
 /// The one notification that the application has on the desktop at a time (org.freedesktop
-/// .Notifications). Nothing here waits for the desktop. Main thread, while the QApplication lives.
+/// .Notifications). Nothing here waits for the desktop's answers. Main thread, while the
+/// QApplication lives.
 class DesktopNotification {
  public:
   struct Content {
@@ -29,7 +30,7 @@ class DesktopNotification {
   /// Shows it, in place of the one that is still shown. Calls `failed` from the event loop if the
   /// desktop has no notifications.
   void show(const Content& content, std::function<void()> failed);
-  /// Takes it off the desktop, also if the desktop has yet to show it.
+  /// Takes it off the desktop, also if the desktop has yet to show it, or if the process ends next.
   void withdraw();
 
  private:

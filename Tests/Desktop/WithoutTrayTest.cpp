@@ -1,0 +1,58 @@
+// A desktop that has no tray.
+
+#include "Tests/Desktop/Harness/DesktopTest.h"
+#include "Tests/Support/FakeNotifications.h"
+
+namespace zephlin::test {
+namespace {
+
+class WithoutTray : public DesktopTest {
+ protected:
+  WithoutTray() { desktop().stopPanel(); }
+
+  void waitForNotification(const QString& beginning) {
+    waitUntil("the notification " + beginning.toStdString(), [&] {
+      return !notifications_.shown().isEmpty() &&
+             notifications_.shown().first().body.startsWith(beginning);
+    });
+  }
+
+  FakeNotifications notifications_{QString::fromStdString(desktop().sessionBusAddress())};
+};
+
+TEST_F(WithoutTray, ANotificationSaysWhatIsOnAndHowToReachItAndConfirmsASwitch) {
+  App app(desktop());
+  waitForNotification("On. Every tap registers instantly\n");
+  EXPECT_TRUE(notifications_.shown().first().body.contains("Start Zephlin again"));
+  EXPECT_EQ(notifications_.shown().first().icon, "com.quorvenel.zephlin");
+  for (const auto& [option, status] :
+       {std::pair("--switch-off", "Off, using your Mac's normal delay"),
+        std::pair("--switch-on", "On. Every tap registers instantly")}) {
+    App second(desktop(), {.home = app.home(), .command = {"/usr/bin/Zephlin", option}});
+    EXPECT_EQ(second.program().waitForEnd(), 0);
+    waitUntil(status, [&, text = QString(status)] {
+      return notifications_.shown().size() == 1 && notifications_.shown().first().body == text;
+    });
+  }
+  notifications_.click("");
+  desktop().screen().waitForWindow("Tap Test");
+}
+
+TEST_F(WithoutTray, ATrayThatComesTakesTheNotificationAway) {
+  App app(desktop());
+  waitForNotification("On. Every tap registers instantly\n");
+  desktop().panel();
+  waitUntil("the notification to go", [this] { return notifications_.shown().isEmpty(); });
+  app.waitForStatusLine("On. Every tap registers instantly");
+}
+
+TEST_F(WithoutTray, NothingIsSaidToAUserWhoSeesItsWindow) {
+  App app(desktop(), {.environment = {{"ZEPHLIN_PREVIEW", "taptest"}}});
+  desktop().screen().waitForWindow("Tap Test");
+  const double since = monotonicSeconds();
+  waitUntil("some time to pass", [&] { return monotonicSeconds() > since + 8; });
+  EXPECT_EQ(notifications_.timesShown(), 0);
+}
+
+}  // namespace
+}  // namespace zephlin::test
