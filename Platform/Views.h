@@ -128,6 +128,8 @@ class Label final : public View {
     Kind kind = Kind::SingleLine;
     Font font = {};
     TextAlignment alignment = TextAlignment::Natural;
+    /// Whether screen readers say what it has changed to, where the platform lets them.
+    bool isAnnounced = false;
     /// Where a wrapping label breaks its lines.
     std::optional<double> preferredMaxLayoutWidth = std::nullopt;
   };

@@ -48,6 +48,13 @@ std::shared_ptr<Label> makeParagraph(const char* text, const Font& font, ColorRo
   return makeLabel(text, Label::Kind::Wrapping, font, color);
 }
 
+/// Who cannot see the window hears the verdict.
+std::shared_ptr<Label> makeVerdict() {
+  const Label::Style style{
+      .font = verdictFont, .alignment = TextAlignment::Center, .isAnnounced = true};
+  return std::make_shared<Label>("", style, Color{ColorRole::SecondaryLabel});
+}
+
 }  // namespace
 
 TapTestController::TapTestController(Platform& platform)
@@ -55,7 +62,7 @@ TapTestController::TapTestController(Platform& platform)
       pressCountLabel_(makeLine("0", countFont, ColorRole::Label)),
       toggleCountLabel_(makeLine("0", countFont, ColorRole::Label)),
       latencyLabel_(makeLine("", latencyFont, ColorRole::TertiaryLabel)),
-      verdictLabel_(makeLine("", verdictFont, ColorRole::SecondaryLabel)),
+      verdictLabel_(makeVerdict()),
       verdictPill_(
           std::make_shared<RoundedView>(separatorColor, std::nullopt, pillRadius, contentWidth)),
       channelNoteLabel_(makeParagraph("", noteFont, ColorRole::TertiaryLabel)) {

@@ -1,9 +1,12 @@
 #include "Platform/Linux/Windows/LabelWidget.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QStyle>
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <utility>
 
@@ -26,11 +29,36 @@ QFont::Weight realise(FontWeight weight) {
 }
 
 /// Only size and weight: the family stays the system's, also when the user changes it.
-QFont realise(const Font& font) {
+QFont realise(const Font& font, qreal pixelsPerPoint) {
   QFont realised;
-  realised.setPixelSize(static_cast<int>(std::lround(font.pointSize)));
+  realised.setPixelSize(static_cast<int>(std::lround(font.pointSize * pixelsPerPoint)));
   realised.setWeight(realise(font.weight));
   return realised;
+}
+
+/// A text must stay for this long to be announced: one that is about to change again is not read
+/// out.
+constexpr std::chrono::milliseconds announcementDelay{500};
+
+/// A label whose changes screen readers say. They do that for notifications: what Orca makes of an
+/// object of this role is its name, each time it comes to be shown.
+class AnnouncedLabel final : public QAccessibleWidget {
+ public:
+  explicit AnnouncedLabel(QLabel& label)
+      : QAccessibleWidget(&label, QAccessible::Notification), label_(label) {}
+
+  [[nodiscard]] QString text(QAccessible::Text which) const override {
+    return which == QAccessible::Name ? label_.text() : QAccessibleWidget::text(which);
+  }
+
+ private:
+  QLabel& label_;
+};
+
+/// Called for every widget, under each name of its class and its base classes.
+QAccessibleInterface* makeLabelInterface(const QString& /*className*/, QObject* object) {
+  auto* const label = dynamic_cast<LabelWidget*>(object);
+  return label != nullptr && label->isAnnounced() ? new AnnouncedLabel(*label) : nullptr;
 }
 
 bool isDigit(QChar character) {
@@ -65,14 +93,22 @@ FixedDigitLine::FixedDigitLine(const QString& text, const Advance& advance) {
   }
 }
 
-LabelWidget::LabelWidget(Label& label, QWidget* parent) : QLabel(parent), label_(label) {
+LabelWidget::LabelWidget(Label& label, QWidget* parent, qreal pixelsPerPoint)
+    : QLabel(parent), label_(label), pixelsPerPoint_(pixelsPerPoint) {
   setTextFormat(Qt::PlainText);
-  setFont(realise(label_.style.font));
+  setFont(realise(label_.style.font, pixelsPerPoint_));
   setAlignment(
       (label_.style.alignment == TextAlignment::Center ? Qt::AlignHCenter : Qt::AlignLeading) |
       Qt::AlignVCenter);
   setText(QString::fromStdString(label_.text()));
   label_.needsDisplay = false;
+  if (isAnnounced()) {
+    QAccessible::installFactory(makeLabelInterface);
+    announced_ = text();
+    announcement_.setSingleShot(true);
+    announcement_.setInterval(announcementDelay);
+    connect(&announcement_, &QTimer::timeout, this, [this] { announce(); });
+  }
 }
 
 QSize LabelWidget::sizeHint() const {
@@ -80,9 +116,8 @@ QSize LabelWidget::sizeHint() const {
   if (!wraps()) {
     return {natural, fontMetrics().height()};
   }
-  const int width = label_.style.preferredMaxLayoutWidth
-                        ? std::min(natural, static_cast<int>(*label_.style.preferredMaxLayoutWidth))
-                        : natural;
+  const auto& limit = label_.style.preferredMaxLayoutWidth;
+  const int width = limit ? std::min(natural, static_cast<int>(*limit * pixelsPerPoint_)) : natural;
   return {width, heightForWidth(width)};
 }
 
@@ -98,6 +133,8 @@ int LabelWidget::heightForWidth(int width) const {
 
 void LabelWidget::paintEvent(QPaintEvent*) {
   QPainter painter(this);
+  // Left to right or right to left as the text is, also in windows of the other direction.
+  painter.setLayoutDirection(Qt::LayoutDirectionAuto);
   painter.setPen(resolve(label_.textColor(), appearanceOf(palette())));
   // A line that has less room than it needs shrinks, so that nothing is cut off.
   const qreal scale = wraps() ? 1 : std::min(1.0, width() / lineWidth());
@@ -145,8 +182,18 @@ void LabelWidget::displayIfNeeded() {
     if (textDidChange) {
       textDidChange();
     }
+    if (isAnnounced()) {
+      announcement_.start();
+    }
   }
   update();
+}
+
+void LabelWidget::announce() {
+  if (std::exchange(announced_, text()) != text() && isVisible()) {
+    QAccessibleEvent event(this, QAccessible::ObjectShow);
+    QAccessible::updateAccessibility(&event);
+  }
 }
 
 }  // namespace zephlin

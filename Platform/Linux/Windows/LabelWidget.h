@@ -2,6 +2,7 @@
 
 #include <QLabel>
 #include <QString>
+#include <QTimer>
 #include <functional>
 #include <vector>
 
@@ -35,11 +36,14 @@ class FixedDigitLine {
 };
 
 /// Shows a label, which it must not outlive. It is a QLabel for screen readers and focus,
-/// with its own sizes and painting. A point is a device-independent pixel. Main thread.
+/// with its own sizes and painting. Main thread.
 class LabelWidget final : public QLabel {
  public:
-  LabelWidget(Label& label, QWidget* parent);
+  /// A point is this many device-independent pixels.
+  LabelWidget(Label& label, QWidget* parent, qreal pixelsPerPoint);
 
+  /// As Label::Style::isAnnounced.
+  [[nodiscard]] bool isAnnounced() const { return label_.style.isAnnounced; }
   /// Shows the label's text and colour if it needs display.
   void displayIfNeeded();
 
@@ -56,6 +60,7 @@ class LabelWidget final : public QLabel {
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  void announce();
   [[nodiscard]] bool wraps() const { return label_.style.kind == Label::Kind::Wrapping; }
   [[nodiscard]] qreal lineWidth() const;
   [[nodiscard]] int drawingFlags() const;
@@ -63,6 +68,9 @@ class LabelWidget final : public QLabel {
   void drawDigitLine(QPainter& painter, const QRectF& box) const;
 
   Label& label_;
+  qreal pixelsPerPoint_;
+  QString announced_;
+  QTimer announcement_;
 };
 
 }  // namespace zephlin

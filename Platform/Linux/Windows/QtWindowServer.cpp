@@ -1,5 +1,6 @@
 #include "Platform/Linux/Windows/QtWindowServer.h"
 
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QBuffer>
 #include <QCloseEvent>
@@ -9,6 +10,7 @@
 #include <QPixmap>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <utility>
 
 #include "Platform/Linux/Windows/ActivationToken.h"
@@ -22,6 +24,9 @@ namespace {
 constexpr Qt::WindowFlags floatingDialog = Qt::Dialog | Qt::CustomizeWindowHint |
                                            Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                                            Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint;
+
+/// How much of a screen's height and width a window may take; the rest is for its frame.
+constexpr qreal shareOfScreen = 0.94;
 
 /// A floating window of fixed size that the user can only close, by its button or by Esc; it then
 /// hides. The delegate is called when the user closes it, not when the application ends.
@@ -38,31 +43,63 @@ class WindowWidget final : public QWidget {
   std::weak_ptr<WindowDelegate> delegate;
 
  protected:
+  void changeEvent(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
   void tellDelegateAndHide();
+  void showContent(qreal pixelsPerPoint);
+  void takeSizeOfContent();
 
   // What the widgets show.
   const std::shared_ptr<View> contentView_;
-  QWidget* content_;
+  qreal pixelsPerPoint_ = usualPixelsPerPoint();
+  QWidget* content_ = nullptr;
 };
 
+/// For Qt a window that is no QDialog is just a part of something, and screen readers do not read
+/// such a part out.
+QAccessibleInterface* makeWindowInterface(const QString& /*className*/, QObject* object) {
+  auto* const window = dynamic_cast<WindowWidget*>(object);
+  return window == nullptr ? nullptr : new QAccessibleWidget(window, QAccessible::Dialog);
+}
+
 WindowWidget::WindowWidget(const WindowDescription& description, std::shared_ptr<View> contentView)
-    : QWidget(nullptr, floatingDialog),
-      contentView_(std::move(contentView)),
-      content_(realise(*contentView_, this)) {
+    : QWidget(nullptr, floatingDialog), contentView_(std::move(contentView)) {
+  QAccessible::installFactory(makeWindowInterface);
   setWindowTitle(QString::fromStdString(description.title));
-  setFixedSize(static_cast<int>(description.contentWidth),
-               static_cast<int>(description.contentHeight));
-  auto* layout = new QVBoxLayout(this);
+  setFixedSize(
+      (QSizeF(description.contentWidth, description.contentHeight) * pixelsPerPoint_).toSize());
+  showContent(pixelsPerPoint_);
+}
+
+void WindowWidget::showContent(qreal pixelsPerPoint) {
+  // A title bar of our own (TitleBar.h) stays.
+  QWidget* const titleBar = layout() == nullptr ? nullptr : layout()->menuBar();
+  delete layout();
+  delete content_;
+  // Before its layout, which otherwise remembers sizes that the content had while it was built.
+  content_ = realise(*contentView_, this, pixelsPerPoint);
+  auto* const layout = new QVBoxLayout(this);
   layout->setContentsMargins({});
   layout->setSizeConstraint(QLayout::SetNoConstraint);
+  layout->setMenuBar(titleBar);
   layout->addWidget(content_);
 }
 
 void WindowWidget::sizeToFitContent() {
+  takeSizeOfContent();
+  // Large text may not fit on the screen.
+  const QSizeF room = QSizeF(screen()->availableSize()) * shareOfScreen;
+  const qreal share = std::min(room.width() / width(), room.height() / height());
+  if (share < 1) {
+    showContent(pixelsPerPoint_ * share);
+    takeSizeOfContent();
+  }
+}
+
+void WindowWidget::takeSizeOfContent() {
   layout()->setSizeConstraint(QLayout::SetFixedSize);
   layout()->activate();
 }
@@ -81,6 +118,23 @@ void WindowWidget::makeKeyAndOrderFront() {
     setFocus();
   }
   comeToFront(*this);
+}
+
+void WindowWidget::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::FontChange) {
+    // Later, because Qt tells the content too.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+          const qreal usual = usualPixelsPerPoint();
+          if (std::exchange(pixelsPerPoint_, usual) != usual) {
+            showContent(usual);
+            sizeToFitContent();
+          }
+        },
+        Qt::QueuedConnection);
+  }
+  QWidget::changeEvent(event);
 }
 
 void WindowWidget::closeEvent(QCloseEvent* event) {

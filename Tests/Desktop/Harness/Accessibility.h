@@ -4,6 +4,7 @@
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
+#include <QRect>
 #include <algorithm>
 #include <stdexcept>
 #include <string>
@@ -50,6 +51,29 @@ class Accessibility {
     return {};
   }
 
+  /// What kind of thing has this name, in AT-SPI's words; empty if there is none.
+  [[nodiscard]] std::string roleOf(pid_t process, const std::string& name) const {
+    const Object object = objectNamed(process, name);
+    return object.path.isEmpty()
+               ? std::string()
+               : call(object, "Accessible", "GetRoleName").at(0).toString().toStdString();
+  }
+
+  /// Where it is on the screen.
+  [[nodiscard]] QRect placeOf(pid_t process, const std::string& name) const {
+    constexpr uint onTheScreen = 0;
+    const auto extents = qvariant_cast<QDBusArgument>(
+        call(objectNamed(process, name), "Component", "GetExtents", {onTheScreen}).at(0));
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    extents.beginStructure();
+    extents >> x >> y >> width >> height;
+    extents.endStructure();
+    return {x, y, width, height};
+  }
+
   void waitForName(pid_t process, const std::string& name) const {
     waitUntil("something named " + name, [&] {
       const std::vector<std::string> names = namesIn(process);
@@ -60,13 +84,8 @@ class Accessibility {
   /// Waits until there is a button with this name, and pushes it.
   void push(pid_t process, const std::string& button) const {
     waitForName(process, button);
-    for (const Object& object : objectsIn(process)) {
-      if (object.name == button) {
-        constexpr int firstAction = 0;
-        call(object, "Action", "DoAction", {firstAction});
-        return;
-      }
-    }
+    constexpr int firstAction = 0;
+    call(objectNamed(process, button), "Action", "DoAction", {firstAction});
   }
 
  private:
@@ -75,6 +94,16 @@ class Accessibility {
     QString path;
     std::string name;
   };
+
+  /// Empty if there is none.
+  [[nodiscard]] Object objectNamed(pid_t process, const std::string& name) const {
+    for (const Object& object : objectsIn(process)) {
+      if (object.name == name) {
+        return object;
+      }
+    }
+    return {};
+  }
 
   void addDescendants(const Object& parent, std::vector<Object>& found) const {
     for (const Object& child : childrenOf(parent)) {

@@ -15,6 +15,7 @@ constexpr std::uint8_t capsLockKeycode = 66;
 
 /// X keysyms that tests press.
 enum class Key : xcb_keysym_t {
+  Tab = 0xFF09,
   Return = 0xFF0D,
   Escape = 0xFF1B,
   Down = 0xFF54,

@@ -38,6 +38,11 @@ TEST_F(Accessibility, ACountIsReadWithItsCaption) {
   EXPECT_EQ(nameOf(verdict()), "1 tap went missing. The delay is on");
 }
 
+TEST_F(Accessibility, TheVerdictIsANotification) {
+  EXPECT_EQ(roleOf(verdict()), QAccessible::Notification);
+  EXPECT_EQ(roleOf(latency()), QAccessible::StaticText);
+}
+
 TEST_F(Accessibility, TheButtonIsAButton) {
   EXPECT_EQ(nameOf(row(6)), "Reset");
   EXPECT_EQ(roleOf(row(6)), QAccessible::Button);
