@@ -91,7 +91,7 @@ need_test_packages() {
     need_desktop_build_packages libgtest-dev clang libclang-rt-14-dev clang-format clang-tidy \
         shellcheck git mandoc python3 python3-yaml
     need_virtual_desktop_packages
-    need_packages at-spi2-core libumockdev-dev libxcb-xtest0-dev python3-dbusmock qt6-qpa-plugins \
+    need_packages at-spi2-core libumockdev-dev libxcb-xtest0-dev locales python3-dbusmock qt6-qpa-plugins \
         strace trayer umockdev x11-xkb-utils
     need_packages qt6-wayland sway swaybg waybar weston
     need_packages appstream bash-completion desktop-file-utils dpkg-dev file fish lintian systemd zsh

@@ -2,6 +2,7 @@
 
 #include <QIcon>
 #include <QIconEngine>
+#include <QLocale>
 #include <QMetaObject>
 #include <algorithm>
 #include <cstdlib>
@@ -71,6 +72,9 @@ LinuxApplication::LinuxApplication(int& argc, char** argv)
   QApplication::setDesktopFileName("com.quorvenel.zephlin");
   QApplication::setWindowIcon(QIcon(new ThemeIconEngine(QApplication::desktopFileName())));
   QApplication::setQuitOnLastWindowClosed(false);
+  // Qt goes by the language of its translations, and there are none.
+  QApplication::setLayoutDirection(
+      QLocale(QLocale::system().uiLanguages().value(0)).textDirection());
 }
 
 bool LinuxApplication::isDisplayed() const {
