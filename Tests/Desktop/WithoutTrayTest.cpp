@@ -35,7 +35,7 @@ TEST_F(WithoutTray, ANotificationSaysWhatIsOnAndHowToReachItAndConfirmsASwitch) 
     });
   }
   notifications_.click("");
-  desktop().screen().waitForWindow("Tap Test");
+  waitForActiveWindow("Tap Test");
 }
 
 TEST_F(WithoutTray, ATrayThatComesTakesTheNotificationAway) {
@@ -48,7 +48,7 @@ TEST_F(WithoutTray, ATrayThatComesTakesTheNotificationAway) {
 
 TEST_F(WithoutTray, NothingIsSaidToAUserWhoSeesItsWindow) {
   App app(desktop(), {.environment = {{"ZEPHLIN_PREVIEW", "taptest"}}});
-  desktop().screen().waitForWindow("Tap Test");
+  waitForActiveWindow("Tap Test");
   const double since = monotonicSeconds();
   waitUntil("some time to pass", [&] { return monotonicSeconds() > since + 8; });
   EXPECT_EQ(notifications_.timesShown(), 0);
