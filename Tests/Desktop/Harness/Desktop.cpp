@@ -37,8 +37,13 @@ Environment userEnvironment(const std::string& home) {
   return environment;
 }
 
-/// As the package installs them.
-void installIcons(const std::filesystem::path& dataFolder) {
+/// The icons and the desktop file, which gives windows theirs under Wayland, as the package
+/// installs them.
+void installApplication(const std::filesystem::path& dataFolder) {
+  const std::filesystem::path desktopFile = DESKTOP_FILE;
+  std::filesystem::create_directories(dataFolder / "applications");
+  std::filesystem::create_symlink(desktopFile,
+                                  dataFolder / "applications" / desktopFile.filename());
   const auto folder = dataFolder / "icons/hicolor/scalable/status";
   std::filesystem::create_directories(folder);
   for (const auto& icon : std::filesystem::directory_iterator(ICON_FOLDER)) {
@@ -51,7 +56,7 @@ void installIcons(const std::filesystem::path& dataFolder) {
 }  // namespace
 
 SessionFolder::SessionFolder() {
-  installIcons(file("share"));
+  installApplication(file("share"));
 }
 
 Desktop::Desktop(const MakeShell& makeShell)

@@ -62,10 +62,17 @@ class GnomePanel final : public Panel {
     return {left, 0, menu.at(0).toInt() - left, menu.at(2).toInt()};
   }
 
-  void setStyle(PanelStyle style) override {
-    if (style == PanelStyle::Light) {
-      throw std::logic_error("GNOME's top bar is always dark");
-    }
+  [[nodiscard]] std::vector<PanelStyle> styles() const override { return {PanelStyle::Dark}; }
+
+  void setStyle(PanelStyle /*style*/) override {}
+
+  /// The extension loses an item that is clicked before the extension has read all about it.
+  [[nodiscard]] QRect placeOfIcons() const override {
+    const QString areRead =
+        evaluate(seat_.sessionBus,
+                 "Object.values(Main.panel.statusArea).map(icon => icon._indicator)"
+                 "  .every(indicator => !indicator?._proxy || indicator._commandLine)");
+    return areRead == "true" ? Panel::placeOfIcons() : QRect();
   }
 
  private:
