@@ -42,7 +42,7 @@ double luminance(const QColor& colour) {
 }
 
 double contrast(const QColor& one, const QColor& other) {
-  const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
+  const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
   return (lighter + 0.05) / (darker + 0.05);
 }
 
