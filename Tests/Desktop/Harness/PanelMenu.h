@@ -30,7 +30,7 @@ class PanelMenu {
       if (!labels_.empty() && rows_.size() == labels_.size()) {
         return true;
       }
-      close();
+      desktop_.fingers().click(elsewhere());
       return false;
     });
   }
