@@ -12,8 +12,7 @@ namespace {
 
 constexpr const char* advice =
     "\nThis desktop has no tray for its icon. Start Zephlin again to open the tap test. To switch "
-    "it "
-    "on or off, right-click its launcher.";
+    "it on or off, right-click its launcher.";
 
 }  // namespace
 
