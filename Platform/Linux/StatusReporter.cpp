@@ -11,7 +11,7 @@ namespace zephlin {
 namespace {
 
 constexpr const char* advice =
-    "\nThis desktop has no tray for its icon. Start Zephlin again to open the tap test. To switch "
+    "This desktop has no tray for its icon. Start Zephlin again to open the tap test. To switch "
     "it on or off, right-click its launcher.";
 
 }  // namespace
@@ -54,8 +54,10 @@ void StatusReporter::reportSwitch() {
 
 void StatusReporter::show(const std::string& status, const QString& more,
                           std::function<void()> failed) {
-  notification_.show({.summary = QGuiApplication::applicationDisplayName(),
-                      .body = QString::fromStdString(status) + more,
+  // Some desktops show the beginning of the body alone.
+  notification_.show({.summary = QGuiApplication::applicationDisplayName() + QLatin1String(": ") +
+                                 QString::fromStdString(status),
+                      .body = more,
                       .action = QStringLiteral("Tap Test")},
                      std::move(failed));
 }

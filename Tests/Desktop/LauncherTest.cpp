@@ -37,9 +37,10 @@ class Launcher : public DesktopTest {
                                  "org.freedesktop.Application", "ActivateAction"},
                                 {QString::fromStdString(action), QVariantList(), QVariantMap()});
   }
-  void waitForNotification(const QString& body) {
-    waitUntil("the notification " + body.toStdString(), [&] {
-      return !notifications_.shown().isEmpty() && notifications_.shown().first().body == body;
+  void waitForNotification(const QString& status) {
+    waitUntil("the notification " + status.toStdString(), [&] {
+      return !notifications_.shown().isEmpty() &&
+             notifications_.shown().first().summary == "Zephlin: " + status;
     });
   }
 
