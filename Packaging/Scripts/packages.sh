@@ -70,7 +70,7 @@ need_virtual_machine_packages() {
 
 # GNOME Shell with an extension for tray icons, for the label gnome.
 need_gnome_packages() {
-    need_packages gnome-shell gnome-shell-extension-appindicator
+    need_packages gjs gnome-shell gnome-shell-extension-appindicator
 }
 
 # Plasma for Wayland and for X11, for the label kde.
