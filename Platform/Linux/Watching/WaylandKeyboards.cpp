@@ -3,10 +3,8 @@
 #include <linux/input-event-codes.h>
 #include <qpa/qplatformnativeinterface.h>
 #include <unistd.h>
-#include <wayland-client-protocol.h>
 
 #include <QGuiApplication>
-#include <QLibrary>
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -20,6 +18,7 @@
 #include "Base/FileDescriptor.h"
 #include "Platform/Linux/Watching/EndableCallback.h"
 #include "Platform/Linux/Watching/ServerTime.h"
+#include "Platform/Linux/Watching/WaylandLibrary.h"
 
 namespace zephlin {
 
@@ -31,41 +30,6 @@ using SteadyClock = std::chrono::steady_clock;
 constexpr std::uint32_t lockModifier = 1U << 1U;
 /// Its keyboards, too, can be released. In all compositors since 2015.
 constexpr std::uint32_t seatVersion = 5;
-
-/// What is used of libwayland-client. It is not linked, so that X11 sessions do not load it.
-class WaylandLibrary {
- public:
-  WaylandLibrary()
-      : library_("wayland-client", 0),
-        marshal(resolve<decltype(marshal)>("wl_proxy_marshal_array_flags")),
-        addListener(resolve<decltype(addListener)>("wl_proxy_add_listener")),
-        destroy(resolve<decltype(destroy)>("wl_proxy_destroy")),
-        registryInterface(resolve<decltype(registryInterface)>("wl_registry_interface")),
-        seatInterface(resolve<decltype(seatInterface)>("wl_seat_interface")),
-        keyboardInterface(resolve<decltype(keyboardInterface)>("wl_keyboard_interface")) {}
-
- private:
-  template <typename Symbol>
-  Symbol resolve(const char* name) {
-    return reinterpret_cast<Symbol>(library_.resolve(name));
-  }
-
-  QLibrary library_;
-
- public:
-  /// Null before version 1.20, which has all the others.
-  decltype(&::wl_proxy_marshal_array_flags) const marshal;
-  decltype(&::wl_proxy_add_listener) const addListener;
-  decltype(&::wl_proxy_destroy) const destroy;
-  const wl_interface* const registryInterface;
-  const wl_interface* const seatInterface;
-  const wl_interface* const keyboardInterface;
-};
-
-const WaylandLibrary& wayland() {
-  static const WaylandLibrary library;
-  return library;
-}
 
 /// Destroys an object of the protocol by its own request, or on this side only.
 struct ProxyDeleter {

@@ -14,6 +14,7 @@
 #include <memory>
 #include <utility>
 
+#include "Platform/Linux/Windows/GnomeStartup.h"
 #include "Platform/Linux/Windows/TitleBar.h"
 
 namespace zephlin {
@@ -142,6 +143,8 @@ void setActivationToken(const QString& token) {
   currentToken() = {token, QDeadlineTimer(lifetime)};
   if (xcb_connection_t* const server = xConnection()) {
     endStartupNotification(server, token.toUtf8());
+  } else {
+    endGnomeStartup(token.toUtf8());
   }
 }
 

@@ -7,7 +7,7 @@ namespace zephlin {
 
 /// The right to bring the next window to the front, as a launcher or a panel hands it over: an
 /// xdg-activation token under Wayland, a startup id under X11. It can be used once, within a few
-/// seconds. Under X11 the launcher's busy cursor goes at once, as not every start opens a window.
+/// seconds. Under X11 and on GNOME the busy cursor goes at once, as not every start opens a window.
 /// Empty does nothing. Main thread, with a QApplication.
 void setActivationToken(const QString& token);
 
