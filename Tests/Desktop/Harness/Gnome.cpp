@@ -2,7 +2,6 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <csignal>
 #include <filesystem>
 #include <stdexcept>
@@ -108,21 +107,15 @@ class Gnome final : public Shell {
   }
 
   [[nodiscard]] std::vector<ShownWindow> windows() const override {
-    std::vector<ShownWindow> windows;
-    const QString list = evaluate(
-        seat_.sessionBus,
-        "global.get_window_actors().map(actor => actor.meta_window)"
-        "  .filter(window => !window.minimized).map(window => [window.title, window.get_pid(),"
-        "    window.get_frame_rect(), window.has_focus()]).map(([title, process, place, active]) =>"
-        "    [title, process, place.x, place.y, place.width, place.height, active])");
-    for (const QJsonValue value : QJsonDocument::fromJson(list.toUtf8()).array()) {
-      const QJsonArray window = value.toArray();
-      windows.push_back({window.at(0).toString().toStdString(), window.at(1).toInt(),
-                         QRect(window.at(2).toInt(), window.at(3).toInt(), window.at(4).toInt(),
-                               window.at(5).toInt()),
-                         window.at(6).toBool()});
-    }
-    return windows;
+    return windowsInJson(
+        evaluate(
+            seat_.sessionBus,
+            "global.get_window_actors().map(actor => actor.meta_window)"
+            "  .filter(window => !window.minimized).map(window => [window.title, window.get_pid(),"
+            "    window.get_frame_rect(), window.has_focus()]).map(([title, process, place, "
+            "active]) =>"
+            "    [title, process, place.x, place.y, place.width, place.height, active])")
+            .toUtf8());
   }
 
   void endSession() override {

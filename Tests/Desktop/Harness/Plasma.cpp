@@ -1,7 +1,5 @@
 #include "Tests/Desktop/Harness/Plasma.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <csignal>
 #include <filesystem>
 #include <stdexcept>
@@ -256,16 +254,7 @@ class PlasmaOnWayland final : public Plasma {
   static std::vector<ShownWindow> parse(const std::string& log, const std::string& head) {
     const auto begin = log.find(head) + head.size();
     const std::string line = log.substr(begin, log.find('\n', begin) - begin);
-    std::vector<ShownWindow> windows;
-    for (const QJsonValue value :
-         QJsonDocument::fromJson(QByteArray::fromStdString(line)).array()) {
-      const QJsonArray window = value.toArray();
-      windows.push_back({window.at(0).toString().toStdString(), window.at(1).toInt(),
-                         QRect(window.at(2).toInt(), window.at(3).toInt(), window.at(4).toInt(),
-                               window.at(5).toInt()),
-                         window.at(6).toBool()});
-    }
-    return windows;
+    return windowsInJson(QByteArray::fromStdString(line));
   }
 };
 

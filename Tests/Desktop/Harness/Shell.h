@@ -2,6 +2,10 @@
 
 #include <sys/types.h>
 
+#include <QByteArray>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonValue>
 #include <QRect>
 #include <functional>
 #include <memory>
@@ -41,6 +45,19 @@ inline std::vector<ShownWindow> listedWindows(const Screen& screen) {
     windows.push_back({server.property(window, "_NET_WM_NAME"),
                        process.empty() ? 0 : static_cast<pid_t>(process.front()),
                        screen.placeOf(window), !active.empty() && active.front() == window});
+  }
+  return windows;
+}
+
+/// What a shell's own script lists: title, process, x, y, width, height and whether it is active.
+inline std::vector<ShownWindow> windowsInJson(const QByteArray& list) {
+  std::vector<ShownWindow> windows;
+  for (const QJsonValue value : QJsonDocument::fromJson(list).array()) {
+    const QJsonArray window = value.toArray();
+    windows.push_back({window.at(0).toString().toStdString(), window.at(1).toInt(),
+                       QRect(window.at(2).toInt(), window.at(3).toInt(), window.at(4).toInt(),
+                             window.at(5).toInt()),
+                       window.at(6).toBool()});
   }
   return windows;
 }
