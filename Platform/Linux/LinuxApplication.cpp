@@ -72,7 +72,7 @@ LinuxApplication::LinuxApplication(int& argc, char** argv)
   QApplication::setDesktopFileName("com.quorvenel.zephlin");
   QApplication::setWindowIcon(QIcon(new ThemeIconEngine(QApplication::desktopFileName())));
   QApplication::setQuitOnLastWindowClosed(false);
-  // Qt goes by the language of its translations, and there are none.
+  // Qt takes the direction from its translations, of which Zephlin loads none.
   QApplication::setLayoutDirection(
       QLocale(QLocale::system().uiLanguages().value(0)).textDirection());
 }

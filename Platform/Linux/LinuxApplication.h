@@ -19,7 +19,7 @@ class LinuxApplication final : public Application {
     std::function<bool()> handOverToRunningInstance;
     /// Makes the key equivalents of a menu work in the application's windows.
     std::function<void(std::shared_ptr<Menu>)> setMainMenu;
-    /// Called when the delegate was told that launching has finished.
+    /// Called after the delegate's applicationDidFinishLaunching().
     std::function<void()> hasLaunched;
     /// Called when the event loop has ended.
     std::function<void()> loopHasEnded;

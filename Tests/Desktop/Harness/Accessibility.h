@@ -51,7 +51,7 @@ class Accessibility {
     return {};
   }
 
-  /// What kind of thing has this name, in AT-SPI's words; empty if there is none.
+  /// The AT-SPI role of the object with this name; empty if no object has it.
   [[nodiscard]] std::string roleOf(pid_t process, const std::string& name) const {
     const Object object = objectNamed(process, name);
     return object.path.isEmpty()
@@ -95,7 +95,7 @@ class Accessibility {
     std::string name;
   };
 
-  /// Empty if there is none.
+  /// Empty if nothing is found.
   [[nodiscard]] Object objectNamed(pid_t process, const std::string& name) const {
     for (const Object& object : objectsIn(process)) {
       if (object.name == name) {

@@ -41,7 +41,7 @@ void bindClientsCompositor(void* data, wl_registry* registry, std::uint32_t name
 PrivateCompositor::PrivateCompositor() : server_(wl_display_create()) {
   std::array<int, 2> sockets{};
   if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets.data()) != 0) {
-    throw std::runtime_error("there is no pair of sockets");
+    throw std::runtime_error("cannot make a pair of sockets");
   }
   wl_client_create(server_, sockets[0]);
   client_ = wl_display_connect_to_fd(sockets[1]);
