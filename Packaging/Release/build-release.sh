@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# Makes a release's files from its sources, beside their tarball: build-release.sh TARBALL
+#
+# make-release.sh calls it in the unpacked tarball, with an environment that is the same everywhere.
+set -euo pipefail
+tarball=$(realpath "$1")
+files=$(dirname "$tarball")
+cd "$(dirname "$0")/../.."
+# shellcheck source=Packaging/Scripts/packages.sh
+. Packaging/Scripts/packages.sh
+version=$(project_version <CMakeLists.txt)
+archive=$files/Zephlin-$version-macos.zip
+
+step "Building the Debian packages"
+quietly cmake --preset release -DBUILD_TESTING=OFF
+cmake --build --preset release
+(cd build/release && quietly cpack -G DEB)
+mv build/release/zephlin*.deb "$files/"
+
+step "Building Zephlin.app"
+Packaging/macOS/build-archive.sh "$archive"
+
+step "Making the Homebrew cask"
+Packaging/macOS/make-cask.sh "$archive" "$version" "$files/zephlin.rb"
+
+step "Building the RPM packages"
+[ ! -x Packaging/RPM/make-packages.sh ] || Packaging/RPM/make-packages.sh "$tarball" "$files"
+
+step "Making the PKGBUILD"
+[ ! -x Packaging/Arch/make-pkgbuild.sh ] || Packaging/Arch/make-pkgbuild.sh "$tarball" "$files"
+
+step "Writing the bill of materials, the release notes and the checksums"
+bill=$TMPDIR/zephlin-$version.cdx.json
+node Packaging/Release/BillOfMaterials/make.mjs "$files" "$version" "$bill"
+mv "$bill" "$files/"
+Packaging/Release/make-release-notes.sh "$version" >"$files/release-notes.md"
+(cd "$files" && sha256sum -- * >"$TMPDIR/SHA256SUMS")
+mv "$TMPDIR/SHA256SUMS" "$files/"
