@@ -17,9 +17,6 @@ constexpr std::chrono::seconds timeToNextThread{5};
 /// whose keys it passes on.
 constexpr std::chrono::seconds timeToChangeHands{1};
 
-/// A clone belongs to this seat, whatever the seat of its original (udev's ID_SEAT).
-constexpr std::string_view seatOfClones = "seat0";
-
 /// Unique among the keyboards that are present, as numbers of devices are.
 BusHandle handleOf(dev_t number) {
   return BusHandle{number};
@@ -104,26 +101,15 @@ void EvdevKeyboardBus::disappeared(dev_t number) {
   nextLook_.setDelay(timeToChangeHands);
 }
 
-EvdevKeyboardBus::Way EvdevKeyboardBus::wayFor(const Entry& entry) {
-  if (!entry.delay) {
-    return Way::LeftAlone;
-  }
-  if (entry.delay->count() == 0 && entry.node.hasCapsLockLed) {
-    return Way::Watched;
-  }
-  return entry.node.description.seat == seatOfClones ? Way::Grabbed : Way::Impossible;
-}
-
 /// Makes what is done to the keyboard follow its delay.
 void EvdevKeyboardBus::follow(Entry& entry) {
-  const Way way = wayFor(entry);
+  const KeyboardWay way = wayFor(entry.node, entry.delay);
   if (entry.thread && (entry.isEnding || entry.wayOfThread != way)) {
     endThread(entry);
-  } else if (way == Way::LeftAlone) {
+  } else if (way == KeyboardWay::LeftAlone) {
     report(entry, {});
-  } else if (way == Way::Impossible) {
-    report(entry,
-           {Kind::NotInForce, "on " + entry.node.description.seat + ", which cannot have a clone"});
+  } else if (way == KeyboardWay::Impossible) {
+    report(entry, {Kind::NotInForce, whyImpossible(entry.node)});
   } else if (entry.thread) {
     entry.thread->setRule({*entry.delay, tapGap_});
   } else {
@@ -131,7 +117,7 @@ void EvdevKeyboardBus::follow(Entry& entry) {
   }
 }
 
-void EvdevKeyboardBus::startThread(Entry& entry, Way way) {
+void EvdevKeyboardBus::startThread(Entry& entry, KeyboardWay way) {
   const auto find = [this, handle = entry.handle]() -> Entry& { return entries_.at(handle); };
   KeyboardThread::Callbacks callbacks{
       [this, find](const KeyboardState& state) { report(find(), state); },
@@ -140,8 +126,8 @@ void EvdevKeyboardBus::startThread(Entry& entry, Way way) {
   try {
     entry.thread = std::make_unique<KeyboardThread>(
         loop_, threadName(entry.node),
-        way == Way::Watched ? devices_.watch(entry.node)
-                            : devices_.grab(entry.node, {*entry.delay, tapGap_}),
+        way == KeyboardWay::Watched ? devices_.watch(entry.node)
+                                    : devices_.grab(entry.node, {*entry.delay, tapGap_}),
         std::move(callbacks));
     entry.wayOfThread = way;
     report(entry, {Kind::Settling, "not ready yet"});

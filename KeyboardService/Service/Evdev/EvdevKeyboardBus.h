@@ -10,6 +10,7 @@
 
 #include "KeyboardService/Service/Evdev/KeyboardNodes.h"
 #include "KeyboardService/Service/Evdev/KeyboardThread.h"
+#include "KeyboardService/Service/Evdev/KeyboardWay.h"
 #include "KeyboardService/Service/EventLoop.h"
 #include "KeyboardService/Service/KeyboardBus.h"
 #include "KeyboardService/Service/Log.h"
@@ -17,8 +18,7 @@
 namespace zephlin {
 
 /// The machine's keyboards. One is not even opened unless its `CapsLockDelayOverride` asks for
-/// something else than the system's own behaviour. Then it gets a thread, and is watched if that is
-/// enough: with a delay of 0 and a Caps Lock LED. Otherwise it is grabbed.
+/// something else than the system's own behaviour. Then it gets a thread and is watched or grabbed.
 class EvdevKeyboardBus final : public KeyboardBus {
  public:
   using Appeared = std::function<void(const KeyboardNode& node)>;
@@ -47,14 +47,12 @@ class EvdevKeyboardBus final : public KeyboardBus {
   void check(BusHandle handle) override;
 
  private:
-  enum class Way { LeftAlone, Watched, Grabbed, Impossible };
-
   struct Entry {
     BusHandle handle{};
     KeyboardNode node;
     std::optional<std::chrono::milliseconds> delay;
     std::unique_ptr<KeyboardThread> thread;
-    Way wayOfThread = Way::LeftAlone;
+    KeyboardWay wayOfThread = KeyboardWay::LeftAlone;
     bool isEnding = false;
     std::size_t openChecks = 0;
     KeyboardState state;
@@ -62,9 +60,8 @@ class EvdevKeyboardBus final : public KeyboardBus {
 
   void appeared(const KeyboardNode& node);
   void disappeared(dev_t number);
-  static Way wayFor(const Entry& entry);
   void follow(Entry& entry);
-  void startThread(Entry& entry, Way way);
+  void startThread(Entry& entry, KeyboardWay way);
   void endThread(Entry& entry);
   void lose(Entry& entry, const std::string& reason);
   void tryAgain();

@@ -95,6 +95,15 @@ void EventNode::write(std::initializer_list<InputEvent> events) {
   }
 }
 
+bool EventNode::hearsProbe() {
+  bool isHeard = false;
+  writeProbe();
+  readAll([&](const InputEvent& event, std::chrono::microseconds) {
+    isHeard = isHeard || isProbe(event);
+  });
+  return isHeard;
+}
+
 bool EventNode::grab() {
   if (::ioctl(descriptor(), EVIOCGRAB, 1) == 0) {
     return true;

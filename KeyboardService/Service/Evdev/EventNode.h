@@ -58,6 +58,10 @@ class EventNode {
     return event.type == EV_SYN && (event.code == SYN_CONFIG || event.code == SYN_DROPPED);
   }
 
+  /// Writes the probe and drops all that has arrived. Returns false if another program has grabbed
+  /// the keyboard.
+  bool hearsProbe();
+
   /// Returns false if another program has grabbed it.
   bool grab();
   void ungrab();

@@ -70,12 +70,7 @@ void GrabbedKeyboard::confirm() {
     node().requireUsable();
     return;
   }
-  bool isHeard = false;
-  node().writeProbe();
-  node().readAll([&](const InputEvent& event, std::chrono::microseconds) {
-    isHeard = isHeard || EventNode::isProbe(event);
-  });
-  if (!isHeard) {
+  if (!node().hearsProbe()) {
     endClone();
     becomeHeld();
   } else if (!clone_) {

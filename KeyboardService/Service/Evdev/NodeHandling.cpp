@@ -16,8 +16,6 @@ using Kind = KeyboardState::Kind;
 
 constexpr std::chrono::seconds timeBetweenTries = 5s;
 
-constexpr std::string_view held = "held by another program";
-
 }  // namespace
 
 NodeHandling::NodeHandling(EventLoop& loop, KeyboardNode node, Report report)
@@ -70,10 +68,11 @@ void NodeHandling::close() noexcept {
 }
 
 void NodeHandling::becomeHeld() {
-  const bool isKnown = state_.kind == Kind::NotInForce && state_.text.starts_with(held);
+  const bool isKnown = state_.kind == Kind::NotInForce && state_.text.starts_with(heldByAnother);
   // Looking for the holder takes long.
-  become(isKnown ? state_
-                 : KeyboardState{Kind::NotInForce, std::string(held) + holderOf(place_.path)});
+  become(isKnown
+             ? state_
+             : KeyboardState{Kind::NotInForce, std::string(heldByAnother) + holderOf(place_.path)});
 }
 
 void NodeHandling::become(const KeyboardState& state) {

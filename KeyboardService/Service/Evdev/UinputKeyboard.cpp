@@ -66,6 +66,10 @@ UinputKeyboard::UinputKeyboard(int original) : descriptor_(openUinput()) {
   device_.reset(device);
 }
 
+void UinputKeyboard::requireUinput() {
+  openUinput();
+}
+
 void UinputKeyboard::write(const std::vector<InputEvent>& events) {
   if (events.empty()) {
     return;

@@ -21,6 +21,9 @@ class UinputKeyboard {
   /// or not accessible.
   explicit UinputKeyboard(int original);
 
+  /// Throws the same, and creates nothing.
+  static void requireUinput();
+
   [[nodiscard]] int descriptor() const { return descriptor_.get(); }
 
   /// Throws RequestError if the kernel does not take them.
