@@ -20,47 +20,53 @@ bool isActiveAndLocal(const char* session) {
   return sd_session_is_active(session) > 0 && sd_session_is_remote(session) == 0;
 }
 
-/// Empty for sessions without a seat, such as those of cron, which are always active
-/// (sd_session_is_active(3)).
-std::string seatOf(const char* session) {
-  char* seat = nullptr;
-  const bool hasSeat = sd_session_get_seat(session, &seat) >= 0;
-  const std::unique_ptr<char, Free> name(seat);
-  return hasSeat ? name.get() : "";
+/// A property of a session, or empty.
+std::string ofSession(const char* session, int (*property)(const char* session, char** value)) {
+  char* value = nullptr;
+  const bool hasValue = property(session, &value) >= 0;
+  const std::unique_ptr<char, Free> owned(value);
+  return hasValue ? value : "";
 }
 
 }  // namespace
 
-Permissions::Permissions(uid_t serviceUser, SeatsOfUser seatsOfUser)
-    : serviceUser_(serviceUser), seatsOfUser_(std::move(seatsOfUser)) {}
+Permissions::Permissions(uid_t serviceUser, LoginsOfUser loginsOfUser)
+    : serviceUser_(serviceUser), loginsOfUser_(std::move(loginsOfUser)) {}
 
 ChangeableKeyboards Permissions::requireChangeBy(uid_t user) const {
   if (user == 0 || user == serviceUser_) {
     return ChangeableKeyboards::all();
   }
-  std::set<std::string> seats = seatsOfUser_(user);
-  if (seats.empty()) {
-    throw RequestError(
-        "permission denied for user " + std::to_string(user) +
-        "; only root and users with an active local login session may change keyboards; log in "
-        "at the machine itself, or run this as root");
+  Logins logins = loginsOfUser_(user);
+  if (!logins.seats.empty()) {
+    return ChangeableKeyboards::atSeats(std::move(logins.seats));
   }
-  return ChangeableKeyboards::atSeats(std::move(seats));
+  const std::string denied = "permission denied for user " + std::to_string(user) + "; ";
+  if (logins.isOverSsh) {
+    throw RequestError(denied + "you are logged in over SSH: use sudo");
+  }
+  throw RequestError(
+      denied +
+      "only root and users with an active local login session may change keyboards; log in at the "
+      "machine itself, or run this as root");
 }
 
-std::set<std::string> seatsOfActiveLocalSessions(uid_t user) {
+Logins loginsOf(uid_t user) {
   char** names = nullptr;
   const int count = sd_uid_get_sessions(user, 1, &names);
   const std::unique_ptr<char*, Free> list(names);
-  std::set<std::string> seats;
+  Logins logins;
   for (int index = 0; index < count; ++index) {
     const std::unique_ptr<char, Free> session(names[index]);
     if (isActiveAndLocal(session.get())) {
-      seats.insert(seatOf(session.get()));
+      logins.seats.insert(ofSession(session.get(), sd_session_get_seat));
     }
+    logins.isOverSsh =
+        logins.isOverSsh || ofSession(session.get(), sd_session_get_service) == "sshd";
   }
-  seats.erase("");
-  return seats;
+  // Sessions without a seat, such as those of cron, are always active (sd_session_is_active(3)).
+  logins.seats.erase("");
+  return logins;
 }
 
 }  // namespace zephlin

@@ -8,8 +8,18 @@
 
 namespace zephlin {
 
-/// The seats at which a user has an active login session at the machine itself, not a remote one.
-using SeatsOfUser = std::function<std::set<std::string>(uid_t user)>;
+/// How a user is logged in, as far as systemd-logind knows.
+struct Logins {
+  /// Where the user has an active session at the machine itself.
+  std::set<std::string> seats;
+  /// The user has a session over SSH.
+  bool isOverSsh = false;
+};
+
+using LoginsOfUser = std::function<Logins(uid_t user)>;
+
+/// Why a keyboard is not set that a user may not change.
+constexpr const char* notOnYourSeat = "not on your seat";
 
 /// Which keyboards one user may change.
 class ChangeableKeyboards {
@@ -37,18 +47,17 @@ class ChangeableKeyboards {
 /// keyboard's seat. Everyone may read.
 class Permissions {
  public:
-  Permissions(uid_t serviceUser, SeatsOfUser seatsOfUser);
+  Permissions(uid_t serviceUser, LoginsOfUser loginsOfUser);
 
   /// Throws RequestError if the user may change no keyboard.
   [[nodiscard]] ChangeableKeyboards requireChangeBy(uid_t user) const;
 
  private:
   uid_t serviceUser_;
-  SeatsOfUser seatsOfUser_;
+  LoginsOfUser loginsOfUser_;
 };
 
-/// The seats of the user's sessions that systemd-logind knows as active and not remote. Empty if
-/// that cannot be found out.
-std::set<std::string> seatsOfActiveLocalSessions(uid_t user);
+/// Asks systemd-logind. None if that cannot be found out.
+Logins loginsOf(uid_t user);
 
 }  // namespace zephlin

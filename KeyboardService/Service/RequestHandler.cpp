@@ -62,7 +62,7 @@ void RequestHandler::perform(const SetRequest& request, uid_t user, const Reply&
     if (changeable.includes(registry_.description(registryID).seat)) {
       keyboards.push_back(registryID);
     } else {
-      others.push_back({registryID, "not on your seat"});
+      others.push_back({registryID, notOnYourSeat});
     }
   }
   if (const std::size_t changed = registry_.set(keyboards, request.properties); changed > 0) {

@@ -121,7 +121,7 @@ void serve(const ServiceOptions& options) {
   }
 
   RequestHandler handler(loop, registry, virtualKeyboards,
-                         Permissions(::geteuid(), seatsOfActiveLocalSessions), log);
+                         Permissions(::geteuid(), loginsOf), log);
   Server server(
       loop, std::move(*listening),
       [&handler](std::string_view line, uid_t user, const Server::Reply& reply) {

@@ -64,7 +64,7 @@ void recordSession(const RecordedLogin& login, const std::string& session) {
   write("/run/systemd/sessions/" + session,
         "UID=" + std::to_string(login.user) + "\nCLASS=user\nTYPE=tty\nACTIVE=" +
             (login.active ? "1" : "0") + "\nSTATE=" + (login.active ? "active" : "online") +
-            "\nREMOTE=" + (login.remote ? "1" : "0") +
+            "\nSERVICE=" + std::string(login.service) + "\nREMOTE=" + (login.remote ? "1" : "0") +
             (login.seat.empty() ? "" : "\nSEAT=" + std::string(login.seat)) + "\n");
 }
 

@@ -30,6 +30,7 @@ struct RecordedLogin {
   bool active = true;
   bool remote = false;
   std::string_view seat = "seat0";  ///< May be empty.
+  std::string_view service = "login";
 };
 
 /// Records these logins in the private machine's /run.

@@ -75,6 +75,15 @@ TEST(ServicePermissions, OtherwiseChangesAreRefusedAndNothingIsChanged) {
   }
 }
 
+TEST(ServicePermissions, WhoeverIsLoggedInOverSshLearnsOfSudo) {
+  const Machine machine({{asker(), true, true, "", "sshd"}});
+  EXPECT_EQ(machine.hidutil(setCommand),
+            askerOwnsTheService()
+                ? isSet
+                : failure("permission denied for user " + std::to_string(asker()) +
+                          "; you are logged in over SSH: use sudo"));
+}
+
 TEST(ServicePermissions, PlugAndPullAreRefusedToo) {
   const Machine machine({});
   EXPECT_EQ(machine.hidutil({"plug"}),

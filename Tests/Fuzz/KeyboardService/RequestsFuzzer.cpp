@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,7 +28,7 @@ class Conversation {
         registry_(log_),
         virtualKeyboards_(2),
         handler_(loop(), registry_, virtualKeyboards_,
-                 Permissions(owner, [](uid_t) { return std::set<std::string>(); }), log_,
+                 Permissions(owner, [](uid_t) { return Logins{}; }), log_,
                  std::chrono::milliseconds::zero()) {
     virtualKeyboards_.start(registry_);
     bus_.start(registry_);

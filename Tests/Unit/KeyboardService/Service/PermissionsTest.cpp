@@ -17,9 +17,8 @@ constexpr uid_t seatedUser = 1000;
 constexpr uid_t otherUser = 1001;
 
 Permissions permissionsWith(std::set<std::string> seats) {
-  return Permissions(serviceUser, [seats](uid_t user) {
-    return user == seatedUser ? seats : std::set<std::string>();
-  });
+  return Permissions(serviceUser,
+                     [seats](uid_t user) { return user == seatedUser ? Logins{seats} : Logins{}; });
 }
 
 TEST(Permissions, RootAndTheServicesUserMayChangeAllKeyboards) {
@@ -46,8 +45,21 @@ TEST(Permissions, AUserWithoutASeatMayChangeNone) {
             "session may change keyboards; log in at the machine itself, or run this as root");
 }
 
+TEST(Permissions, AUserWithoutASeatWhoIsLoggedInOverSshLearnsOfSudo) {
+  const Permissions permissions(serviceUser, [](uid_t) { return Logins{{}, true}; });
+  EXPECT_EQ(requestErrorOf([&] { static_cast<void>(permissions.requireChangeBy(otherUser)); }),
+            "permission denied for user 1001; you are logged in over SSH: use sudo");
+}
+
+TEST(Permissions, AUserWithASeatMayBeLoggedInOverSshToo) {
+  const Permissions permissions(serviceUser, [](uid_t) { return Logins{{"seat0"}, true}; });
+  EXPECT_TRUE(permissions.requireChangeBy(otherUser).includes("seat0"));
+}
+
 constexpr test::RecordedLogin local{seatedUser, true, false};
 constexpr test::RecordedLogin remote{seatedUser, true, true};
+constexpr test::RecordedLogin overSsh{seatedUser, true, true, "", "sshd"};
+constexpr test::RecordedLogin overSshFromHere{seatedUser, true, false, "", "sshd"};
 constexpr test::RecordedLogin withoutSeat{seatedUser, true, false, ""};
 constexpr test::RecordedLogin inactive{seatedUser, false, false};
 constexpr test::RecordedLogin elsewhere{seatedUser, true, false, "seat1"};
@@ -65,9 +77,11 @@ TEST_P(LoginSessions, CountIfActiveLocalAndWithASeat) {
   test::TestProcess child([&] {
     test::enterPrivateMachine();
     test::recordLogins(GetParam().logins);
-    for (const std::string& seat : seatsOfActiveLocalSessions(seatedUser)) {
+    const Logins logins = loginsOf(seatedUser);
+    for (const std::string& seat : logins.seats) {
       std::fputs((seat + ' ').c_str(), stdout);
     }
+    std::fputs(logins.isOverSsh ? "SSH" : "", stdout);
     std::fflush(stdout);
   });
   EXPECT_EQ(child.wait(), (test::Outcome{0, GetParam().answer, ""}));
@@ -76,6 +90,9 @@ TEST_P(LoginSessions, CountIfActiveLocalAndWithASeat) {
 INSTANTIATE_TEST_SUITE_P(
     , LoginSessions,
     testing::Values(Machine{"ActiveAndLocal", {local}, "seat0 "}, Machine{"Remote", {remote}, ""},
+                    Machine{"OverSsh", {overSsh}, "SSH"},
+                    Machine{"OverSshFromTheMachineItself", {overSshFromHere}, "SSH"},
+                    Machine{"LocalAndOverSsh", {overSsh, local}, "seat0 SSH"},
                     Machine{"WithoutSeat", {withoutSeat}, ""}, Machine{"Inactive", {inactive}, ""},
                     Machine{"AtAnotherSeat", {elsewhere}, "seat1 "},
                     Machine{"AtTwoSeats", {local, elsewhere, local}, "seat0 seat1 "},

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <set>
 
 #include "KeyboardService/Service/RequestHandler.h"
 #include "Tests/Unit/KeyboardService/Support/FakeKeyboardBus.h"
@@ -28,11 +27,9 @@ class RequestHandlerTest : public testing::Test {
         registry(limitedLog),
         virtualKeyboards(2),
         handler(loop, registry, virtualKeyboards,
-                Permissions(root,
-                            [](uid_t user) {
-                              return user == atFirstSeat ? std::set<std::string>{"seat0"}
-                                                         : std::set<std::string>{};
-                            }),
+                Permissions(
+                    root,
+                    [](uid_t user) { return user == atFirstSeat ? Logins{{"seat0"}} : Logins{}; }),
                 limitedLog, waitLimit) {
     virtualKeyboards.start(registry);
     realKeyboards.start(registry);

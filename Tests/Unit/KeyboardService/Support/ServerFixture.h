@@ -6,7 +6,6 @@
 #include <chrono>
 #include <exception>
 #include <functional>
-#include <set>
 #include <stdexcept>
 #include <string>
 
@@ -50,7 +49,7 @@ class ServerTest : public testing::Test {
         registry(log),
         virtualKeyboards(200),
         handler(loop, registry, virtualKeyboards,
-                Permissions(::geteuid(), [](uid_t) { return std::set<std::string>(); }), log),
+                Permissions(::geteuid(), [](uid_t) { return Logins{}; }), log),
         respond([this](std::string_view line, uid_t user, const Server::Reply& reply) {
           handler.respond(line, user, reply);
         }),
