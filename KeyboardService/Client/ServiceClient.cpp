@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "Base/FileDescriptor.h"
+#include "KeyboardService/Protocol/Container.h"
 #include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Protocol/Transport.h"
 
@@ -56,9 +57,12 @@ RequestError Exchange::unreachable(int errorNumber) const {
                         R"(; everyone should have it: restart it as root with )"
                         R"("systemctl restart zephlin-hidd.socket")");
   }
-  return RequestError("no keyboard service at " + path_ + errnoText(errorNumber) +
-                      R"(; start it as root with "systemctl start zephlin-hidd.socket", or )"
-                      R"(without systemd with "zephlin-hidd")");
+  const auto advice = containerAdvice();
+  return RequestError(
+      "no keyboard service at " + path_ + errnoText(errorNumber) + "; " +
+      (advice ? *advice + R"(, or start "zephlin-hidd" here if this container has /dev/input)"
+              : R"(start it as root with "systemctl start zephlin-hidd.socket", or without )"
+                R"(systemd with "zephlin-hidd")"));
 }
 
 RequestError Exchange::silent() const {

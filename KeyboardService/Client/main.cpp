@@ -9,6 +9,7 @@
 #include "KeyboardService/Client/CommandLine.h"
 #include "KeyboardService/Client/Listing.h"
 #include "KeyboardService/Client/ServiceClient.h"
+#include "KeyboardService/Protocol/Container.h"
 #include "KeyboardService/Protocol/Errors.h"
 
 namespace zephlin {
@@ -45,6 +46,9 @@ ExitStatus show(const Request& request, const Response& response) {
   const auto* const set = std::get_if<SetResponse>(&response);
   if (set == nullptr) {
     return Done;
+  }
+  if (set->keyboards.empty() && set->unset.empty()) {
+    complain("no keyboard matches; " + containerAdvice().value_or(R"(see "hidutil list")"));
   }
   for (const std::string& each : complaints(*set)) {
     complain(each);

@@ -44,6 +44,15 @@ TEST(Commands, MatchingChoosesKeyboards) {
             properties(""));
 }
 
+TEST(Commands, SettingNothingIsNoFailureButIsSaid) {
+  const RunningService service;
+  EXPECT_EQ(
+      service.hidutil({"property", "--matching", R"({"PrimaryUsage":7})", "--set", R"({"A":1})"}),
+      (test::Outcome{0, "RegistryID   Key   Value\n",
+                     "hidutil: no keyboard matches; " +
+                         containerAdvice().value_or(R"(see "hidutil list")") + '\n'}));
+}
+
 TEST(Commands, WhatIsSetCanBeGotUntilItIsSetAgain) {
   const RunningService service;
   EXPECT_EQ(

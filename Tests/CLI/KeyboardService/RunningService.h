@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "KeyboardService/Protocol/Container.h"
 #include "Tests/Support/TemporaryDirectory.h"
 #include "Tests/Support/TestProcess.h"
 #include "Tests/Unit/KeyboardService/Support/RawClient.h"
@@ -76,11 +77,17 @@ inline test::Outcome failure(const std::string& message) {
   return {1, "", "hidutil: " + message + "\n"};
 }
 
-/// What hidutil does when nobody listens at a path.
+/// What hidutil says when nobody listens at a path, in a container or not.
+inline std::string absenceText(const std::string& path, const std::string& reason) {
+  const auto advice = containerAdvice();
+  return "no keyboard service at " + path + " (" + reason + "); " +
+         (advice ? *advice + R"(, or start "zephlin-hidd" here if this container has /dev/input)"
+                 : R"(start it as root with "systemctl start zephlin-hidd.socket", or without )"
+                   R"(systemd with "zephlin-hidd")");
+}
+
 inline test::Outcome absence(const std::string& path, const std::string& reason) {
-  return failure("no keyboard service at " + path + " (" + reason +
-                 R"(); start it as root with "systemctl start zephlin-hidd.socket", or without )"
-                 R"(systemd with "zephlin-hidd")");
+  return failure(absenceText(path, reason));
 }
 
 }  // namespace zephlin
