@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <sstream>
 #include <string_view>
 #include <system_error>
 #include <vector>
@@ -25,6 +26,8 @@ constexpr std::int32_t exitUnknownCommand = 2;
 struct Report {
   std::string text;
   std::int32_t exitStatus = exitSuccess;
+  /// Lines for standard error, after the text.
+  std::string explanation = {};
 };
 
 struct Command {
@@ -45,9 +48,9 @@ void printError(const std::string& text) {
   std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
-/// Prints the report and returns the exit status: a report that is lost is a failure. A caller that
+/// Prints the text and returns the exit status: a report that is lost is a failure. A caller that
 /// has closed standard output wants none.
-std::int32_t print(const Report& report) {
+std::int32_t printText(const Report& report) {
   const std::string text = report.text + "\n";
   const bool isWritten = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
   if ((isWritten && std::fflush(stdout) == 0) || errno == EBADF) {
@@ -56,6 +59,14 @@ std::int32_t print(const Report& report) {
   printError("Zephlin: cannot write to standard output: " + std::generic_category().message(errno) +
              "\n");
   return report.exitStatus == exitSuccess ? exitFailure : report.exitStatus;
+}
+
+std::int32_t print(const Report& report) {
+  const std::int32_t exitStatus = printText(report);
+  if (!report.explanation.empty()) {
+    printError(report.explanation);
+  }
+  return exitStatus;
 }
 
 const std::string& appleDefaultDelay() {
@@ -103,11 +114,26 @@ std::string verdict(const Status& status) {
   return "Zephlin override is ACTIVE on all keyboards.";
 }
 
+/// The lines in which hidutil complains, among what it printed: why keyboards are not set. Apple's
+/// prints none.
+std::string complaintsIn(const std::string& printed) {
+  constexpr std::string_view complaint = "hidutil: ";
+  std::string complaints;
+  std::istringstream lines(printed);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with(complaint)) {
+      complaints += line + '\n';
+    }
+  }
+  return complaints;
+}
+
 Report apply(const CapsLockEngine& engine) {
-  engine.applyInstant();
+  const std::string printed = engine.setOverride(CapsLockEngine::instantDelayMS);
   const Status status = engine.status();
   return {applyOutcome(status) + noteIfMenuBarAppRunning(""),
-          status.instantServices < 1 ? exitFailure : exitSuccess};
+          status.instantServices < 1 ? exitFailure : exitSuccess,
+          status.isInstant() ? "" : complaintsIn(printed)};
 }
 
 Report restore(const CapsLockEngine& engine) {

@@ -60,11 +60,11 @@ void CapsLockEngine::restoreDefault() const {
   setOverride(noOverride);
 }
 
-void CapsLockEngine::setOverride(std::int64_t value) const {
+std::string CapsLockEngine::setOverride(std::int64_t value) const {
   const std::array<std::string, 5> arguments = {
       "property", "--matching", std::string(keyboardMatching), "--set",
       R"({"CapsLockDelayOverride":)" + std::to_string(value) + "}"};
-  static_cast<void>(runHidutil(arguments));
+  return runHidutil(arguments).value_or("");
 }
 
 CapsLockEngine::Status CapsLockEngine::status() const {

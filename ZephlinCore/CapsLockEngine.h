@@ -88,8 +88,9 @@ class CapsLockEngine {
   void applyInstant() const;
   /// Removes the override from every keyboard; reads nothing back.
   void restoreDefault() const;
-  /// Sets the override to `value` milliseconds on every keyboard; reads nothing back.
-  void setOverride(std::int64_t value) const;
+  /// Sets the override to `value` milliseconds on every keyboard; reads nothing back. Returns what
+  /// the tool printed, empty if that is not valid UTF-8 or too long to keep.
+  std::string setOverride(std::int64_t value) const;
   /// Counts the keyboard services by the delay they report; no keyboards if the output is not valid
   /// UTF-8. Throws std::system_error when the listing is too long to keep.
   [[nodiscard]] Status status() const;

@@ -68,6 +68,21 @@ TEST_F(CommandLineTest, ApplyReportsHowManyKeyboardsConfirmed) {
   expect({"apply"}, 1, nothingConfirmed, "");
 }
 
+TEST_F(CommandLineTest, ApplyAddsWhyKeyboardsAreNotSetIfSomeAreNot) {
+  const std::string held =
+      "hidutil: keyboard 100000002 is not set: held by another program: keyd (pid 412)\n";
+  const std::string absent = "hidutil: keyboard 100000003 is not set: cannot use /dev/uinput\n";
+  replyToSet("RegistryID   Key   Value\n" + held + "nothing of hidutil: \n" + absent);
+  listKeyboards({"0", "(null)", "(null)"});
+  expect({"apply"}, 0, confirmedBy("1 of 3"), held + absent);
+  listKeyboards({"(null)"});
+  expect({"apply"}, 1, nothingConfirmed, held + absent);
+  // It is set by now.
+  listKeyboards({"0", "0"});
+  expect({"apply"}, 0, verifiedOn("2 keyboard services"), "");
+  expect({"restore"}, 0, restoreReport, "");
+}
+
 TEST_F(CommandLineTest, StatusCountsEachKindOfDelay) {
   struct Case {
     std::vector<std::string> values;

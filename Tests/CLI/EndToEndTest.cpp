@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <filesystem>
+#include <fstream>
 
 #include "Tests/Support/TestProcess.h"
 
@@ -29,7 +31,10 @@ std::string lastLineOf(const std::string& text) {
 
 class KeyboardService {
  public:
-  KeyboardService() { process_.waitForErrors("ready"); }
+  explicit KeyboardService(const std::string& keyboards = "3")
+      : process_({"/usr/bin/zephlin-hidd", "--virtual-keyboards", keyboards}) {
+    process_.waitForErrors("ready");
+  }
   KeyboardService(const KeyboardService&) = delete;
   KeyboardService& operator=(const KeyboardService&) = delete;
   ~KeyboardService() {
@@ -38,7 +43,7 @@ class KeyboardService {
   }
 
  private:
-  test::TestProcess process_{{"/usr/bin/zephlin-hidd", "--virtual-keyboards", "3"}};
+  test::TestProcess process_;
 };
 
 TEST(EndToEnd, ApplyMakesEveryKeyboardInstantAndRestoreTakesItBack) {
@@ -106,6 +111,39 @@ TEST(EndToEnd, WithoutAServiceEveryCommandSaysWhatToDo) {
                                  hidutil({"list"}).errors + "\n");
     EXPECT_NE(result.errors.find("zephlin-hidd"), std::string::npos) << result.errors;
   }
+}
+
+/// Marks the machine as a container while it lives.
+class Container {
+ public:
+  Container() {
+    std::filesystem::create_directories("/run/systemd");
+    std::ofstream(mark_) << "lxc\n";
+  }
+  Container(const Container&) = delete;
+  Container& operator=(const Container&) = delete;
+  ~Container() { std::filesystem::remove(mark_); }
+
+  static constexpr const char* advice =
+      "this is a container (lxc); run Zephlin on the machine itself, which has the keyboards";
+
+ private:
+  static constexpr const char* mark_ = "/run/systemd/container";
+};
+
+TEST(EndToEnd, InAContainerApplySaysSoWithAndWithoutAService) {
+  const Container container;
+  EXPECT_EQ(zephlin("apply"),
+            (Outcome{1, "",
+                     "apply failed: hidutil exited with status 1: hidutil: no keyboard service at "
+                     "/run/zephlin/hidd.sock (No such file or directory); " +
+                         std::string(Container::advice) +
+                         ", or start \"zephlin-hidd\" here if this container has /dev/input\n\n"}));
+  const KeyboardService service("0");
+  EXPECT_EQ(
+      zephlin("apply"),
+      (Outcome{1, "Apply command succeeded, but no keyboard service confirmed the override.\n",
+               "hidutil: no keyboard matches; " + std::string(Container::advice) + "\n"}));
 }
 
 }  // namespace
