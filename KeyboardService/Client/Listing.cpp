@@ -12,8 +12,16 @@ using Row = std::vector<std::string>;
 
 constexpr std::size_t gapBetweenColumns = 3;
 
-/// Left-aligned columns. The last one is not padded, so no line ends in spaces that a cell did not
-/// bring.
+Row propertyRow(RegistryID registryID, std::string_view key, std::optional<std::int64_t> value) {
+  return {toText(registryID), std::string(key), value ? std::to_string(*value) : "(null)"};
+}
+
+Row propertyHeader() {
+  return {"RegistryID", "Key", "Value"};
+}
+
+}  // namespace
+
 std::string table(const std::vector<Row>& rows) {
   std::vector<std::size_t> widths(rows.front().size());
   for (const Row& row : rows) {
@@ -31,16 +39,6 @@ std::string table(const std::vector<Row>& rows) {
   }
   return text;
 }
-
-Row propertyRow(RegistryID registryID, std::string_view key, std::optional<std::int64_t> value) {
-  return {toText(registryID), std::string(key), value ? std::to_string(*value) : "(null)"};
-}
-
-Row propertyHeader() {
-  return {"RegistryID", "Key", "Value"};
-}
-
-}  // namespace
 
 std::string listing(const ListRequest& /*request*/, const ListResponse& response) {
   std::vector<Row> rows{{"RegistryID", "VendorID", "ProductID", "UsagePage", "Usage", "Transport",

@@ -7,6 +7,10 @@
 
 namespace zephlin {
 
+/// Left-aligned columns; all rows have the same number of cells. The last column is not padded, so
+/// no line ends in spaces that a cell did not bring.
+std::string table(const std::vector<std::vector<std::string>>& rows);
+
 /// What is printed for each kind of answer: a table with one header line, or the RegistryID of the
 /// keyboard that was plugged in, or nothing. ZephlinCore parses the tables. A set that has failed
 /// prints none.

@@ -48,7 +48,8 @@ ExitStatus show(const Request& request, const Response& response) {
     return Done;
   }
   if (set->keyboards.empty() && set->unset.empty()) {
-    complain("no keyboard matches; " + containerAdvice().value_or(R"(see "hidutil list")"));
+    complain("no keyboard matches; " +
+             containerAdvice().value_or(R"("zephlin-hidd --check" as root says what there is)"));
   }
   for (const std::string& each : complaints(*set)) {
     complain(each);

@@ -11,6 +11,7 @@ namespace zephlin {
 const std::string_view serviceHelp =
     R"(Usage: zephlin-hidd [--socket PATH] [--state PATH] [--virtual-keyboards N]
                     [--tap-gap MS]
+       zephlin-hidd --check [--socket PATH]
 
 Keeps the properties of the keyboards for hidutil until it exits, and makes Caps Lock instant where
 its delay is 0.
@@ -23,6 +24,7 @@ Options:
   --virtual-keyboards N   start with N virtual keyboards, 0 to 256, instead of the machine's own
   --tap-gap MS            how many milliseconds Caps Lock of a grabbed keyboard stays down for
                           programs when its release is sent early, 0 to 50; 5 by default
+  --check                 print how each keyboard of the machine will be handled, and exit
   -h, --help              print this help
   --version               print the version
 )";
@@ -63,6 +65,7 @@ void setOption(ServiceOptions& options, const std::string& name, const std::stri
 ServiceOptions parseServiceCommandLine(const std::vector<std::string>& arguments) {
   ServiceOptions options;
   options.socketPath = defaultSocketPath;
+  bool isForService = false;
   for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
     if (*argument == "--help" || *argument == "-h") {
       options.showHelp = true;
@@ -72,6 +75,10 @@ ServiceOptions parseServiceCommandLine(const std::vector<std::string>& arguments
       options.showVersion = true;
       return options;
     }
+    if (*argument == "--check") {
+      options.check = true;
+      continue;
+    }
     if (*argument != "--socket" && *argument != "--state" && *argument != "--virtual-keyboards" &&
         *argument != "--tap-gap") {
       throw usageError("unknown argument " + inQuotes(*argument));
@@ -79,8 +86,12 @@ ServiceOptions parseServiceCommandLine(const std::vector<std::string>& arguments
     if (argument + 1 == arguments.end()) {
       throw usageError("option " + *argument + " needs a value");
     }
+    isForService = isForService || *argument != "--socket";
     ++argument;
     setOption(options, argument[-1], *argument);
+  }
+  if (options.check && isForService) {
+    throw usageError("--check takes no option except --socket");
   }
   if (options.statePath.empty()) {
     options.statePath = options.socketPath + ".state";

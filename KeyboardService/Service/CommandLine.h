@@ -14,6 +14,7 @@ struct ServiceOptions {
   std::string statePath;
   std::optional<std::size_t> virtualKeyboards;  ///< In place of the machine's keyboards.
   std::chrono::milliseconds tapGap{5};
+  bool check = false;
   bool showHelp = false;
   bool showVersion = false;
 };

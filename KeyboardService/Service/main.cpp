@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "Base/FileDescriptor.h"
+#include "KeyboardService/Check/Check.h"
 #include "KeyboardService/Protocol/Errors.h"
 #include "KeyboardService/Service/Clients/ListeningSocket.h"
 #include "KeyboardService/Service/Clients/Server.h"
@@ -120,8 +121,7 @@ void serve(const ServiceOptions& options) {
     machineKeyboards.emplace(loop, options, log).start(registry);
   }
 
-  RequestHandler handler(loop, registry, virtualKeyboards,
-                         Permissions(::geteuid(), loginsOf), log);
+  RequestHandler handler(loop, registry, virtualKeyboards, Permissions(::geteuid(), loginsOf), log);
   Server server(
       loop, std::move(*listening),
       [&handler](std::string_view line, uid_t user, const Server::Reply& reply) {
@@ -153,6 +153,11 @@ int runCommandLine(const std::vector<std::string>& arguments) {
     }
     if (options.showVersion) {
       return print("zephlin-hidd (Zephlin) " ZEPHLIN_VERSION "\n");
+    }
+    if (options.check) {
+      const CheckReport report = checkKeyboards(options.socketPath);
+      print(report.text);
+      return report.canAllBeInstant ? Done : Failed;
     }
     serve(options);
     return Done;

@@ -8,7 +8,8 @@ _zephlin_hidd() {
     --virtual-keyboards | --tap-gap) ;;
     *)
         mapfile -t COMPREPLY < <(
-            compgen -W '--socket --state --virtual-keyboards --tap-gap --help --version' -- "$cur"
+            compgen -W '--check --socket --state --virtual-keyboards --tap-gap --help --version' \
+                -- "$cur"
         )
         ;;
     esac

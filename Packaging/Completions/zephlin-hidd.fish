@@ -1,4 +1,6 @@
 complete --command zephlin-hidd --no-files
+complete --command zephlin-hidd --long-option check \
+    --description 'Print how each keyboard will be handled'
 complete --command zephlin-hidd --long-option socket --require-parameter --force-files \
     --description 'Socket to listen on'
 complete --command zephlin-hidd --long-option state --require-parameter --force-files \

@@ -35,7 +35,7 @@ class IssueForms(unittest.TestCase):
             each["id"] for each in parsed(FORMS[0])["body"]
             if each.get("validations", {}).get("required")
         }
-        self.assertLessEqual({"status", "keyboards", "system", "desktop"}, required)
+        self.assertLessEqual({"status", "check", "desktop"}, required)
 
     def test_there_is_no_blank_issue(self):
         config = parsed(FORMS[0].parent / "config.yml")

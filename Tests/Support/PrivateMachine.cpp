@@ -83,6 +83,10 @@ void enterPrivateMachine(Identity identity) {
   mountEmpty("/run");
 }
 
+void hideDevices() {
+  mountEmpty("/sys");
+}
+
 void mountPrograms(const std::string& folder) {
   bind(folder, programFolder);
 }

@@ -18,6 +18,9 @@ enum class Identity { Unchanged, Ordinary };
 /// thread; like the functions below it throws std::system_error.
 void enterPrivateMachine(Identity identity = Identity::Unchanged);
 
+/// Makes the private machine's /sys empty, so that there are no devices.
+void hideDevices();
+
 /// Makes a folder the private machine's /usr/bin.
 void mountPrograms(const std::string& folder);
 

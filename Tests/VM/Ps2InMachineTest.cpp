@@ -67,6 +67,7 @@ TEST_F(Ps2InMachine, CapsLockThatIsHeldDoesNotLockAgain) {
                            }),
             "hi");
   EXPECT_EQ(machine().output("grep -c ' lock ' /tmp/judge.log"), "2\n");
+  machine().output("zephlin-hidd --check | grep -q '   PS/2 .*   watched   watched$'");
   EXPECT_EQ(typist_.typeHello(ps2), "Hee");
 }
 

@@ -6,7 +6,29 @@ namespace {
 constexpr int timesPlugged = 100;
 
 /// What may go wrong while Caps Lock is instant.
-class TroubleInMachine : public TypedMachine {};
+class TroubleInMachine : public TypedMachine {
+ protected:
+  static void expectCheck(int status, const std::vector<std::string>& texts) {
+    const auto check = machine().run("zephlin-hidd --check");
+    EXPECT_EQ(check.status, status);
+    for (const std::string& text : texts) {
+      EXPECT_NE(check.output.find(text), std::string::npos) << text << "in\n" << check.output;
+    }
+  }
+
+  /// What another program holds, and keyboards that need a clone if there is no uinput.
+  void checkObstacles() {
+    machine().output("rm -f /tmp/grabber; KeyboardGrabber /dev/input/" + nodeOf(0) +
+                     " >/tmp/grabber & grabber=$!");
+    machine().waitUntil("grep -q grabbed /tmp/grabber");
+    expectCheck(1, {"   not possible: held by another program: KeyboardGrabber (pid ",
+                    "   grabbed: it has no Caps Lock LED\n",
+                    "1 of 2 keyboards cannot be made instant: see above.\n"});
+    machine().run("kill $grabber; wait $grabber; mv /dev/uinput /dev/away");
+    expectCheck(1, {"   watched\n", "   not possible: cannot use /dev/uinput ("});
+    machine().output("mv /dev/away /dev/uinput");
+  }
+};
 
 /// The longest, hence by itself.
 class PluggingInMachine : public TypedMachine {};
@@ -100,6 +122,17 @@ TEST_F(TroubleInMachine, WhatAnotherProgramHoldsIsSaidAndComesBackByItself) {
   EXPECT_NE(outcome.output.find(" is not set: " + reason + '\n'), std::string::npos)
       << outcome.output;
   EXPECT_EQ(machine().output("grep -c 'KeyboardGrabber' /tmp/service.log"), "1\n");
+  expectCheck(1, {"   " + reason + "   ", "   not possible: " + reason + "\n",
+                  "The only keyboard cannot be made instant: see above.\n"});
+  makeKeyboard();
+  const auto applied = machine().run("Zephlin apply 2>&1");
+  EXPECT_EQ(applied.status, 0);
+  EXPECT_TRUE(applied.output.starts_with(
+      "Applied, but only 1 of 2 keyboard services confirmed the override. Re-run in a moment.\n"
+      "hidutil: keyboard "))
+      << applied.output;
+  EXPECT_TRUE(applied.output.ends_with(" is not set: " + reason + '\n')) << applied.output;
+  endKeyboard();
   machine().run("kill $grabber; wait $grabber; sleep 1");
   EXPECT_EQ(typeHello(0), "Hee");
   waitForStates(1, "watched");
@@ -117,9 +150,37 @@ TEST_F(TroubleInMachine, WithoutUinputKeyboardsAreWatchedAndWhatNeedsItIsSaid) {
       << outcome.output;
   machine().output("grep -q 'modprobe uinput' /tmp/service.log; hidutil list | grep -q uinput");
   EXPECT_EQ(typeHello(0), "HEe");
+  restore();
+  expectCheck(0, {"   watched\n"});
   machine().output("mv /dev/away /dev/uinput");
   setDelay(300);
   waitForStates(1, "grabbed");
+}
+
+TEST_F(TroubleInMachine, TheCheckSaysHowEachKeyboardWillBeHandledAndDisturbsNone) {
+  makeKeyboard();
+  expectCheck(0, {"/dev/input/" + nodeOf(0) + " ", "   0627:0001   USB ", "   default   watched\n",
+                  "   default   grabbed: it has no Caps Lock LED\n",
+                  "\nAll 2 keyboards can be made instant.\n"});
+  apply(2);
+  expectCheck(0, {"   watched   watched\n", "   grabbed   grabbed: it has no Caps Lock LED\n"});
+  waitForStates(2, "(watched|grabbed)");
+  EXPECT_EQ(typeHello(0), "Hee");
+  EXPECT_EQ(typeHelloOnMadeKeyboard(), "Hee");
+
+  machine().run("kill $service; wait $service");
+  EXPECT_EQ(textOf(0,
+                   [] {
+                     machine().press(0, "a");
+                     expectCheck(
+                         0, {"no keyboard service at /run/zephlin/hidd.sock (",
+                             "   -     watched\n", "   -     grabbed: it has no Caps Lock LED\n"});
+                     machine().release(0, "a");
+                   }),
+            "a");
+  checkObstacles();
+  startService("zephlin-hidd 9>&-");
+  endKeyboard();
 }
 
 TEST_F(TroubleInMachine, AUserOfItsOwnIsEnoughForTheService) {

@@ -48,9 +48,11 @@ TEST(Commands, SettingNothingIsNoFailureButIsSaid) {
   const RunningService service;
   EXPECT_EQ(
       service.hidutil({"property", "--matching", R"({"PrimaryUsage":7})", "--set", R"({"A":1})"}),
-      (test::Outcome{0, "RegistryID   Key   Value\n",
-                     "hidutil: no keyboard matches; " +
-                         containerAdvice().value_or(R"(see "hidutil list")") + '\n'}));
+      (test::Outcome{
+          0, "RegistryID   Key   Value\n",
+          "hidutil: no keyboard matches; " +
+              containerAdvice().value_or(R"("zephlin-hidd --check" as root says what there is)") +
+              '\n'}));
 }
 
 TEST(Commands, WhatIsSetCanBeGotUntilItIsSetAgain) {

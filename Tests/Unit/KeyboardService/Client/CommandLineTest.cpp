@@ -105,6 +105,18 @@ TEST(ServiceCommandLine, ReadsItsOptions) {
   EXPECT_TRUE(parseServiceCommandLine({"--version"}).showVersion);
 }
 
+TEST(ServiceCommandLine, TheCheckTakesASocketOnly) {
+  const ServiceOptions options = parseServiceCommandLine({"--socket", "/s", "--check"});
+  EXPECT_TRUE(options.check);
+  EXPECT_EQ(options.socketPath, "/s");
+  EXPECT_FALSE(parseServiceCommandLine({}).check);
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"--check", "--tap-gap", "5"}, {"--state", "/p", "--check"}}) {
+    EXPECT_EQ(usageErrorOf(parseServiceCommandLine, arguments),
+              "--check takes no option except --socket; see zephlin-hidd --help");
+  }
+}
+
 TEST(ServiceCommandLine, RefusesWhatItDoesNotKnow) {
   std::vector<std::pair<Arguments, std::string>> errors{
       {{"--colour"}, "unknown argument \"--colour\""},
