@@ -111,8 +111,8 @@ need_test_packages() {
     need_packages at-spi2-core libumockdev-dev libxcb-xtest0-dev locales python3-dbusmock qt6-qpa-plugins \
         strace trayer umockdev x11-xkb-utils
     need_packages qt6-wayland sway swaybg waybar weston
-    need_packages appstream apt-utils bash-completion desktop-file-utils dpkg-dev file fish gnupg \
-        jq lintian rubocop systemd wget zsh
+    need_packages appstream appstream-compose apt-utils bash-completion desktop-file-utils dpkg-dev file \
+        fish gnupg jq lintian rubocop systemd wget zsh
 }
 
 # The rest for the label macos: GNUstep, on which the macOS body runs.

@@ -45,7 +45,9 @@ wait_for tray_has_an_item
 sleep 2
 picture tray "the symbol in the panel"
 
-xdotool mousemove 1264 16 click 3
+# At the panel's right end.
+read -r width _ <<<"$(xdotool getdisplaygeometry)"
+xdotool mousemove $((width - 16)) 16 click 3
 sleep 1
 picture menu "the menu"
 xdotool key Escape
@@ -56,10 +58,12 @@ wait_for xdotool search --name '^Tap Test$'
 sleep 1
 # From the first change of a modifier, the tap test learns the state of Caps Lock.
 xdotool key Shift_L
-for _ in 1 2 3 4; do
+# The X server's own keyboard, which types here, locks at the press, but unlocks at the release. So the
+# last tap locks.
+for _ in 1 2 3; do
     tap_caps_lock
 done
-picture tap-test "the tap test after four quick taps"
+picture tap-test "the tap test after three quick taps"
 
 kill "$application"
 wait "$application"

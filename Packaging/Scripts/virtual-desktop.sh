@@ -7,6 +7,8 @@ set -euo pipefail
 
 if [ "${1-}" = --inside ]; then
     shift
+    # It fails also after it has drawn the background.
+    display -size 832x468 -window root 'gradient:#a5d8ff-#6d5df6' || true
     openbox 2>/dev/null &
     xfce4-panel 2>/dev/null &
     "$@"
@@ -22,5 +24,5 @@ mkdir -m 700 "$XDG_RUNTIME_DIR"
 panel=$XDG_CONFIG_HOME/xfce4/xfconf/xfce-perchannel-xml
 mkdir -p "$panel"
 cp "$(dirname "$0")/xfce4-panel.xml" "$panel/"
-xvfb-run --auto-servernum --server-args="-screen 0 1280x800x24" \
+xvfb-run --auto-servernum --server-args="-screen 0 832x468x24" \
     dbus-run-session -- "$(realpath "$0")" --inside "$@" 2>/dev/null
