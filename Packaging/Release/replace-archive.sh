@@ -11,18 +11,14 @@ version=${name#Zephlin-}
 version=${version%-macos.zip}
 here=$(dirname "$0")
 
-hash_of() {
-    sha256sum <"$folder/$1" | cut -d ' ' -f 1
-}
-
 cp "$archive" "$folder/"
 "$here/../macOS/make-cask.sh" "$archive" "$version" "$folder/zephlin.rb"
 
-# What is known of the programs in the archive describes those that were built on Linux.
+# The bill describes the archive that was built on Linux. SHA256SUMS has the hashes.
 bill=$folder/zephlin-$version.cdx.json
-renewed=$(jq --arg archive "$name" --arg hash "$(hash_of "$name")" --arg cask_hash "$(hash_of zephlin.rb)" '
-    (.components[] | select(.name == $archive)) |= (del(.components) | .hashes[0].content = $hash)
-    | (.components[] | select(.name == "zephlin.rb")).hashes[0].content = $cask_hash
+renewed=$(jq --arg archive "$name" '
+    (.components[] | select(.name == $archive)) |= del(.components, .hashes)
+    | (.components[] | select(.name == "zephlin.rb")) |= del(.hashes)
     | .dependencies |= map(select(.ref | startswith($archive + "#") | not))' "$bill")
 printf '%s\n' "$renewed" >"$bill"
 
