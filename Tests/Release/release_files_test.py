@@ -10,6 +10,8 @@ import tempfile
 import unittest
 from pathlib import Path
 
+import yaml
+
 ROOT = Path(__file__).resolve().parents[2]
 VERSION = re.search(r"^project\(Zephlin VERSION ([\d.]+)", (ROOT / "CMakeLists.txt").read_text(),
                     re.M)[1]
@@ -37,6 +39,11 @@ class ReleaseFiles(unittest.TestCase):
 
     def test_all_are_there(self):
         self.assertEqual({path.name for path in FILES.iterdir()}, NAMES)
+
+    def test_the_workflow_publishes_them(self):
+        workflow = yaml.safe_load((ROOT / ".github/workflows/release.yml").read_text())
+        self.assertEqual(
+            set(workflow["env"]["RELEASE_FILES"].replace("VERSION", VERSION).split()), NAMES)
 
     def test_checksums_are_those_of_the_files(self):
         sums = dict(reversed(line.split("  ")) for line in
