@@ -91,7 +91,7 @@ need_macos_packages() {
 # To make a release's files: both builds, the tools of RPM and Arch, and Node.js and bsdtar for the bill
 # of materials.
 need_release_packages() {
-    need_desktop_build_packages dpkg-dev file git libarchive-tools makepkg rpm
+    need_desktop_build_packages apt-utils dpkg-dev file git gnupg libarchive-tools makepkg rpm
     command -v node >/dev/null || need_packages nodejs
     need_macos_packages
 }
@@ -99,7 +99,7 @@ need_release_packages() {
 # For the label release.
 need_release_test_packages() {
     need_release_packages
-    need_packages createrepo-c diffoscope-minimal dnf faketime pacman-package-manager rpmlint
+    need_packages createrepo-c diffoscope-minimal dnf faketime mmdebstrap pacman-package-manager rpmlint
 }
 
 # To build, run and check everything except for the labels gnome, kde, macos, release and vm, which

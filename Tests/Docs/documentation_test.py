@@ -8,6 +8,7 @@ import subprocess
 import unittest
 from pathlib import Path
 
+import commands_of_readme
 import private_machine
 from documents import Command, ManualPage, Markdown
 from not_run import NOT_RUN
@@ -48,7 +49,8 @@ class Commands(unittest.TestCase):
 
     def test_each_does_what_its_document_shows(self):
         run = set()
-        for each in MARKDOWN + MANUAL_PAGES:
+        # ReadmeTest types what README.md shows.
+        for each in MARKDOWN[1:] + MANUAL_PAGES:
             for block in each.blocks():
                 block.commands = [command for command in block.commands if is_run(command)]
                 if not block.commands:
@@ -60,17 +62,28 @@ class Commands(unittest.TestCase):
                         self.assertEqual(status, 0, errors)
                         if command.output is not None:
                             self.assertEqual(output, command.output)
-        self.assertLessEqual({"Zephlin apply", "Zephlin status", "Zephlin restore", "Zephlin help",
+        self.assertLessEqual({"Zephlin apply", "Zephlin status", "Zephlin restore",
                               "hidutil list", "hidutil property --get CapsLockDelayOverride"}, run)
 
     def test_each_that_is_not_run_is_there(self):
         commands = [
-            command.text for each in MARKDOWN + MANUAL_PAGES for block in each.blocks()
+            command.text for each in MARKDOWN[1:] + MANUAL_PAGES for block in each.blocks()
             for command in block.commands
         ]
         for pattern, reason in NOT_RUN.items():
             with self.subTest(pattern=pattern, reason=reason):
                 self.assertTrue(any(re.fullmatch(pattern, command) for command in commands))
+
+    def test_each_in_readme_is_run_except_on_a_mac(self):
+        commands = {command.text for command in commands_of_readme.all_commands()}
+        self.assertLessEqual(commands_of_readme.IN_OTHER_TESTS.keys(), commands)
+        self.assertLessEqual(commands_of_readme.ON_A_MAC.keys(), commands)
+        for command, test in commands_of_readme.IN_OTHER_TESTS.items():
+            with self.subTest(command=command, test=test):
+                self.assertTrue(any(
+                    re.search(rf"NAME {test} COMMAND \S+/RunTest.sh {re.escape(command)}\)",
+                              path.read_text())
+                    for path in (ROOT / "Tests").rglob("CMakeLists.txt")))
 
     def test_none_is_in_a_fence_that_is_not_looked_at(self):
         for each in MARKDOWN:
@@ -82,7 +95,8 @@ class Commands(unittest.TestCase):
 
     def test_packages_have_the_version_of_the_project(self):
         version = re.search(r"^project\(Zephlin VERSION ([\d.]+)", read("CMakeLists.txt"), re.M)[1]
-        shown = re.findall(r"zephlin(?:-desktop)?_([\d.]+)_", read("README.md"))
+        shown = re.findall(r"(?:zephlin(?:-desktop)?_|releases/|Zephlin-)(\d[\d.]+\d)",
+                           read("README.md"))
         self.assertTrue(shown)
         self.assertEqual(set(shown), {version})
 

@@ -18,6 +18,10 @@ class Block:
     place: str
     commands: list[Command] = field(default_factory=list)
 
+    @property
+    def line(self) -> int:
+        return int(self.place.rpartition(":")[2])
+
 
 class Document:
     def __init__(self, path: Path, root: Path):
@@ -52,23 +56,27 @@ class Markdown(Document):
         return self._indented_blocks() + self._transcripts()
 
     def _indented_blocks(self) -> list[Block]:
-        """Lines indented by four spaces are commands."""
+        """Lines indented by four spaces after an empty line are commands."""
         blocks: list[Block] = []
-        is_continued = False
-        for index, line in self._outside_fences():
-            if not line.startswith("    "):
-                is_continued = False
-                continue
-            if not is_continued:
+        for index, line in self._indented_lines():
+            if not blocks or index != last + 1:
                 blocks.append(Block(self.place(index)))
+            last = index
             commands = blocks[-1].commands
             text = re.sub(r"\s+# .*", "", line.strip())
             if commands and commands[-1].text.endswith("\\"):
                 commands[-1].text = commands[-1].text[:-1] + text
             else:
                 commands.append(Command(text))
-            is_continued = True
         return blocks
+
+    def _indented_lines(self):
+        previous = ""
+        for index, line in self._outside_fences():
+            if line.startswith("    ") and not previous:
+                yield index, line
+            else:
+                previous = line
 
     def _transcripts(self) -> list[Block]:
         """Fences with the language console hold commands after a prompt, and their output."""
@@ -84,6 +92,14 @@ class Markdown(Document):
                     block.commands[-1].output += line + "\n"
             blocks.append(block)
         return blocks
+
+    def commands_in_text(self) -> list[Block]:
+        """The text between backticks that can be typed: it has arguments or names a file to run."""
+        return [
+            Block(self.place(index), [Command(code)])
+            for index, line in self._lines_of_prose()
+            for code in re.findall(r"`([^`]+)`", line) if " " in code or re.match(r"\.?/", code)
+        ]
 
     def _fences(self):
         language, start, lines = None, 0, []
@@ -104,12 +120,18 @@ class Markdown(Document):
             elif not is_inside:
                 yield index, line
 
+    def _lines_of_prose(self):
+        code = {index for index, _ in self._indented_lines()}
+        for index, line in self._outside_fences():
+            if index not in code:
+                yield index, line
+
     def fences(self) -> list[tuple[str, list[str]]]:
         """The language and the lines of each fence."""
         return [(language, lines) for language, _, lines in self._fences()]
 
     def prose(self) -> str:
-        return "\n".join(line for _, line in self._outside_fences() if not line.startswith("    "))
+        return "\n".join(line for _, line in self._lines_of_prose())
 
     def links(self) -> list[str]:
         return re.findall(r"\]\(([^)\s]+)\)", self.prose())

@@ -12,7 +12,7 @@ NOT_RUN = {
     r"(sudo )?(systemctl|journalctl) .*": "needs systemd",
     r"git (tag|push|checkout) .*": "publishes a version, or goes back to one",
     r"(gh|sha256sum|\(cd build/release-files) .*": "needs a release",
-    r"Packaging/Release/.*": "needs a release",
+    r"Packaging/(Apt|Release)/.*": "needs a release",
     r"(sudo )?zephlin-hidd --check": "fails where there are no keyboards",
     r"xcrun .*": "needs a Mac",
     r"export ZEPHLIN_.*": "needs a Mac",

@@ -6,6 +6,7 @@ packages=$1
 
 make_machine /
 prepare_apt
+use_no_other_repository
 make_key "Zephlin archive <zephlin@quorvenel.example>"
 make_repository=$source_folder/Packaging/Apt/make-repository.sh
 age_package "$packages/zephlin.deb" "$machine/tmp/older.deb"

@@ -15,14 +15,16 @@ sed -n -E 's/^## \[?([0-9.]+)\]? - [0-9-]+$/\1/p' "$source_folder/CHANGELOG.md" 
     while read -r version; do
         [ "$version" != "$present" ] || continue
         for package in zephlin zephlin-desktop; do
-            check_same "$package $version is the released one" \
-                "$(grep " ${package}_${version}_amd64.deb$" "$released/$version/SHA256SUMS")" \
-                "$(cd "$released/$version" && sha256sum "${package}_${version}_amd64.deb")"
+            # shellcheck disable=SC2016
+            check "$package $version is the released one" sh -c \
+                'cd "$1" && grep " $2\$" SHA256SUMS | sha256sum --check --strict' - \
+                "$released/$version" "${package}_${version}_amd64.deb"
         done
     done
 
 make_machine /
 prepare_apt
+use_no_other_repository
 make_key "Zephlin archive <zephlin@quorvenel.example>"
 start_systemd
 older=/mnt/0.0.1

@@ -57,6 +57,22 @@ start_systemd() {
     touch "$machine/run/keyboards"
 }
 
+# Puts this clone on the machine, which may not see it yet, as it can be on another file system.
+put_clone_on_machine() {
+    mkdir -p /mnt/clone /mnt/clone-work "$machine$source_folder"
+    mount -t overlay -o "lowerdir=$source_folder,upperdir=/mnt/clone,workdir=/mnt/clone-work" none \
+        "$machine$source_folder"
+}
+
+# Runs a line of commands there: in_clone LINE
+in_clone() {
+    # What a compiler keeps for its next run does not count as left over, and git must not mind that
+    # the clone belongs to another user.
+    # shellcheck disable=SC2016
+    on_machine env CCACHE_DIR=/tmp/ccache GIT_CONFIG_COUNT=1 GIT_CONFIG_KEY_0=safe.directory \
+        GIT_CONFIG_VALUE_0="$source_folder" bash -c 'cd "$1" && eval "$2"' - "$source_folder" "$1"
+}
+
 on_machine() {
     chroot "$machine" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 \
         HOME=/home/somebody DEBIAN_FRONTEND=noninteractive "$@"
@@ -107,12 +123,13 @@ describe() {
     fi
 }
 
-# Prints how the machine differs from the real one. Logs, caches, dpkg's and apt's records do not
-# count; users are checked separately.
+# Prints how the machine differs from the real one. Logs, caches and the records of dpkg, ucf
+# and apt do not count; users are checked separately.
 differences() {
     local path before after
     (cd "$changes" && find . -mindepth 1 \
-        \( -path ./var/lib/dpkg -o -path ./var/lib/apt -o -path ./var/log -o -path ./var/cache \
+        \( -path ./var/lib/dpkg -o -path ./var/lib/apt -o -path ./var/lib/ucf \
+        -o -path ./etc/ld.so.cache -o -path ./var/log -o -path ./var/cache \
         -o -path ./usr/share/applications/mimeinfo.cache \
         -o -path './usr/share/icons/*/icon-theme.cache' \
         -o -path './etc/passwd*' -o -path './etc/group*' -o -path './etc/shadow*' \

@@ -31,17 +31,19 @@ add_repository() {
         >"$machine/etc/apt/sources.list.d/zephlin.sources"
 }
 
-# Makes apt on the machine quick, quiet and independent of the network.
+# Makes apt on the machine quick and quiet.
 prepare_apt() {
-    rm -rf "$machine"/etc/apt/sources.list{,.d/*}
-    # Every package counts as wanted by the administrator, so that --autoremove removes only what the
-    # test installed.
-    rm -f "$machine/var/lib/apt/extended_states"
     cat >"$machine/etc/apt/apt.conf.d/99test" <<'TEXT'
 APT::Get::Assume-Yes "true";
-APT::Install-Recommends "false";
 DPkg::Options { "--force-unsafe-io"; };
 TEXT
+}
+
+# Makes apt independent of the network. What is installed counts as wanted by the administrator, so that
+# --autoremove removes only what the test installs.
+use_no_other_repository() {
+    rm -rf "$machine"/etc/apt/sources.list{,.d/*} "$machine/var/lib/apt/extended_states"
+    echo 'APT::Install-Recommends "false";' >>"$machine/etc/apt/apt.conf.d/99test"
 }
 
 # Runs apt, and sets `output`: apt_does COMMAND...
@@ -49,9 +51,4 @@ apt_does() {
     rm -f "$machine/run/calls"
     printf 'apt can do this: %s\n' "$*"
     output=$(on_machine apt-get "$@" 2>&1) || fail "$output"
-}
-
-# What the packages say in `output`.
-said() {
-    grep '^zephlin[^ ]*: ' <<<"$output" || true
 }
