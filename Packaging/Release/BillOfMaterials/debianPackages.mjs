@@ -73,9 +73,10 @@ const FREE_FORMAT = [
      "GPL-3.0-or-later"],
 ];
 
-/** Debian's names of licences differ from SPDX's in the GNU licences and MIT's. */
+/** Debian's names of licences differ from SPDX's in MIT's, LLVM's and the GNU licences. */
 function toSpdx(name) {
     return name
+        .replace("APACHE-2-LLVM-EXCEPTIONS", "Apache-2.0 WITH LLVM-exception")
         .replace(/\bExpat\b/g, "MIT")
         .replace(/\b(A?L?GPL)-(\d)(?:\.0)?(?=\+|\s|,|$)/g, "$1-$2.0")
         .replace(/\b(A?L?GPL-[\d.]+)\+/g, "$1-or-later")
