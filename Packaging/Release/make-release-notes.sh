@@ -34,7 +34,7 @@ $changes
 
 | System | Files |
 | --- | --- |
-| Debian 12, Ubuntu and others of their family | \`zephlin_${version}_amd64.deb\`; for the application in the panel also \`zephlin-desktop_${version}_amd64.deb\` |
+| Debian 12 | \`zephlin_${version}_amd64.deb\`; for the application in the panel also \`zephlin-desktop_${version}_amd64.deb\` |
 | Fedora and others with RPM | \`zephlin-$version-1.x86_64.rpm\`; for the application, rebuild \`zephlin-$version-1.src.rpm\` |
 | Arch Linux | \`PKGBUILD\` |
 | macOS 13 or later | \`Zephlin-$version-macos.zip\`, or the Homebrew cask \`zephlin.rb\` |
