@@ -1,7 +1,7 @@
 #!/bin/sh
 # Replaces systemctl, udevadm and modprobe (machine.sh): records the calls and remembers whether the
 # socket is active. If there is /run/keyboards, it has the service behind it. Questions are answered
-# without a record, and systemctl --root, which only changes files, is carried out.
+# without a record, and systemctl --root or --no-reload, which only changes files, is carried out.
 set -eu
 tool=${0##*/}
 
@@ -29,14 +29,12 @@ start() {
 
 case "$tool $*" in
 "systemctl --root="*) exec systemctl.real "$@" ;;
+"systemctl --no-reload"*) exec systemctl.real --root=/ "$@" ;;
 "systemctl "*is-active*)
     [ -e /run/active ]
     exit
     ;;
-"systemctl "*is-enabled*)
-    for unit in "$@"; do :; done
-    exec systemctl.real --root=/ is-enabled "$unit"
-    ;;
+"systemctl "*is-enabled*) exec systemctl.real --root=/ "$@" ;;
 "systemctl "*restart*)
     stop
     start
