@@ -30,9 +30,12 @@ step "Making the PKGBUILD"
 [ ! -x Packaging/Arch/make-pkgbuild.sh ] || Packaging/Arch/make-pkgbuild.sh "$tarball" "$files"
 
 step "Writing the bill of materials, the release notes and the checksums"
-bill=$TMPDIR/zephlin-$version.cdx.json
-node Packaging/Release/BillOfMaterials/make.mjs "$files" "$version" "$bill"
-mv "$bill" "$files/"
+# Beside the folder, whose files they list.
+unlisted=$(mktemp -d)
+trap 'rm -rf "$unlisted"' EXIT
+node Packaging/Release/BillOfMaterials/make.mjs "$files" "$version" \
+    "$unlisted/zephlin-$version.cdx.json"
+mv "$unlisted"/*.json "$files/"
 Packaging/Release/make-release-notes.sh "$version" >"$files/release-notes.md"
-(cd "$files" && sha256sum -- * >"$TMPDIR/SHA256SUMS")
-mv "$TMPDIR/SHA256SUMS" "$files/"
+(cd "$files" && sha256sum -- * >"$unlisted/SHA256SUMS")
+mv "$unlisted/SHA256SUMS" "$files/"

@@ -36,7 +36,7 @@ $changes
 | --- | --- |
 | Debian 12 | \`zephlin_${version}_amd64.deb\`; for the application in the panel also \`zephlin-desktop_${version}_amd64.deb\` |
 | Fedora and others with RPM | \`zephlin-$version-1.x86_64.rpm\`; for the application, rebuild \`zephlin-$version-1.src.rpm\` |
-| Arch Linux | \`PKGBUILD\` |
+| Arch Linux | \`PKGBUILD\` and \`zephlin.install\` |
 | macOS 13 or later | \`Zephlin-$version-macos.zip\`, or the Homebrew cask \`zephlin.rb\` |
 
 \`docs/install.md\` in \`zephlin-$version.tar.gz\` explains each of them.

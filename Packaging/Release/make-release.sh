@@ -16,7 +16,7 @@ umask 022
 mkdir -p "$(dirname "$result")"
 work=$(mktemp -d "$result.XXXXXX")
 trap 'rm -rf "$work"' EXIT
-mkdir "$work/files" "$work/home" "$work/tmp"
+mkdir "$work/files" "$work/home"
 
 make_macos_sdk
 step "Fetching the tool that writes the bill of materials"
@@ -32,7 +32,7 @@ cp build/macos-sdk/packages/*.tgz "$sources/build/macos-sdk/packages/"
 cp -r build/release-tools "$sources/build/"
 
 # The user's settings must not change the files.
-env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME="$work/home" TMPDIR="$work/tmp" LC_ALL=C.UTF-8 TZ=UTC \
+env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME="$work/home" LC_ALL=C.UTF-8 TZ=UTC \
     SOURCE_DATE_EPOCH="$(git log -1 --format=%ct)" \
     "$sources/Packaging/Release/build-release.sh" "$tarball"
 
