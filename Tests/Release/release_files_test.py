@@ -68,7 +68,8 @@ class ReleaseFiles(unittest.TestCase):
                 for path in Path(folder).rglob("*"):
                     if path.is_file():
                         with self.subTest(archive=name, file=str(path)):
-                            self.assertNotIn(b"release-files.", path.read_bytes())
+                            self.assertNotIn(f"/zephlin-{VERSION}/".encode(),
+                                             path.read_bytes())
 
     def test_notes_are_those_of_the_changelog(self):
         notes = (FILES / "release-notes.md").read_text()
