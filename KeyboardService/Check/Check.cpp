@@ -23,6 +23,7 @@ using Outlook = CheckedKeyboard::Outlook;
 struct Answer {
   std::string text;
   std::vector<Keyboard> keyboards = {};
+  ServiceAnswers answers = ServiceAnswers::No;
 };
 
 Answer ask(const std::string& socketPath) {
@@ -31,7 +32,7 @@ Answer ask(const std::string& socketPath) {
     if (const auto* const list = std::get_if<ListResponse>(&response)) {
       return {"answers at " + printable(socketPath) + " with " +
                   countedKeyboards(list->keyboards.size()),
-              list->keyboards};
+              list->keyboards, ServiceAnswers::Yes};
     }
     if (const auto* const error = std::get_if<ErrorResponse>(&response)) {
       return {printable(error->text)};
@@ -91,7 +92,7 @@ std::size_t count(const std::vector<CheckedKeyboard>& keyboards, Outlook outlook
 
 }  // namespace
 
-std::string verdict(const std::vector<CheckedKeyboard>& keyboards,
+std::string verdict(const std::vector<CheckedKeyboard>& keyboards, ServiceAnswers serviceAnswers,
                     const std::optional<std::string>& containerAdvice) {
   const std::size_t all = keyboards.size();
   if (all == 0) {
@@ -107,7 +108,9 @@ std::string verdict(const std::vector<CheckedKeyboard>& keyboards,
   }
   if (text.empty()) {
     text = (all == 1 ? "The only keyboard" : "All " + countedKeyboards(all)) +
-           " can be made instant.\n";
+           " can be made instant" +
+           (serviceAnswers == ServiceAnswers::Yes ? "" : " once the service answers: see above") +
+           ".\n";
   }
   return text;
 }
@@ -132,7 +135,7 @@ CheckReport checkKeyboards(const std::string& socketPath) {
   text += "\nService:    " + service.text;
   text += "\nuinput:     " + uinputText(uinput);
   text += "\n\n" + (keyboards.empty() ? "" : keyboardTable(keyboards) + '\n');
-  text += verdict(keyboards, containerAdvice());
+  text += verdict(keyboards, service.answers, containerAdvice());
   return {text, !keyboards.empty() && count(keyboards, Outlook::Instant) == keyboards.size()};
 }
 

@@ -19,8 +19,10 @@ struct CheckReport {
 /// be asked.
 CheckReport checkKeyboards(const std::string& socketPath);
 
+enum class ServiceAnswers { Yes, No };
+
 /// The last lines of the report. `containerAdvice` is empty outside a container.
-std::string verdict(const std::vector<CheckedKeyboard>& keyboards,
+std::string verdict(const std::vector<CheckedKeyboard>& keyboards, ServiceAnswers serviceAnswers,
                     const std::optional<std::string>& containerAdvice);
 
 }  // namespace zephlin

@@ -96,7 +96,7 @@ CheckedKeyboard checkKeyboard(const KeyboardNode& node, const std::optional<std:
   }
   const bool isUsedByService = state == "watched" || state == "grabbed";
   if (state && !isUsedByService && state != "default") {
-    return impossible(*state);
+    return impossible("see \"Now\"");
   }
   const Finding found = isUsedByService ? Finding{} : open(node);
   const Finding clone = way == KeyboardWay::Grabbed && state != "grabbed" ? uinput : Finding{};

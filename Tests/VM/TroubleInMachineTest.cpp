@@ -122,7 +122,7 @@ TEST_F(TroubleInMachine, WhatAnotherProgramHoldsIsSaidAndComesBackByItself) {
   EXPECT_NE(outcome.output.find(" is not set: " + reason + '\n'), std::string::npos)
       << outcome.output;
   EXPECT_EQ(machine().output("grep -c 'KeyboardGrabber' /tmp/service.log"), "1\n");
-  expectCheck(1, {"   " + reason + "   ", "   not possible: " + reason + "\n",
+  expectCheck(1, {"   " + reason + "   ", "   not possible: see \"Now\"\n",
                   "The only keyboard cannot be made instant: see above.\n"});
   makeKeyboard();
   const auto applied = machine().run("Zephlin apply 2>&1");
@@ -174,7 +174,8 @@ TEST_F(TroubleInMachine, TheCheckSaysHowEachKeyboardWillBeHandledAndDisturbsNone
                      machine().press(0, "a");
                      expectCheck(
                          0, {"no keyboard service at /run/zephlin/hidd.sock (",
-                             "   -     watched\n", "   -     grabbed: it has no Caps Lock LED\n"});
+                             "   -     watched\n", "   -     grabbed: it has no Caps Lock LED\n",
+                             "instant once the service answers: see above.\n"});
                      machine().release(0, "a");
                    }),
             "a");

@@ -81,7 +81,7 @@ TEST(CheckedKeyboard, IsHandledAsTheServiceWouldUnlessSomethingIsInTheWay) {
            Case{withoutLed, "grabbed", held, noUinput, Outlook::Instant,
                 "grabbed: it has no Caps Lock LED"},
            Case{withLed, "does not answer", nothing, nothing, Outlook::NotInstant,
-                "not possible: does not answer"},
+                "not possible: see \"Now\""},
            Case{withLed,
                 {},
                 unseen,
@@ -187,7 +187,7 @@ TEST(Verdict, CountsWhatCannotBeInstantOrCannotBeSeen) {
   const CheckedKeyboard bad = check(withLed, {}, held, nothing);
   const CheckedKeyboard hidden = check(withLed, {}, unseen, nothing);
   const auto of = [](const std::vector<CheckedKeyboard>& keyboards) {
-    return verdict(keyboards, std::nullopt);
+    return verdict(keyboards, ServiceAnswers::Yes, std::nullopt);
   };
   EXPECT_EQ(of({good}), "The only keyboard can be made instant.\n");
   EXPECT_EQ(of({good, good, good}), "All 3 keyboards can be made instant.\n");
@@ -198,7 +198,9 @@ TEST(Verdict, CountsWhatCannotBeInstantOrCannotBeSeen) {
             "1 of 3 keyboards cannot be made instant: see above.\n"
             "2 of 3 keyboards can be checked by root only: run it with sudo.\n");
   EXPECT_EQ(of({}), "There are no keyboards: no device has Caps Lock and all letters.\n");
-  EXPECT_EQ(verdict({}, "this is a container (docker)"),
+  EXPECT_EQ(verdict({good, good}, ServiceAnswers::No, std::nullopt),
+            "All 2 keyboards can be made instant once the service answers: see above.\n");
+  EXPECT_EQ(verdict({}, ServiceAnswers::Yes, "this is a container (docker)"),
             "There are no keyboards: this is a container (docker).\n");
 }
 
