@@ -6,26 +6,31 @@
 set -euo pipefail
 tarball=$(realpath "$1")
 result=$(realpath "$2")
-cd "$(dirname "$0")"
+here=$(realpath "$(dirname "$0")")
 : "${SOURCE_DATE_EPOCH:?is the time of the last change, in seconds since 1970}"
 version=${tarball##*/zephlin-}
 version=${version%.tar.gz}
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
+cd "$folder"
 # The user's own ~/.rpmmacros shall not count.
 export SOURCE_DATE_EPOCH HOME=$folder LC_ALL=C.UTF-8
 unset XDG_CONFIG_HOME
 
-mkdir "$folder/SOURCES"
-cp "$tarball" "$folder/SOURCES"
+mkdir SOURCES
+cp "$tarball" SOURCES
 date=$(date --utc --date="@$SOURCE_DATE_EPOCH" '+%a %b %d %Y')
-sed -e "s/@VERSION@/$version/" -e "s/@DATE@/$date/" zephlin.spec.in >"$folder/zephlin.spec"
+sed -e "s/@VERSION@/$version/" -e "s/@DATE@/$date/" "$here/zephlin.spec.in" >zephlin.spec
 
 # Debian knows the build's requirements under other names.
-rpmbuild -ba --nodeps --load "$PWD/debian.macros" --define "_topdir $folder" \
-    "$folder/zephlin.spec" >"$folder/log" 2>&1 || {
-    cat "$folder/log" >&2
-    exit 1
+build() {
+    rpmbuild --nodeps --load "$here/debian.macros" "$@" zephlin.spec >log 2>&1 || {
+        cat log >&2
+        exit 1
+    }
 }
-install --mode 644 "$folder"/{RPMS/*,SRPMS}/*.rpm "$result"
+# The source RPM holds the paths of the folders, which are therefore relative; a build needs full ones.
+build -bs --define '_topdir .'
+build -bb --define "_topdir $folder"
+install --mode 644 RPMS/*/*.rpm SRPMS/*.rpm "$result"
