@@ -112,7 +112,7 @@ need_test_packages() {
         strace trayer umockdev x11-xkb-utils
     need_packages qt6-wayland sway swaybg waybar weston
     need_packages appstream appstream-compose apt-utils bash-completion desktop-file-utils dpkg-dev file \
-        fish gnupg jq lintian makepkg rpm rpmlint rubocop systemd wget zsh
+        fish gnupg iproute2 jq lintian makepkg rpm rpmlint rubocop systemd wget zsh
 }
 
 # The rest for the label macos: GNUstep, on which the macOS body runs.

@@ -2,6 +2,8 @@
 # Types a command in this clone: RunTest.sh COMMAND...
 #
 # Whatever it installs or builds ends with the test.
+# shellcheck disable=SC2034
+needs_network=yes
 # shellcheck source=Tests/Package/machine.sh
 . "$(dirname "$0")/machine.sh"
 

@@ -1,6 +1,8 @@
 # shellcheck shell=bash
 # Sourced by the tests that install packages. They run on a machine of their own: this one behind an
 # overlay, which keeps all changes in memory and ends with the test, as do the programs started there.
+# There is no network, so that servers and displays do not meet others, unless the test sets
+# `needs_network`.
 # This needs root; ./test uses sudo.
 # shellcheck source=Tests/Package/support.sh
 . "$(dirname "${BASH_SOURCE[0]}")/support.sh"
@@ -8,9 +10,12 @@
 if [ -z "${ZEPHLIN_TEST_MACHINE-}" ]; then
     # shellcheck source=Packaging/Scripts/packages.sh
     . "$source_folder/Packaging/Scripts/packages.sh"
+    isolation=(--net)
+    [ -z "${needs_network-}" ] || isolation=()
     exec "${as_root[@]}" env ZEPHLIN_TEST_MACHINE=yes unshare --mount --propagation private \
-        --pid --fork --kill-child --mount-proc "$0" "$@"
+        --pid --fork --kill-child --mount-proc "${isolation[@]}" "$0" "$@"
 fi
+[ -n "${needs_network-}" ] || ip link set lo up
 
 # The changes to the original, and the machine with these changes.
 changes=/mnt/changes

@@ -3,6 +3,8 @@
 # RELEASE_FILES
 #
 # Debian and what the packages need are downloaded as this machine's apt does it.
+# shellcheck disable=SC2034
+needs_network=yes
 # shellcheck source=Tests/Package/readme.sh
 . "$(dirname "$0")/../Package/readme.sh"
 
