@@ -57,7 +57,9 @@ make_machine_packages() {
     for program in systemctl udevadm modprobe; do
         cp "$source_folder/Tests/Package/recordCall.sh" "$tree/usr/bin/$program"
     done
-    # As a distribution's package of folders has them.
+    # As Fedora's and openSUSE's own packages have them.
+    mkdir -p "$tree/usr/lib/systemd/system-preset"
+    echo "disable *" >"$tree/usr/lib/systemd/system-preset/99-default-disable.preset"
     for folder in bin sbin lib lib64; do
         ln -s "usr/$folder" "$tree/$folder"
     done
