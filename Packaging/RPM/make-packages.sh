@@ -25,12 +25,13 @@ sed -e "s/@VERSION@/$version/" -e "s/@DATE@/$date/" "$here/zephlin.spec.in" >zep
 
 # Debian knows the build's requirements under other names.
 build() {
-    rpmbuild --nodeps --load "$here/debian.macros" "$@" zephlin.spec >log 2>&1 || {
+    rpmbuild --nodeps --load "$here/debian.macros" "$@" >log 2>&1 || {
         cat log >&2
         exit 1
     }
 }
 # The source RPM holds the paths of the folders, which are therefore relative; a build needs full ones.
-build -bs --define '_topdir .'
-build -bb --define "_topdir $folder"
+build -bs --define '_topdir .' zephlin.spec
+# As whoever has another Qt does.
+build --rebuild --define "_topdir $folder" SRPMS/*.src.rpm
 install --mode 644 RPMS/*/*.rpm SRPMS/*.rpm "$result"
