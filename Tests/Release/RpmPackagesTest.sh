@@ -12,7 +12,7 @@ check "rpmlint finds nothing in the packages" lint
 requirements() {
     rpm --query --package --requires "$1"
 }
-# Also where the package requires an older one.
+# At least 2.36, so that an older one counts as that.
 newest_c_library() {
     { echo 2.36 && requirements "$1" | sed -n 's/^libc.so.6(GLIBC_\(.*\))(64bit)$/\1/p'; } |
         sort --version-sort | tail -n 1
