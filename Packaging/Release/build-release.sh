@@ -24,10 +24,10 @@ step "Making the Homebrew cask"
 Packaging/macOS/make-cask.sh "$archive" "$version" "$files/zephlin.rb"
 
 step "Building the RPM packages"
-[ ! -x Packaging/RPM/make-packages.sh ] || Packaging/RPM/make-packages.sh "$tarball" "$files"
+Packaging/RPM/make-packages.sh "$tarball" "$files"
 
 step "Making the PKGBUILD"
-[ ! -x Packaging/Arch/make-pkgbuild.sh ] || Packaging/Arch/make-pkgbuild.sh "$tarball" "$files"
+Packaging/Arch/make-pkgbuild.sh "$tarball" "$files"
 
 step "Writing the bill of materials, the release notes and the checksums"
 # Beside the folder, whose files they list.
