@@ -4,7 +4,8 @@
 . "$(dirname "$0")/support.sh"
 packages=$1
 build=$2
-make_temporary_folder
+# In memory, folders have other sizes than on a disk.
+TMPDIR=/dev/shm make_temporary_folder
 
 # A user who keeps files private and lives elsewhere.
 umask 077
@@ -12,9 +13,6 @@ export LC_ALL=C TZ=Pacific/Chatham HOME=$temporary
 check "cpack makes the packages again" \
     cpack --config "$build/CPackConfig.cmake" -G DEB -B "$temporary"
 for package in zephlin zephlin-desktop; do
-    for part in --ctrl-tarfile --fsys-tarfile; do
-        check "both times, $package is the same ($part)" \
-            cmp <(dpkg-deb "$part" "$packages/$package.deb") \
-            <(dpkg-deb "$part" "$temporary/${package}_"*.deb)
-    done
+    check "both times, $package is the same" \
+        cmp "$packages/$package.deb" "$temporary/${package}_"*.deb
 done
