@@ -111,15 +111,27 @@ check_same "no user is left" "$users_without_packages" "$(users)"
 check_same "nothing is left in /run" "calls
 systemd" "$(ls "$machine/run")"
 
-printf '\n== Users who stay\n'
+printf '\n== The device\n'
 mount -t tmpfs none "$machine/dev"
+mknod "$machine/dev/null" c 1 3
 dpkg_does --install /tmp/zephlin.deb
-touch "$machine/dev/uinput"
-on_machine chgrp zephlin /dev/uinput
+# As the package's rule does.
+give_device() {
+    touch "$machine/dev/uinput"
+    chmod 660 "$machine/dev/uinput"
+    on_machine chgrp zephlin /dev/uinput
+}
+give_device
+dpkg_does --remove zephlin
+check_same "the device is root's again" "600 root:root" \
+    "$(on_machine stat --format="%a %U:%G" /dev/uinput)"
+give_device
 dpkg_does --purge zephlin
 check_same "the user stays while its group owns the device" \
     "zephlin: the user zephlin stays, because its group still owns /dev/uinput." "$said"
 check "the user is there" on_machine getent passwd zephlin
+
+printf '\n== A user of the same name\n'
 on_machine userdel zephlin
 on_machine useradd zephlin
 dpkg_does --install /tmp/zephlin.deb
