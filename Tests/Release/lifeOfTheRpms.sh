@@ -163,7 +163,13 @@ rm -r "$machine"/tmp/{picture.png,.config}
 printf '\n== Removing\n'
 mkdir -p "$machine"/run/zephlin{,-hidd}
 touch "$machine/run/zephlin/hidd.sock"
+mount -t tmpfs none "$machine/dev"
+touch "$machine/dev/null" "$machine/dev/uinput"
+on_machine chgrp zephlin /dev/uinput
 rpm_does --erase zephlin-desktop zephlin
+check_same "/dev/uinput belongs to root again" "600 root:root" \
+    "$(stat --format='%a %U:%G' "$machine/dev/uinput")"
+umount "$machine/dev"
 check_same "the service and its socket are stopped, and the device is taken back" \
     "systemctl stop $socket zephlin-hidd.service
 systemctl daemon-reload

@@ -5,7 +5,7 @@
 
 # What Zephlin's scriptlets and the test call. systemctl, udevadm and modprobe are replaced, as
 # Tests/Package/recordCall.sh says.
-machine_programs=(bash sh cat rm touch sleep id getent grep env nohup systemd-sysusers)
+machine_programs=(bash sh cat chgrp chmod chown rm stat touch sleep id getent grep env nohup systemd-sysusers)
 
 # Prints the paths of programs or libraries, and of all libraries that they load.
 with_libraries() {
