@@ -178,7 +178,7 @@ TEST(ChildProcessRunner, AnExecutableThatCannotBeLaunchedIsThePlatformsError) {
            std::pair("/nonexistent/hidutil", "No such file or directory"),
            std::pair("true", "No such file or directory"),  // PATH is not searched.
            std::pair("/", "Permission denied"),
-           std::pair(__FILE__, "Permission denied"),
+           std::pair("/etc/passwd", "Permission denied"),  // Not an executable.
        }) {
     try {
       static_cast<void>(runChildProcess(path, {}, ample));
