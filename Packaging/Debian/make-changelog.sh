@@ -7,6 +7,11 @@ set -eu
 now=$(date --utc --rfc-email --date="@${SOURCE_DATE_EPOCH:-$(date +%s)}")
 awk -v project_version="$2" -v now="$now" '
 function end_entry() {
+    # After a release, nothing has changed yet.
+    if (is_unreleased && !open) {
+        begin_entry()
+        print "  * No changes yet."
+    }
     if (entries > 0 && open) {
         print "\n -- Zephlin developers <zephlin@quorvenel.example>  " date "\n"
     }
@@ -52,7 +57,8 @@ function end_item(    count, words, line, i) {
     gsub(/[][]/, "")
     version = $2
     date = $NF
-    if (version == "Unreleased") {
+    is_unreleased = version == "Unreleased"
+    if (is_unreleased) {
         version = project_version
         date = now
     } else {

@@ -20,10 +20,13 @@ section() {
 
 changes=$(section "$version")
 [ -n "$changes" ] || changes=$(section Unreleased)
-[ -n "$changes" ] || {
-    echo "CHANGELOG.md has neither $version nor Unreleased." >&2
-    exit 1
-}
+if [ -z "$changes" ]; then
+    grep -q '^## Unreleased' CHANGELOG.md || {
+        echo "CHANGELOG.md has neither $version nor Unreleased." >&2
+        exit 1
+    }
+    changes="No changes yet."
+fi
 
 cat <<TEXT
 Zephlin $version makes Caps Lock act the moment it is pressed, on Linux and macOS.
