@@ -1,31 +1,31 @@
 #!/usr/bin/env bash
-# The spec file and the PKGBUILD, without building anything: PackagersFilesTest.sh VERSION
+# What rpmbuild and makepkg read, without building anything: PackagersFilesTest.sh VERSION
 # shellcheck source=Tests/Package/support.sh
 . "$(dirname "$0")/support.sh"
 version=$1
 make_temporary_folder
-spec=$temporary/zephlin.spec
+recipe=$temporary/zephlin.spec
 sed -e "s/@VERSION@/$version/" \
     -e "s/@DATE@/$(LC_ALL=C date --utc '+%a %b %d %Y')/" \
-    "$source_folder/Packaging/RPM/zephlin.spec.in" >"$spec"
+    "$source_folder/Packaging/RPM/zephlin.spec.in" >"$recipe"
 
-check_same "rpmlint finds nothing in the spec file" "0 packages and 1 specfiles checked; 0 errors, 0 warnings" \
-    "$(rpmlint --config "$source_folder/Packaging/RPM/rpmlint.toml" "$spec" |
+check_same "rpmlint finds nothing in the recipe for rpmbuild" "0 packages and 1 specfiles checked; 0 errors, 0 warnings" \
+    "$(rpmlint --config "$source_folder/Packaging/RPM/rpmlint.toml" "$recipe" |
         sed -n 's/^ *\([0-9]* packages.* warnings\).*/\1/p')"
 
-# What rpm makes of it for another distribution: spec_for OPTION...
-spec_for() {
-    rpmspec --parse --load "$source_folder/Packaging/RPM/debian.macros" "$@" "$spec"
+# What rpm makes of it for another distribution: recipe_for OPTION...
+recipe_for() {
+    rpmspec --parse --load "$source_folder/Packaging/RPM/debian.macros" "$@" "$recipe"
 }
 check_same "Fedora's package of Qt is required in the version of the build" \
     "Requires:       qt6-qtbase(x86-64) = $(pkg-config --modversion Qt6Gui)" \
-    "$(spec_for | grep '^Requires: *qt6-qtbase(')"
+    "$(recipe_for | grep '^Requires: *qt6-qtbase(')"
 check_same "so is openSUSE's" \
     "Requires:       libQt6Gui6(x86-64) = $(pkg-config --modversion Qt6Gui)" \
-    "$(spec_for --define 'suse_version 1600' | grep '^Requires: *libQt6Gui6(')"
+    "$(recipe_for --define 'suse_version 1600' | grep '^Requires: *libQt6Gui6(')"
 check_same "the build's requirements can be read where there is no Qt yet" \
     "Requires:       qt6-qtbase(x86-64) = 0" \
-    "$(PKG_CONFIG_LIBDIR=$temporary spec_for | grep '^Requires: *qt6-qtbase(')"
+    "$(PKG_CONFIG_LIBDIR=$temporary recipe_for | grep '^Requires: *qt6-qtbase(')"
 
 tarball=$temporary/zephlin-$version.tar.gz
 echo "not looked at" >"$tarball"

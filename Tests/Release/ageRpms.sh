@@ -3,11 +3,11 @@
 
 # Makes packages like those in a folder with the version 0.0.1: age_rpms RELEASE_FILES FOLDER
 #
-# The spec file is the same; in place of a build it takes the files of the present packages.
+# rpmbuild follows the same recipe, but takes the files of the present packages instead of building.
 age_rpms() {
     local release=$1 folder=$2 work name
-    mkdir -p "$folder/work/files" "$folder/work/bin"
-    work=$folder/work
+    work=$folder/aging
+    mkdir -p "$work/files" "$work/bin"
     name=$(basename "$release"/zephlin-*.tar.gz .tar.gz)
     for package in "$release"/zephlin-*.x86_64.rpm; do
         bsdtar -xf "$package" -C "$work/files"
