@@ -109,8 +109,10 @@ TEST_F(TroubleInMachine, AKeyboardThatHasJustGoneKeepsNobodyFromSettingTheOthers
 
 TEST_F(TroubleInMachine, WhatAnotherProgramHoldsIsSaidAndComesBackByItself) {
   apply();
-  machine().output("KeyboardGrabber /dev/input/" + nodeOf(0) + " >/tmp/grabber & grabber=$!");
+  machine().output("rm -f /tmp/grabber; KeyboardGrabber /dev/input/" + nodeOf(0) +
+                   " >/tmp/grabber & grabber=$!");
   machine().waitUntil("grep -q grabbed /tmp/grabber");
+  outwaitOldAnswers();
   const std::string holder =
       machine().output("echo \"held by another program: KeyboardGrabber (pid $grabber)\"");
   const std::string reason = holder.substr(0, holder.size() - 1);

@@ -102,6 +102,7 @@ class TruthInMachine : public TypedMachine {
 
   /// What the service says of a keyboard must be what the probe finds. Returns whether it does.
   bool saysTheTruth() {
+    outwaitOldAnswers();
     const auto values = valuesRead();
     const std::string status = machine().output("Zephlin status; :");
     EXPECT_EQ(values.size(), keyboards_.size());
@@ -188,8 +189,8 @@ class TruthInMachine : public TypedMachine {
 
   void grab(int keyboard) {
     const std::string name = "grabber" + std::to_string(keyboard);
-    machine().output("KeyboardGrabber /dev/input/" + nodeOf(keyboard) + " >/tmp/" + name +
-                     " 2>/dev/null & " + name + "=$!");
+    machine().output("rm -f /tmp/" + name + "; KeyboardGrabber /dev/input/" + nodeOf(keyboard) +
+                     " >/tmp/" + name + " 2>/dev/null & " + name + "=$!");
     // It cannot grab what the service has grabbed.
     machine().waitUntil("[ -s /tmp/" + name + " ] || ! kill -0 $" + name + " 2>/dev/null");
     keyboards_[keyboard].isHeldByAnother =

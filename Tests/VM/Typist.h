@@ -36,9 +36,12 @@ class Typist {
 
   /// Starts the service, on its usual socket.
   void startService(const std::string& command = "zephlin-hidd") {
-    machine_.output(command + " 2>/tmp/service.log & service=$!");
+    machine_.output("rm -f /tmp/service.log; " + command + " 2>/tmp/service.log & service=$!");
     machine_.waitUntil("grep -q ready /tmp/service.log");
   }
+
+  /// The service's answers may be a quarter of a second old.
+  void outwaitOldAnswers() { machine_.output("sleep 0.3"); }
 
   /// Ends the service and has it started through its socket from then on.
   void activateService(const std::string& command = "zephlin-hidd") {
@@ -59,7 +62,8 @@ class Typist {
   /// Starts another judge with these options of XKB.
   void startJudge(const std::string& options = "") {
     machine_.run("[ -z \"$judge\" ] || { kill $judge; wait $judge; }");
-    machine_.output(judge_ + ' ' + options + " >/tmp/judge.log 2>&1 9>&- & judge=$!");
+    machine_.output("rm -f /tmp/judge.log; " + judge_ + ' ' + options +
+                    " >/tmp/judge.log 2>&1 9>&- & judge=$!");
     machine_.waitUntil("grep -q ready /tmp/judge.log");
     marks_ = 0;
   }
